@@ -1,0 +1,33 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/appkit/NSControl.h"
+
+namespace tarn {
+
+// A push button, or a check box or toggle with a state. A click takes no focus, so it ends no edit; Tab reaches it.
+// `stringValue` is its title.
+class NSButton final : public NSControl {
+public:
+  explicit NSButton(QWidget* widget);
+  ~NSButton() override;
+
+  std::string stringValue() const override;
+  void setStringValue(std::string_view title) override;
+
+  // On or off. Setting it sends no action.
+  bool state() const;
+  void setState(bool on);
+
+  // What a click by a hand does.
+  void performClick();
+
+private:
+  struct Private;
+  std::unique_ptr<Private> d_;
+};
+
+}  // namespace tarn

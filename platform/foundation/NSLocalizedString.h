@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tarn {
+
+// The text in the desktop's language, looked up by its English text, which is also the answer where there is none.
+// Any thread.
+std::string localizedString(const char* english);
+
+// Every `placeholder` ("{0}", "{1}") in `text` replaced by `value`, as plain text.
+std::string replacingPlaceholder(std::string text, std::string_view placeholder, std::string_view value);
+
+}  // namespace tarn

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+
+namespace tarn {
+
+class NSTimer;
+
+// The main thread's loop, seen without a toolkit: which timers are due, and whether timers may fire now. A toolkit's
+// event loop hosts it (it sleeps no longer than `nextFireDate` and calls `fireTimers`); a program without windows calls
+// `runUntil`. Main thread only.
+class NSRunLoop final {
+public:
+  using Clock = std::chrono::steady_clock;
+
+  // While one lives, an alert is up or a menu is open: no timer fires. A repeating timer that missed its times fires
+  // once afterwards.
+  class ModalSession final {
+  public:
+    ModalSession();
+    ModalSession(const ModalSession&) = delete;
+    ModalSession& operator=(const ModalSession&) = delete;
+    ~ModalSession();
+  };
+
+  static NSRunLoop& mainRunLoop();
+
+  // When the next timer wants to fire; nothing while no timer is scheduled or a modal session holds them all back.
+  std::optional<Clock::time_point> nextFireDate() const;
+
+  // Fires each timer that is due, once.
+  void fireTimers();
+
+  // Drains the main queue and fires timers until `done` answers true (the answer is then true) or the time is over.
+  bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds limit);
+
+  // Called when `nextFireDate` may have become earlier, so that the host can set its alarm anew.
+  void setScheduleChanged(std::function<void()> changed);
+
+private:
+  friend class NSTimer;
+
+  void schedule(std::shared_ptr<NSTimer> timer, Clock::time_point when);
+  void unschedule(const NSTimer& timer);
+
+  std::multimap<Clock::time_point, std::shared_ptr<NSTimer>> timers_;
+  std::function<void()> changed_;
+  int modalSessions_ = 0;
+};
+
+}  // namespace tarn
