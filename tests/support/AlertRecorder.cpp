@@ -34,7 +34,8 @@ void AlertRecorder::whileNextIsUp(std::function<void()> action) {
 
 std::vector<std::string> AlertRecorder::messages() const {
   std::vector<std::string> texts;
-  for (const Shown& alert : shown_) texts.push_back(alert.message);
+  for (const Shown& alert : shown_)
+    texts.push_back(alert.message);
   return texts;
 }
 
