@@ -43,6 +43,16 @@ private:
   // sixteen bytes hold the block and its size.
   static constexpr std::uint8_t heapTag = 0xFF;
 
+  struct Block {
+    char* chars;
+    std::size_t size;
+  };
+
+  bool isOnHeap() const noexcept;
+  Block block() const noexcept;
+  void setBlock(Block block) noexcept;
+  void takeFrom(Bytes& other) noexcept;
+
   alignas(8) char storage_[inlineCapacity];
   std::uint8_t tag_;
 };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+#include <condition_variable>
 #include <deque>
 #include <functional>
 #include <mutex>
@@ -26,12 +28,19 @@ public:
   // Main thread. True while a block runs.
   bool isRunningBlock() const;
 
-  // Called on the posting thread after each post, so that a sleeping event loop wakes up and drains.
+  // Main thread, for a program without an event loop of its own: sleeps until a block that drain() would run waits, or
+  // until `limit`.
+  void waitForBlocks(std::chrono::steady_clock::time_point limit);
+
+  // Called on the posting thread after each post, so that a sleeping event loop wakes up and drains. Once this has
+  // returned, the waker installed before is not called again, nor running.
   void setWaker(std::function<void()> wake);
 
 private:
   mutable std::mutex mutex_;
+  std::condition_variable posted_;
   std::deque<Block> blocks_;
+  std::mutex wakeMutex_;
   std::function<void()> wake_;
   bool running_ = false;
 };

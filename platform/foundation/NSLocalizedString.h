@@ -5,6 +5,10 @@
 
 namespace tarn {
 
+// Called once at start, before other threads: takes the language from the environment, and its texts from the
+// catalogue `FOLDER/LANGUAGE/LC_MESSAGES/tarn.mo`. Without it, or without a catalogue, all texts stay English.
+void useTranslations(const std::string& folder);
+
 // The text in the desktop's language, looked up by its English text, which is also the answer where there is none.
 // Any thread.
 std::string localizedString(const char* english);

@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 
 namespace tarn {
@@ -44,10 +45,24 @@ public:
 private:
   friend class NSTimer;
 
-  void schedule(std::shared_ptr<NSTimer> timer, Clock::time_point when);
-  void unschedule(const NSTimer& timer);
+  struct Entry {
+    std::shared_ptr<NSTimer> timer;
+    std::shared_ptr<const std::function<void()>> block;
+    Clock::duration interval{};
+    bool repeats = false;
+  };
+  using Timers = std::multimap<Clock::time_point, Entry>;
 
-  std::multimap<Clock::time_point, std::shared_ptr<NSTimer>> timers_;
+  void schedule(Entry entry, Clock::time_point when);
+  // Any thread.
+  void unschedule(NSTimer& timer);
+  Timers::iterator find(const NSTimer& timer);
+  void fire(const std::shared_ptr<NSTimer>& timer);
+  void tellScheduleChanged() const;
+
+  // Guards the timers, since a timer may be invalidated by any thread.
+  mutable std::mutex mutex_;
+  Timers timers_;
   std::function<void()> changed_;
   int modalSessions_ = 0;
 };

@@ -1,0 +1,25 @@
+#include "platform/foundation/Log.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <mutex>
+#include <string>
+
+namespace tarn {
+
+void logLine(std::string_view text) {
+  static std::mutex mutex;
+  std::string line(text);
+  line += '\n';
+  const std::lock_guard lock(mutex);
+  // Straight to the descriptor: nothing is lost in a buffer when the process ends at once.
+  for (std::string_view rest = line; !rest.empty();) {
+    const ssize_t written = ::write(STDOUT_FILENO, rest.data(), rest.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) return;
+    rest.remove_prefix(static_cast<std::size_t>(written));
+  }
+}
+
+}  // namespace tarn

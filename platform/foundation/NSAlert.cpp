@@ -1,0 +1,44 @@
+#include "platform/foundation/NSAlert.h"
+
+#include <utility>
+
+#include "platform/foundation/Immortal.h"
+#include "platform/foundation/Log.h"
+
+namespace tarn {
+
+void NSAlert::setMessageText(std::string text) {
+  messageText_ = std::move(text);
+}
+
+void NSAlert::setInformativeText(std::string text) {
+  informativeText_ = std::move(text);
+}
+
+void NSAlert::setAlertStyle(Style style) {
+  style_ = style;
+}
+
+void NSAlert::addButtonWithTitle(std::string title) {
+  buttonTitles_.push_back(std::move(title));
+}
+
+int NSAlert::runModal() const {
+  // A copy: the presenter may be replaced while the alert is up.
+  const Presenter presenter = immortal<Presenter>();
+  if (presenter) return presenter(*this);
+  logLine(messageText_);
+  return firstButtonReturn;
+}
+
+void NSAlert::setPresenter(Presenter presenter) {
+  immortal<Presenter>() = std::move(presenter);
+}
+
+void showAlert(std::string message) {
+  NSAlert alert;
+  alert.setMessageText(std::move(message));
+  alert.runModal();
+}
+
+}  // namespace tarn

@@ -1,0 +1,113 @@
+#include "platform/foundation/NSOperationQueue.h"
+
+#include <deque>
+#include <mutex>
+#include <optional>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include "platform/foundation/Immortal.h"
+#include "platform/foundation/Log.h"
+
+namespace tarn {
+
+// What the queue and its threads share; a thread keeps it alive when the queue is gone. A thread exists only while it
+// has an operation: it is made with one, takes the next that may start when that has ended, and else ends.
+struct NSOperationQueue::State : std::enable_shared_from_this<State> {
+  struct Operation {
+    Block block;
+    bool isBarrier = false;
+  };
+
+  explicit State(std::size_t maxConcurrent) : maxConcurrent(maxConcurrent) {}
+
+  void add(Operation operation) {
+    const std::lock_guard lock(mutex);
+    waiting.push_back(std::move(operation));
+    startThreads();
+  }
+
+  // With the lock held. The next operation, marked as running, if one may start now.
+  std::optional<Operation> takeStartable() {
+    if (waiting.empty() || barrierRuns || running >= maxConcurrent) return std::nullopt;
+    if (waiting.front().isBarrier && running > 0) return std::nullopt;
+    Operation operation = std::move(waiting.front());
+    waiting.pop_front();
+    barrierRuns = operation.isBarrier;
+    ++running;
+    return operation;
+  }
+
+  // With the lock held. One thread for each operation that may start now.
+  void startThreads() {
+    while (auto operation = takeStartable()) {
+      auto shared = std::make_shared<Operation>(std::move(*operation));
+      try {
+        std::thread([self = shared_from_this(), shared]() mutable { self->runFrom(std::move(*shared)); }).detach();
+      } catch (const std::system_error&) {
+        // The system has no thread to give; the operation waits for the end of another, or for the next one added.
+        logLine("no thread for an operation");
+        --running;
+        barrierRuns = false;
+        waiting.push_front(std::move(*shared));
+        return;
+      }
+    }
+  }
+
+  void runFrom(Operation first) {
+    for (std::optional<Operation> operation = std::move(first); operation;) {
+      operation->block();
+      // What the block holds goes before the operation counts as ended, and not under the lock: it may be the queue.
+      operation.reset();
+      const std::lock_guard lock(mutex);
+      --running;
+      barrierRuns = false;
+      operation = takeStartable();
+      startThreads();
+    }
+  }
+
+  void cancelWaiting() {
+    std::deque<Operation> cancelled;
+    const std::unique_lock lock(mutex);
+    cancelled.swap(waiting);
+  }
+
+  const std::size_t maxConcurrent;
+  mutable std::mutex mutex;
+  std::deque<Operation> waiting;
+  std::size_t running = 0;
+  bool barrierRuns = false;
+};
+
+NSOperationQueue::NSOperationQueue(std::size_t maxConcurrentOperationCount)
+    : state_(std::make_shared<State>(maxConcurrentOperationCount)) {}
+
+NSOperationQueue::~NSOperationQueue() {
+  state_->cancelWaiting();
+}
+
+void NSOperationQueue::addOperationWithBlock(Block block) {
+  state_->add({std::move(block), false});
+}
+
+void NSOperationQueue::addBarrierBlock(Block block) {
+  state_->add({std::move(block), true});
+}
+
+std::size_t NSOperationQueue::operationCount() const {
+  const std::lock_guard lock(state_->mutex);
+  return state_->waiting.size() + state_->running;
+}
+
+void NSOperationQueue::cancelAllOperations() {
+  state_->cancelWaiting();
+}
+
+MainQueue& NSOperationQueue::mainQueue() {
+  return immortal<MainQueue>();
+}
+
+}  // namespace tarn
