@@ -1,0 +1,87 @@
+#include "workbench/StatusTexts.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "platform/foundation/NSLocalizedString.h"
+
+namespace tarn {
+
+std::string serverStatusText(ConnectionStatus status) {
+  switch (status) {
+    case ConnectionStatus::notConnected:
+      break;
+    case ConnectionStatus::connecting:
+      return localizedString("Status:Connecting");
+    case ConnectionStatus::connected:
+      return localizedString("Status:Connected");
+    case ConnectionStatus::disConnected:
+      return localizedString("Status:DisConnected");
+  }
+  return localizedString("Status:NotConnected");
+}
+
+std::string dealingQueueText(std::size_t operationCount) {
+  return localizedString("Dealing Queue:") + std::to_string(operationCount);
+}
+
+std::string unknownTypeText() {
+  return localizedString("Type:");
+}
+
+std::string typeText(std::string_view type) {
+  return localizedString("Type: ").append(type);
+}
+
+std::string unsupportedTypeText(std::string_view word) {
+  return localizedString("Type:").append(word) + localizedString(" (Unsupported Type)");
+}
+
+std::string unknownKeySizeText() {
+  return localizedString("Key Size:");
+}
+
+std::string keySizeText(std::size_t bytes) {
+  return localizedString("Key Size: ") + std::to_string(bytes) + localizedString("byte(s)");
+}
+
+std::string unknownDataSizeText() {
+  return localizedString("Data Size:");
+}
+
+std::string noDataSizeText() {
+  return localizedString("Data Size: ");
+}
+
+std::string dataSizeText(std::size_t bytes) {
+  return noDataSizeText() + std::to_string(bytes) + localizedString("byte(s)");
+}
+
+std::string dataSizeText(std::size_t bytes, std::size_t count) {
+  return dataSizeText(bytes) + localizedString(" Data Count:") + std::to_string(count);
+}
+
+std::string ttlToolTip(std::string_view ttl) {
+  if (ttl == "-2") return localizedString("(Deleted)");
+  if (ttl == "-1") return localizedString("(Persist)");
+  return localizedString("Second(s)");
+}
+
+std::string keyLabelText(std::string_view charsetTitle) {
+  return replacingPlaceholder(localizedString("Key({0}):"), "{0}", charsetTitle);
+}
+
+std::string countShownText(std::size_t keys) {
+  return localizedString("Count Shown:") + std::to_string(keys);
+}
+
+std::string_view valueTypeTitle(std::string_view word) {
+  static constexpr std::array<std::pair<std::string_view, std::string_view>, 5> titles{
+      {{"string", "String"}, {"list", "List"}, {"set", "Set"}, {"hash", "Hash"}, {"zset", "SortedSet"}}};
+  const auto* found =
+      std::find_if(titles.begin(), titles.end(), [&](const auto& title) { return title.first == word; });
+  return found == titles.end() ? std::string_view() : found->second;
+}
+
+}  // namespace tarn

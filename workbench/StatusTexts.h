@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "wire/ConnectionStatus.h"
+
+namespace tarn {
+
+// What the labels of a tab say, in the desktop's language. Sizes count bytes. All pure; any thread.
+
+std::string serverStatusText(ConnectionStatus status);
+std::string dealingQueueText(std::size_t operationCount);
+
+// The type of the value: nothing known; a known type or the word being handled; a word that no pane shows.
+std::string unknownTypeText();
+std::string typeText(std::string_view type);
+std::string unsupportedTypeText(std::string_view word);
+
+std::string unknownKeySizeText();
+std::string keySizeText(std::size_t bytes);
+
+std::string unknownDataSizeText();
+// `GET` failed.
+std::string noDataSizeText();
+std::string dataSizeText(std::size_t bytes);
+std::string dataSizeText(std::size_t bytes, std::size_t count);
+
+// The tool tip of the TTL: "(Deleted)", "(Persist)" or "Second(s)".
+std::string ttlToolTip(std::string_view ttl);
+
+std::string keyLabelText(std::string_view charsetTitle);
+std::string countShownText(std::size_t keys);
+
+// "String", "List", "Set", "Hash" or "SortedSet" for what the server calls it; empty for a word that no pane shows.
+std::string_view valueTypeTitle(std::string_view word);
+
+}  // namespace tarn
