@@ -22,9 +22,17 @@ if(TARN_SANITIZE)
   target_link_options(tarn_options INTERFACE -fsanitize=${TARN_SANITIZE})
 endif()
 
-# tarn_library(NAME LIBRARY...): a static library of every source in the current folder, and the arrows it may follow.
+# tarn_library(NAME LIBRARY...): a static library of every source in the current folder but main.cpp, and the arrows it
+# may follow.
 function(tarn_library name)
   file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/*.h")
+  if(NOT sources)
+    # A folder whose first source is still to come only passes its arrows on.
+    add_library(${name} INTERFACE)
+    target_link_libraries(${name} INTERFACE tarn_options ${ARGN})
+    return()
+  endif()
+  list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
   add_library(${name} STATIC ${sources})
   target_link_libraries(${name} PUBLIC tarn_options ${ARGN})
 endfunction()

@@ -1,24 +1,24 @@
 #pragma once
 
-#include <memory>
-
 #include "platform/appkit/NSView.h"
 
 namespace tarn {
 
-// A thin bar that moves while something works; it takes no room of its own and draws nothing while idle.
+class ActivityBarWidget;
+
+// A thin bar that moves while something works. It takes no room of its own, draws nothing while idle, and appears only
+// when the work has lasted 300 ms.
 class NSActivityBar final : public NSView {
 public:
-  explicit NSActivityBar(QWidget* widget);
-  ~NSActivityBar() override;
+  explicit NSActivityBar(ActivityBarWidget* widget);
 
   void startAnimation();
   void stopAnimation();
+  // Between start and stop, whether the bar has appeared already or not.
   bool isAnimating() const;
 
 private:
-  struct Private;
-  std::unique_ptr<Private> d_;
+  ActivityBarWidget* bar_;
 };
 
 }  // namespace tarn

@@ -12,11 +12,11 @@ class NSViewController;
 
 // How a tab's label is drawn.
 struct NSTabLabelStyle {
-  double fontSize = 12.0;      // points, the system's font
-  double lineHeight = 16.0;    // points
+  double fontSize = 12.0;    // points, the system's font
+  double lineHeight = 16.0;  // points
   bool alignRight = true;
-  bool truncateHead = true;    // what doesn't fit is cut at its beginning
-  bool white = true;           // on a fill that keeps the contrast
+  bool truncateHead = true;  // what doesn't fit is cut at its beginning
+  bool white = true;         // on a fill that keeps the contrast
 };
 
 // One tab: a label, a tool tip, a view and that view's controller, which the tab holds.
@@ -33,6 +33,7 @@ public:
   void setToolTip(std::string text);
 
   std::shared_ptr<NSViewController> viewController() const { return controller_; }
+  // Before the item is added to a tab view.
   void setViewController(std::shared_ptr<NSViewController> controller);
 
   // The width of the label in points: with `computeMin` the least that it may be cut to, else what it asks for.
@@ -48,8 +49,8 @@ private:
 };
 
 // The tabs of the window. Removing the selected tab selects the one that takes its place, else the last; adding to an
-// empty view selects. Removing and adding all again within one event keeps each view's state and paints nothing between.
-// A view and its controller may go away in their own action.
+// empty view selects. Removing and adding all again within one event keeps each view's state and paints nothing
+// between. A view and its controller may go away in their own action.
 class NSTabView final : public NSView {
 public:
   explicit NSTabView(QWidget* widget);
@@ -66,6 +67,8 @@ public:
 
 private:
   friend class NSTabViewItem;
+  void itemChanged(const NSTabViewItem& item);
+
   struct Private;
   std::unique_ptr<Private> d_;
 };

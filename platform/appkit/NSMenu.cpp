@@ -1,0 +1,58 @@
+#include "platform/appkit/NSMenu.h"
+
+#include "platform/appkit/MenuBuilding.h"
+#include "platform/appkit/Utf8.h"
+
+#include <QAction>
+#include <QMenu>
+
+namespace tarn {
+
+namespace {
+
+// The toolkit reads an ampersand in a title as a mark for the keyboard.
+QString literalTitle(const std::string& title) {
+  return toQString(title).replace(QLatin1Char('&'), QLatin1String("&&"));
+}
+
+}  // namespace
+
+void NSMenu::addItem(std::string title, std::function<void()> action, std::string keyEquivalent) {
+  items_.push_back({std::move(title), std::move(action), std::move(keyEquivalent), nullptr, false});
+}
+
+void NSMenu::addSubmenu(std::shared_ptr<NSMenu> submenu) {
+  std::string title = submenu->title();
+  items_.push_back({std::move(title), {}, {}, std::move(submenu), false});
+}
+
+void NSMenu::addSeparator() {
+  items_.push_back({{}, {}, {}, nullptr, true});
+}
+
+QMenu* makeMenu(const NSMenu& menu, QWidget* parent) {
+  auto* made = new QMenu(literalTitle(menu.title()), parent);
+  made->setAccessibleName(toQString(menu.title()));
+  for (const NSMenuItem& item : menu.items()) {
+    if (item.separator) {
+      made->addSeparator();
+    } else if (item.submenu) {
+      made->addMenu(makeMenu(*item.submenu, made));
+    } else {
+      QAction* action = made->addAction(literalTitle(item.title));
+      if (!item.keyEquivalent.empty()) action->setShortcut(QKeySequence(toQString(item.keyEquivalent)));
+      QObject::connect(action, &QAction::triggered, action, [run = item.action] {
+        if (run) run();
+      });
+    }
+  }
+  return made;
+}
+
+void popUpMenu(const NSMenu& menu, QWidget& owner, const QPoint& globalPosition) {
+  QMenu* made = makeMenu(menu, &owner);
+  made->setAttribute(Qt::WA_DeleteOnClose);
+  made->popup(globalPosition);
+}
+
+}  // namespace tarn

@@ -1,0 +1,65 @@
+#include "platform/appkit/TabViewWidget.h"
+
+#include "platform/appkit/TabBarWidget.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace tarn {
+
+namespace {
+
+const auto settleEvent = static_cast<QEvent::Type>(QEvent::registerEventType());
+
+}  // namespace
+
+TabViewWidget::TabViewWidget(QWidget* parent)
+    : QWidget(parent), bar_(new TabBarWidget(this)), pages_(new QStackedWidget(this)), empty_(new QWidget(pages_)) {
+  auto* column = new QVBoxLayout(this);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(0);
+  column->addWidget(bar_);
+  column->addWidget(pages_, 1);
+  pages_->addWidget(empty_);
+}
+
+void TabViewWidget::showPage(QWidget* page) {
+  if (!page) page = empty_;
+  if (pages_->indexOf(page) < 0) pages_->addWidget(page);
+  pages_->setCurrentWidget(page);
+  shown_ = page;
+}
+
+void TabViewWidget::keepPages(std::vector<QPointer<QWidget>> pages, QWidget* shown) {
+  kept_ = std::move(pages);
+  shown_ = shown;
+  if (settling_) return;
+  settling_ = true;
+  setUpdatesEnabled(false);
+  QApplication::postEvent(this, new QEvent(settleEvent), Qt::HighEventPriority);
+}
+
+bool TabViewWidget::event(QEvent* event) {
+  if (event->type() != settleEvent) return QWidget::event(event);
+  settle();
+  return true;
+}
+
+void TabViewWidget::settle() {
+  settling_ = false;
+  showPage(shown_);
+  for (int index = pages_->count() - 1; index >= 0; --index) {
+    QWidget* page = pages_->widget(index);
+    if (page == empty_ || std::find(kept_.begin(), kept_.end(), page) != kept_.end()) continue;
+    pages_->removeWidget(page);
+    page->hide();
+  }
+  kept_.clear();
+  setUpdatesEnabled(true);
+}
+
+}  // namespace tarn

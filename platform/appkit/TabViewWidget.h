@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QPointer>
+#include <QWidget>
+
+#include <vector>
+
+class QStackedWidget;
+
+namespace tarn {
+
+class TabBarWidget;
+
+// The widget of NSTabView: the row of tabs and, below it, one page a tab. A page taken away stays where it is until the
+// event under way has ended, so that one that comes back within it is neither hidden nor painted in between.
+class TabViewWidget final : public QWidget {
+public:
+  explicit TabViewWidget(QWidget* parent = nullptr);
+
+  TabBarWidget& bar() const { return *bar_; }
+
+  // Shows this page; it stays its owner's.
+  void showPage(QWidget* page);
+  // From the end of the event only these pages are here.
+  void keepPages(std::vector<QPointer<QWidget>> pages, QWidget* shown);
+
+protected:
+  bool event(QEvent* event) override;
+
+private:
+  void settle();
+
+  TabBarWidget* bar_;
+  QStackedWidget* pages_;
+  QWidget* empty_;
+  std::vector<QPointer<QWidget>> kept_;
+  QPointer<QWidget> shown_;
+  bool settling_ = false;
+};
+
+}  // namespace tarn

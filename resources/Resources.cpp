@@ -1,0 +1,9 @@
+#include "resources/Images.h"
+
+namespace tarn {
+
+bool loadResources() {
+  return true;
+}
+
+}  // namespace tarn

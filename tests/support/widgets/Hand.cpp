@@ -1,0 +1,144 @@
+#include "tests/support/widgets/Hand.h"
+
+#include "platform/foundation/NSOperationQueue.h"
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QPixmap>
+#include <QStyle>
+#include <QTest>
+
+#include <stdexcept>
+
+namespace tarn::test {
+
+namespace {
+
+QWidget& keyboardOwner() {
+  if (QWidget* popUp = QApplication::activePopupWidget()) {
+    return popUp->focusWidget() ? *popUp->focusWidget() : *popUp;
+  }
+  if (QWidget* focused = QApplication::focusWidget()) return *focused;
+  if (QWidget* window = QApplication::activeWindow()) return *window;
+  throw std::runtime_error("no window has the keyboard");
+}
+
+}  // namespace
+
+void click(QWidget& widget, std::optional<QPoint> at, Qt::MouseButton button, Qt::KeyboardModifiers modifiers) {
+  QTest::mouseClick(&widget, button, modifiers, at.value_or(widget.rect().center()));
+  settle();
+}
+
+void doubleClick(QWidget& widget, std::optional<QPoint> at) {
+  const QPoint point = at.value_or(widget.rect().center());
+  QTest::mouseClick(&widget, Qt::LeftButton, {}, point);
+  QTest::mouseDClick(&widget, Qt::LeftButton, {}, point);
+  settle();
+}
+
+void type(std::string_view text) {
+  for (const QChar character : QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()))) {
+    QTest::sendKeyEvent(QTest::Click, &keyboardOwner(), Qt::Key_unknown, QString(character), Qt::NoModifier);
+  }
+  settle();
+}
+
+void press(Qt::Key key, Qt::KeyboardModifiers modifiers) {
+  QTest::keyClick(&keyboardOwner(), key, modifiers);
+  settle();
+}
+
+void choose(QWidget& popUp, int index) {
+  auto& box = dynamic_cast<QComboBox&>(popUp);
+  click(popUp);
+  if (!box.view()->isVisible()) throw std::runtime_error("the pop-up's list didn't open");
+  const QModelIndex item = box.model()->index(index, box.modelColumn());
+  box.view()->scrollTo(item);
+  // The list ignores a release that comes too soon after the press that opened it.
+  QTest::qWait(QApplication::doubleClickInterval() + 50);
+  click(*box.view()->viewport(), box.view()->visualRect(item).center());
+}
+
+void settle() {
+  for (int turn = 0; turn < 5; ++turn) {
+    NSOperationQueue::mainQueue().drain();
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QApplication::processEvents();
+  }
+}
+
+bool waitUntil(const std::function<bool()>& done, std::chrono::milliseconds limit) {
+  QElapsedTimer timer;
+  timer.start();
+  while (!done()) {
+    if (timer.elapsed() > limit.count()) return false;
+    QApplication::processEvents(QEventLoop::AllEvents, 20);
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QTest::qSleep(1);
+  }
+  return true;
+}
+
+QWidget& named(const QWidget& root, const char* objectName) {
+  const QString name = QString::fromLatin1(objectName);
+  if (auto* found = root.findChild<QWidget*>(name)) return *found;
+  throw std::runtime_error(std::string("no widget is named ") + objectName);
+}
+
+void show(QWidget& widget, QSize size) {
+  if (size.isValid()) widget.resize(size);
+  widget.show();
+  widget.activateWindow();
+  if (!QTest::qWaitForWindowActive(&widget)) throw std::runtime_error("the window doesn't come up");
+  settle();
+}
+
+void grab(QWidget& widget, const std::string& name) {
+  QDir().mkpath(QStringLiteral("pictures"));
+  settle();
+  widget.grab().save(QStringLiteral("pictures/%1.png").arg(QString::fromStdString(name)));
+}
+
+QWidget* topModal() {
+  return QApplication::activeModalWidget();
+}
+
+QWidget* openPopUp() {
+  return QApplication::activePopupWidget();
+}
+
+void useDarkPalette(bool dark) {
+  if (!dark) {
+    QApplication::setPalette(QApplication::style()->standardPalette());
+    return;
+  }
+  QPalette palette;
+  const QColor text(0xe6, 0xe6, 0xe6);
+  const QColor faint(0x8c, 0x8f, 0x94);
+  palette.setColor(QPalette::Window, QColor(0x2a, 0x2c, 0x30));
+  palette.setColor(QPalette::Base, QColor(0x1f, 0x21, 0x24));
+  palette.setColor(QPalette::AlternateBase, QColor(0x26, 0x28, 0x2c));
+  palette.setColor(QPalette::Button, QColor(0x36, 0x39, 0x3e));
+  palette.setColor(QPalette::ToolTipBase, QColor(0x36, 0x39, 0x3e));
+  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
+    palette.setColor(role, text);
+    palette.setColor(QPalette::Disabled, role, faint);
+  }
+  palette.setColor(QPalette::PlaceholderText, faint);
+  palette.setColor(QPalette::BrightText, Qt::white);
+  palette.setColor(QPalette::Highlight, QColor(0x3d, 0x7e, 0xc8));
+  palette.setColor(QPalette::HighlightedText, Qt::white);
+  palette.setColor(QPalette::Link, QColor(0x6c, 0xa8, 0xe8));
+  palette.setColor(QPalette::Light, QColor(0x4a, 0x4d, 0x53));
+  palette.setColor(QPalette::Midlight, QColor(0x40, 0x43, 0x48));
+  palette.setColor(QPalette::Mid, QColor(0x22, 0x24, 0x27));
+  palette.setColor(QPalette::Dark, QColor(0x18, 0x19, 0x1b));
+  palette.setColor(QPalette::Shadow, Qt::black);
+  QApplication::setPalette(palette);
+}
+
+}  // namespace tarn::test
