@@ -1,0 +1,65 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "favourites/FavouritesStore.h"
+#include "favourites/FavouritesTree.h"
+#include "favourites/MyFavouriteItem.h"
+#include "favourites/TabKeeper.h"
+#include "platform/foundation/NSUUID.h"
+#include "wire/ServerItem.h"
+
+namespace tarn {
+
+// What the user does with connections: connect, close and remove the selected ones, close and reconnect a tab; and how
+// each change of status travels back to the tree and the tab. Main thread only; nothing here waits for the network. The
+// blocks on a server's queue hold the commands weakly, so they are made with std::make_shared.
+class ConnectionCommands final : public std::enable_shared_from_this<ConnectionCommands> {
+public:
+  // All but the root outlive the commands.
+  ConnectionCommands(std::shared_ptr<MyFavouriteItem> favourites, FavouritesTree& tree, TabKeeper& tabs,
+                     FavouritesStore& store);
+  ConnectionCommands(const ConnectionCommands&) = delete;
+  ConnectionCommands& operator=(const ConnectionCommands&) = delete;
+
+  // These act on the selected servers, and say so if there are none.
+  void clickConnect();
+  void clickCloseConnections();
+  void clickRemoveSelectedConnections();
+
+  // The row is being opened: connects a server that is neither connected nor connecting.
+  void expandServer(const std::shared_ptr<ServerItem>& server);
+
+  void reconnect(OperationTabViewController& tab);
+  void closeTab(OperationTabViewController& tab);
+
+  // The connection was made anew, or lost, by itself.
+  void bringDatabasesUpToDate(const std::shared_ptr<ServerItem>& server, bool connected);
+
+private:
+  // Tells a connect that has been overtaken by a close from one that still counts.
+  using Closings = unsigned;
+
+  // The selected servers, logged by name; if there are none, `message` is shown.
+  std::vector<std::shared_ptr<ServerItem>> serversToActOn(const std::string& message) const;
+  void connectIfIdle(const std::shared_ptr<ServerItem>& server);
+  void closeConnection(const std::shared_ptr<ServerItem>& server);
+  void remove(const std::shared_ptr<ServerItem>& server);
+
+  void showConnecting(const std::shared_ptr<ServerItem>& server);
+  void showConnected(const std::shared_ptr<ServerItem>& server, Closings closings);
+  void showDisConnected(const std::shared_ptr<ServerItem>& server, Closings closings, const std::string& message);
+  // True, and row and tab show the status as it is, if the server was closed since `closings` was read.
+  bool lapses(const std::shared_ptr<ServerItem>& server, Closings closings);
+
+  const std::shared_ptr<MyFavouriteItem> favourites_;
+  FavouritesTree& tree_;
+  TabKeeper& tabs_;
+  FavouritesStore& store_;
+  std::map<NSUUID, Closings> closings_;
+};
+
+}  // namespace tarn

@@ -1,0 +1,79 @@
+#include "favourites/FavouritesStore.h"
+
+#include <optional>
+#include <utility>
+
+#include "favourites/StoreHost.h"
+#include "platform/coredata/NSFetchRequest.h"
+#include "platform/foundation/Log.h"
+
+namespace tarn {
+
+namespace {
+
+NSManagedObjectContext* storeContext() {
+  StoreHost* const host = StoreHost::installed();
+  return host ? &host->context() : nullptr;
+}
+
+// All records, or those that the predicate picks; none if they can't be read.
+NSManagedObjectContext::Objects fetchRecords(NSManagedObjectContext& context,
+                                             std::optional<NSPredicate> predicate = std::nullopt) {
+  NSFetchRequest request;
+  request.setEntity(context.entityForName(ServerItemStorage::entityName));
+  request.setPredicate(std::move(predicate));
+  return context.executeFetchRequest(request).value_or(NSManagedObjectContext::Objects());
+}
+
+}  // namespace
+
+std::vector<std::shared_ptr<ServerItem>> FavouritesStore::loadFavourites() {
+  std::vector<std::shared_ptr<ServerItem>> servers;
+  NSManagedObjectContext* const context = storeContext();
+  if (!context) return servers;
+  for (const auto& record : fetchRecords(*context)) {
+    if (auto server = ServerItemStorage(record).makeServer()) {
+      servers.push_back(std::move(server));
+    } else {
+      logLine("A favourite without " + record->missingRequiredKey().value_or("a readable field") + " is left out");
+    }
+  }
+  return servers;
+}
+
+void FavouritesStore::insertRecord(const ServerItem& server) {
+  NSManagedObjectContext* const context = storeContext();
+  if (!context) return;
+  auto record = context->insertNewObjectForEntityForName(ServerItemStorage::entityName);
+  if (!record) return;
+  ServerItemStorage storage(std::move(record));
+  storage.takeServerId(server);
+  storage.takeFields(server);
+}
+
+void FavouritesStore::changeRecord(const ServerItem& server) {
+  NSManagedObjectContext* const context = storeContext();
+  if (!context) return;
+  for (const auto& record : fetchRecords(*context)) {
+    ServerItemStorage storage(record);
+    if (storage.isRecordOf(server.serverId())) storage.takeFields(server);
+  }
+}
+
+void FavouritesStore::deleteRecord(const NSUUID& serverId) {
+  NSManagedObjectContext* const context = storeContext();
+  if (!context) return;
+  for (const auto& record : fetchRecords(*context, NSPredicate::predicateWithFormat("serverId=%@", serverId))) {
+    context->deleteObject(record);
+  }
+}
+
+void FavouritesStore::saveIfChanged() {
+  NSManagedObjectContext* const context = storeContext();
+  if (!context || !context->hasChanges()) return;
+  context->performBlock([] {
+    if (StoreHost* const host = StoreHost::installed()) host->saveContext();
+  });
+}
+
+}  // namespace tarn

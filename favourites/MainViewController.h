@@ -1,0 +1,71 @@
+#pragma once
+
+#include <memory>
+
+#include "favourites/ConnectionCommands.h"
+#include "favourites/FavouritesStore.h"
+#include "favourites/FavouritesTree.h"
+#include "favourites/MyFavouriteItem.h"
+#include "favourites/TabKeeper.h"
+#include "platform/appkit/NSViewController.h"
+#include "resources/MainLayout.h"
+#include "wire/ServerItemHost.h"
+#include "workbench/WorkbenchHost.h"
+
+namespace tarn {
+
+// The content of the main window: owns its controls, the favourites and what acts on them, and stands between the tree
+// and the tabs. While it lives it is `shared`, and the host of the connections and of the tabs. Main thread only.
+class MainViewController final : public NSViewController, public ServerItemHost, public WorkbenchHost {
+public:
+  // Reads the stored favourites and shows them. Nothing connects by itself.
+  MainViewController();
+  ~MainViewController() override;
+
+  // The one that lives, or nothing.
+  static MainViewController* shared();
+
+  NSView& view() override { return layout_.window; }
+  NSWindow& window() { return layout_.window; }
+  // The outlets, by their names.
+  MainLayout& outlets() { return layout_; }
+  const std::shared_ptr<MyFavouriteItem>& myFavourite() const { return myFavourite_; }
+
+  // Nothing if the server has no tab.
+  TabKeeper::Tab tabForServer(const ServerItem& server) const { return tabs_.tabForServer(server); }
+  void resizeAllTabs() { tabs_.resizeAllTabs(); }
+
+  // What the tree's menu, the buttons and the main menu do.
+  void clickConnect() { commands_->clickConnect(); }
+  void clickCloseConnections() { commands_->clickCloseConnections(); }
+  void clickRemoveSelectedConnections() { commands_->clickRemoveSelectedConnections(); }
+  // Closes the tab on show, as its own button does; nothing happens without one.
+  void closeSelectedTab();
+
+  // --- ServerItemHost ---------------------------------------------------------------------------------------------
+
+  void reloadServerRow(const std::shared_ptr<ServerItem>& server) override;
+  void refreshServerRow(const std::shared_ptr<ServerItem>& server) override;
+  void showStatusInTab(const std::shared_ptr<ServerItem>& server) override;
+  void bringDatabasesUpToDate(const std::shared_ptr<ServerItem>& server, bool connected) override;
+  void showSelectedDatabase(const std::shared_ptr<ServerItem>& server) override;
+
+  // --- WorkbenchHost ----------------------------------------------------------------------------------------------
+
+  void closeTab(OperationTabViewController& tab) override;
+  void reconnect(OperationTabViewController& tab) override;
+  void openTypeDialog() override;
+
+private:
+  void viewDidLoad();
+
+  MainLayout layout_;
+  const std::shared_ptr<MyFavouriteItem> myFavourite_ = std::make_shared<MyFavouriteItem>();
+  FavouritesStore store_;
+  FavouritesTree tree_{layout_.serverSelection, myFavourite_};
+  TabKeeper tabs_{layout_.mainTab, tree_};
+  const std::shared_ptr<ConnectionCommands> commands_ =
+      std::make_shared<ConnectionCommands>(myFavourite_, tree_, tabs_, store_);
+};
+
+}  // namespace tarn

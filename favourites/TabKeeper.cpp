@@ -1,0 +1,193 @@
+#include "favourites/TabKeeper.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "platform/foundation/NSLocalizedString.h"
+#include "platform/foundation/NSOperationQueue.h"
+
+namespace tarn {
+
+namespace {
+
+TabKeeper::Tab controllerOf(const std::shared_ptr<NSTabViewItem>& item) {
+  return item ? std::dynamic_pointer_cast<OperationTabViewController>(item->viewController()) : nullptr;
+}
+
+std::string serverNameText(const ServerItem& server) {
+  return localizedString("Name:") + server.connectionName() + " " + localizedString("Server:") + server.serverIp() +
+         " " + localizedString("Port:") + std::to_string(server.serverPort());
+}
+
+// Runs `step` on the main queue, later; it lapses if the tab has gone by then.
+template <typename Step>
+void postToTab(std::weak_ptr<OperationTabViewController> tab, Step step) {
+  NSOperationQueue::mainQueue().addOperationWithBlock([tab = std::move(tab), step = std::move(step)] {
+    if (const auto held = tab.lock()) step(*held);
+  });
+}
+
+void startAnewOnFirstDatabase(OperationTabViewController& tab) {
+  tab.selectDatabase(0);
+  tab.resetWorkbenchView();
+}
+
+}  // namespace
+
+TabKeeper::TabKeeper(NSTabView& mainTab, FavouritesTree& tree) : mainTab_(mainTab), tree_(tree) {}
+
+TabKeeper::Tab TabKeeper::tabForServer(const ServerItem& server) const {
+  const auto found = allTabs_.find(server.serverId().uuidString());
+  return found == allTabs_.end() ? nullptr : controllerOf(found->second);
+}
+
+TabKeeper::Tab TabKeeper::selectedTab() const {
+  return controllerOf(mainTab_.selectedTabViewItem());
+}
+
+void TabKeeper::openTabForItem(const NSItem& item) {
+  const auto database = std::dynamic_pointer_cast<DbItem>(item);
+  const auto server = database ? database->parent() : std::dynamic_pointer_cast<ServerItem>(item);
+  if (!server) return;
+
+  const auto found = allTabs_.find(server->serverId().uuidString());
+  if (found == allTabs_.end()) {
+    makeServerTab(server, database.get());
+    return;
+  }
+  mainTab_.selectTabViewItem(found->second);
+  const Tab tab = controllerOf(found->second);
+  if (!database || !tab) return;
+  if (tab->shownDatabase() != database->dbIdx()) tab->resetWorkbenchView();
+  tab->selectDatabase(database->dbIdx());
+  switchDatabase(tab, database->dbIdx());
+}
+
+void TabKeeper::makeServerTab(const std::shared_ptr<ServerItem>& server, const DbItem* database) {
+  const auto tab = std::make_shared<OperationTabViewController>();
+  auto item = std::make_shared<NSTabViewItemExtension>();
+  item->setLabel(server->connectionName());
+  item->setToolTip(server->connectionName());
+  item->setViewController(tab);
+  mainTab_.addTabViewItem(item);
+  mainTab_.selectTabViewItem(item);
+
+  const std::string id = server->serverId().uuidString();
+  allTabsToUUID_[item] = id;
+  allTabs_[id] = std::move(item);
+
+  tab->showServerName(serverNameText(*server));
+  tab->setServer(server);
+  tab->updateStatusLabel();
+  tab->fillDatabases();
+  tab->view().layout();
+  tab->resetWorkbenchView();
+  tab->doResizeLater();
+  if (database) {
+    tab->selectDatabase(database->dbIdx());
+    switchDatabase(tab, database->dbIdx());
+  }
+}
+
+void TabKeeper::switchDatabase(const Tab& tab, int index) {
+  const std::shared_ptr<ServerItem> server = tab->server();
+  const std::weak_ptr<OperationTabViewController> weakTab = tab;
+  server->operationQueue().addBarrierBlock([weakTab, server, index] {
+    postToTab(weakTab, [](OperationTabViewController& held) { held.updateDealingQueueLabel(); });
+    const bool selected = server->selectDb(index);
+    postToTab(weakTab, [selected](OperationTabViewController& held) {
+      held.updateDealingQueueLabel();
+      if (selected) held.search();
+    });
+  });
+}
+
+void TabKeeper::showDatabases(const Tab& tab) {
+  const std::shared_ptr<ServerItem> server = tab->server();
+  if (tab->shownDatabase() >= 0) emptyDatabases(tab);
+  tab->fillDatabases();
+
+  const auto before = databasesBefore_.extract(server->serverId().uuidString());
+  if (before.empty()) return;
+  const int index = before.mapped();
+  if (index >= static_cast<int>(server->dbs()->size())) {
+    startAnewOnFirstDatabase(*tab);
+    return;
+  }
+  tab->selectDatabase(index);
+  if (index != server->currentDbIdx()) selectDatabaseAgain(tab, index);
+}
+
+void TabKeeper::selectDatabaseAgain(const Tab& tab, int index) {
+  const std::shared_ptr<ServerItem> server = tab->server();
+  const std::weak_ptr<OperationTabViewController> weakTab = tab;
+  server->operationQueue().addBarrierBlock([weakTab, server, index] {
+    const bool selected = server->selectDb(index);
+    postToTab(weakTab, [selected, index](OperationTabViewController& held) {
+      if (!selected && held.shownDatabase() == index) startAnewOnFirstDatabase(held);
+      held.updateDealingQueueLabel();
+    });
+  });
+}
+
+void TabKeeper::emptyDatabases(const Tab& tab) {
+  const int shown = tab->shownDatabase();
+  if (shown >= 0 && tab->server()) databasesBefore_[tab->server()->serverId().uuidString()] = shown;
+  tab->emptyDatabases();
+}
+
+void TabKeeper::removeTabOfView(const NSView& view) {
+  const std::vector<std::shared_ptr<NSTabViewItem>> items = mainTab_.tabViewItems();
+  int selected = mainTab_.indexOfTabViewItem(mainTab_.selectedTabViewItem());
+
+  std::shared_ptr<NSTabViewItem> target;
+  std::vector<std::shared_ptr<NSTabViewItem>> others;
+  for (const auto& item : items) {
+    const auto controller = item->viewController();
+    if (controller && &controller->view() == &view) {
+      target = item;
+    } else {
+      others.push_back(item);
+    }
+    mainTab_.removeTabViewItem(item);
+  }
+  for (const auto& item : others)
+    mainTab_.addTabViewItem(item);
+
+  selected = std::min(selected, static_cast<int>(others.size()) - 1);
+  if (selected >= 0) mainTab_.selectTabViewItemAtIndex(selected);
+  if (target) forget(target);
+  selectTreeRowOfSelectedTab();
+}
+
+void TabKeeper::removeTabOfServer(const ServerItem& server) {
+  const auto found = allTabs_.find(server.serverId().uuidString());
+  if (found == allTabs_.end()) return;
+  const std::shared_ptr<NSTabViewItem> item = found->second;
+  forget(item);
+  mainTab_.removeTabViewItem(item);
+}
+
+void TabKeeper::forget(const std::shared_ptr<NSTabViewItem>& item) {
+  const auto found = allTabsToUUID_.find(item);
+  if (found == allTabsToUUID_.end()) return;
+  databasesBefore_.erase(found->second);
+  allTabs_.erase(found->second);
+  allTabsToUUID_.erase(found);
+  // The tab may be closing by the click on its own button, whose handler is still running.
+  NSOperationQueue::mainQueue().addOperationWithBlock([item] {});
+}
+
+void TabKeeper::selectTreeRowOfSelectedTab() {
+  const Tab tab = selectedTab();
+  if (tab && tab->server()) tree_.selectServerRow(tab->server());
+}
+
+void TabKeeper::resizeAllTabs() {
+  for (const auto& item : mainTab_.tabViewItems()) {
+    if (const Tab tab = controllerOf(item)) tab->doResizeLater();
+  }
+}
+
+}  // namespace tarn

@@ -1,0 +1,75 @@
+#include "shell/AppDelegate.h"
+
+#include <utility>
+
+#include "platform/foundation/Log.h"
+#include "platform/foundation/NSAlert.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSLocalizedString.h"
+#include "platform/foundation/NSOperationQueue.h"
+
+namespace tarn {
+
+namespace {
+
+AppDelegate* sharedDelegate = nullptr;
+
+// Behind the current event, so that it stands in front of the window and not before it.
+void tellLater(std::string message) {
+  NSOperationQueue::mainQueue().addOperationWithBlock([message = std::move(message)] { showAlert(message); });
+}
+
+}  // namespace
+
+AppDelegate* AppDelegate::shared() {
+  return sharedDelegate;
+}
+
+AppDelegate::AppDelegate() {
+  sharedDelegate = this;
+  StoreHost::install(this);
+}
+
+AppDelegate::~AppDelegate() {
+  StoreHost::install(nullptr);
+  sharedDelegate = nullptr;
+}
+
+const std::shared_ptr<const NSManagedObjectModel>& AppDelegate::managedObjectModel() {
+  if (!managedObjectModel_) {
+    if (const auto file = NSBundle::pathForResource("ServerItemModel", "momd")) {
+      managedObjectModel_ = NSManagedObjectModel::initWithContentsOfFile(*file);
+    }
+  }
+  return managedObjectModel_;
+}
+
+NSPersistentContainer& AppDelegate::persistentContainer() {
+  if (!persistentContainer_) {
+    persistentContainer_.emplace("ServerItemModel", managedObjectModel());
+    if (const auto error = persistentContainer_->loadPersistentStores()) {
+      logLine("Unresolved error " + error->description() + ", " + error->userInfo());
+      std::string message = localizedString(
+          "The favourites in '{0}' can not be opened: {1}. The file is left as it is, and until this is mended no "
+          "favourite can be shown or saved.");
+      message = replacingPlaceholder(std::move(message), "{1}", error->reason);
+      tellLater(replacingPlaceholder(std::move(message), "{0}", error->file));
+    }
+  }
+  return *persistentContainer_;
+}
+
+NSManagedObjectContext& AppDelegate::context() {
+  return persistentContainer().viewContext();
+}
+
+void AppDelegate::saveContext() {
+  const auto error = context().save();
+  if (!error) return;
+  logLine("Failure to save context: " + error->description());
+  std::string message = localizedString("The change of your favourites could not be saved in '{0}': {1}.");
+  message = replacingPlaceholder(std::move(message), "{1}", error->reason);
+  showAlert(replacingPlaceholder(std::move(message), "{0}", error->file));
+}
+
+}  // namespace tarn

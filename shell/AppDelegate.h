@@ -1,0 +1,41 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "favourites/StoreHost.h"
+#include "platform/coredata/NSManagedObjectModel.h"
+#include "platform/coredata/NSPersistentContainer.h"
+
+namespace tarn {
+
+// The program's own object: owns the store of the favourites, made step by step on first use. While it lives it is
+// `shared`, and the host of the store. Main thread only.
+class AppDelegate final : public StoreHost {
+public:
+  AppDelegate();
+  AppDelegate(const AppDelegate&) = delete;
+  AppDelegate& operator=(const AppDelegate&) = delete;
+  ~AppDelegate() override;
+
+  // The one that lives, or nothing.
+  static AppDelegate* shared();
+
+  // Null if the model that comes with the program can't be loaded: there is no program without it, and nothing below
+  // may be called.
+  const std::shared_ptr<const NSManagedObjectModel>& managedObjectModel();
+  // The first call opens the store. If that fails there is a line in the log and, once, an alert, and no favourites.
+  NSPersistentContainer& persistentContainer();
+  NSManagedObjectContext& context() override;
+  // A failure is a line in the log and an alert; the store then is as it was before.
+  void saveContext() override;
+
+  // Quit: nothing is asked, and nothing is left to save.
+  bool applicationShouldTerminate() const { return true; }
+
+private:
+  std::shared_ptr<const NSManagedObjectModel> managedObjectModel_;
+  std::optional<NSPersistentContainer> persistentContainer_;
+};
+
+}  // namespace tarn

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <memory>
+
+#include "favourites/MainViewController.h"
+#include "platform/appkit/NSMenu.h"
+
+namespace tarn {
+
+// The menu bar of the main window, whose commands act on `content`; it outlives the menu. Main thread only.
+std::shared_ptr<NSMenu> mainMenu(MainViewController& content);
+
+}  // namespace tarn

@@ -1,0 +1,25 @@
+#include <cstdio>
+
+#include "favourites/MainViewController.h"
+#include "platform/appkit/NSApplication.h"
+#include "resources/Images.h"
+#include "shell/AppDelegate.h"
+#include "shell/MainWindowController.h"
+
+int main(int argc, char** argv) {
+  using namespace tarn;
+  NSApplication application(argc, argv);
+  if (!loadResources()) return 1;
+
+  AppDelegate delegate;
+  if (!delegate.managedObjectModel()) {
+    std::fputs("Tarn can't load the model of its store, ServerItemModel.momd\n", stderr);
+    return 1;
+  }
+  application.setShouldTerminate([&delegate] { return delegate.applicationShouldTerminate(); });
+
+  MainViewController content;
+  MainWindowController window(content);
+  window.showWindow();
+  NSApplication::exitNow(application.run());
+}
