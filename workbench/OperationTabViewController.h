@@ -2,19 +2,16 @@
 
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "platform/appkit/NSViewController.h"
-#include "platform/foundation/Bytes.h"
 #include "resources/OperationTabLayout.h"
 #include "wire/ServerItem.h"
 
 namespace tarn {
 
 // The tab of one connection: owns the outlets, the state that the panes share, the start-up and the labels. Main queue
-// only; background blocks hold it weakly, so it is made with std::make_shared.
-class OperationTabViewController final : public NSViewController,
-                                         public std::enable_shared_from_this<OperationTabViewController> {
+// only. Background blocks hold its insides weakly: it may go at any time.
+class OperationTabViewController final : public NSViewController {
 public:
   OperationTabViewController();
   ~OperationTabViewController() override;
@@ -34,12 +31,18 @@ public:
   void showStatus(ConnectionStatus status);
   void updateDealingQueueLabel();
 
-  // popDatabase: "db0", "db1", ... one for each database of the server; or none.
+  // popDatabase: "db0", "db1", ... one for each database of the server; or none. Filling it shows the database that it
+  // showed before it was emptied, or db0 where the server hasn't that one.
   void fillDatabases();
   void emptyDatabases();
   // Shows the database with this index in popDatabase, without a message to anyone.
   void selectDatabase(int index);
+  // The database that all work of the tab reads: what popDatabase shows, or showed before it was emptied.
   int shownDatabase() const;
+
+  // Work that somebody waits for, and that isn't the tab's own, such as a connect: the activity bar counts it until the
+  // last copy of the token goes, on whatever thread.
+  std::shared_ptr<void> beginWork();
 
   // The state of a fresh connection.
   void resetWorkbenchView();
@@ -48,13 +51,18 @@ public:
   // Starts the key search for what the form says.
   void search();
 
-  // Fits the columns of the value tables to their panes; `doResizeLater` 0.1 seconds from now.
+  // Fits the columns of the value tables to their panes; doResizeLater() does so 0.1 seconds from now.
   void doResize();
   void doResizeLater();
 
 private:
   struct Private;
-  std::unique_ptr<Private> d_;
+
+  void changeKeyDataCharset();
+  void translateSlash();
+
+  // Shared only with a step of a background block while it runs.
+  std::shared_ptr<Private> d_;
 };
 
 }  // namespace tarn

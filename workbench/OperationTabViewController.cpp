@@ -1,0 +1,193 @@
+#include "workbench/OperationTabViewController.h"
+
+#include <utility>
+
+#include "platform/foundation/NSLocalizedString.h"
+#include "platform/foundation/NSTimer.h"
+#include "shell/formatters/RequiredCouldNegativeDoubleFormatter.h"
+#include "workbench/KeyBrowser.h"
+#include "workbench/KeyForm.h"
+#include "workbench/StatusTexts.h"
+#include "workbench/TabQueue.h"
+#include "workbench/TabState.h"
+#include "workbench/ValueLoader.h"
+#include "workbench/ValuePanes.h"
+#include "workbench/ValueTables.h"
+#include "workbench/WorkbenchHost.h"
+#include "workbench/codec/CharsetEnum.h"
+
+namespace tarn {
+
+namespace {
+
+constexpr int scoreEditorTag = 100001;
+constexpr double resizeDelay = 0.1;
+
+// Controls whose work the program can't do yet. One leaves this list, and those of rows go into the table of panes,
+// together with the work behind it.
+void hideControlsWithoutWork(OperationTabLayout& outlets) {
+  for (NSView* control :
+       std::initializer_list<NSView*>{&outlets.btnSave, &outlets.btnNew, &outlets.btnDelete,
+                                      &outlets.btnDeleteSelectedRows, &outlets.btnAddRow, &outlets.cliScrollView}) {
+    control->setHidden(true);
+  }
+}
+
+}  // namespace
+
+// The outlets come first, since all else points at them.
+struct OperationTabViewController::Private {
+  OperationTabLayout outlets;
+  TabState state;
+  TabQueue queue{outlets, state};
+  KeyForm form{outlets};
+  ValuePanes panes{outlets};
+  ValueTables tables{outlets, state, queue};
+  ValueLoader loader{outlets, state, queue, form, panes, tables};
+  KeyBrowser browser{outlets, state, queue, form};
+};
+
+OperationTabViewController::OperationTabViewController() : d_(std::make_shared<Private>()) {
+  d_->queue.setTab(d_);
+  OperationTabLayout& outlets = d_->outlets;
+
+  outlets.btnClose.setAction([this] {
+    if (WorkbenchHost* host = WorkbenchHost::installed()) host->closeTab(*this);
+  });
+  outlets.btnReconnect.setAction([this] {
+    if (WorkbenchHost* host = WorkbenchHost::installed()) host->reconnect(*this);
+  });
+  outlets.popKeyDataCharset.setAction([this] { changeKeyDataCharset(); });
+  outlets.chkTranslate.setAction([this] { translateSlash(); });
+  d_->browser.setKeySelected([loader = &d_->loader](int row) { loader->selectKey(row); });
+  d_->loader.setRowsShown([this] { doResizeLater(); });
+
+  outlets.chkTranslate.setState(false);
+  outlets.popValueDataCharset.removeAllItems();
+  outlets.popValueDataCharset.addItemsWithTitles(charsetTitles());
+  outlets.txtViewCli.setString(localizedString("Welcome: "));
+  outlets.sortedSetScoreTextField.setFormatter(std::make_unique<RequiredCouldNegativeDoubleFormatter>());
+  outlets.sortedSetScoreTextField.setTag(scoreEditorTag);
+  hideControlsWithoutWork(outlets);
+}
+
+OperationTabViewController::~OperationTabViewController() = default;
+
+NSView& OperationTabViewController::view() {
+  return d_->outlets.view;
+}
+
+OperationTabLayout& OperationTabViewController::outlets() {
+  return d_->outlets;
+}
+
+const std::shared_ptr<ServerItem>& OperationTabViewController::server() const {
+  return d_->state.server;
+}
+
+void OperationTabViewController::setServer(std::shared_ptr<ServerItem> server) {
+  d_->state.server = std::move(server);
+}
+
+void OperationTabViewController::showServerName(const std::string& text) {
+  d_->outlets.labServerName.setStringValue(text);
+}
+
+void OperationTabViewController::updateStatusLabel() {
+  if (server()) showStatus(server()->connectionStatus());
+}
+
+void OperationTabViewController::showStatus(ConnectionStatus status) {
+  d_->outlets.labStatus.setStringValue(serverStatusText(status));
+}
+
+void OperationTabViewController::updateDealingQueueLabel() {
+  d_->queue.updateDealingQueueLabel();
+}
+
+void OperationTabViewController::fillDatabases() {
+  emptyDatabases();
+  if (!server()) return;
+  const int count = static_cast<int>(server()->dbs()->size());
+  for (int index = 0; index < count; ++index) {
+    d_->outlets.popDatabase.addItemWithTitle("db" + std::to_string(index));
+  }
+  if (count > 0) selectDatabase(shownDatabase() < count ? shownDatabase() : 0);
+}
+
+void OperationTabViewController::emptyDatabases() {
+  d_->outlets.popDatabase.removeAllItems();
+}
+
+void OperationTabViewController::selectDatabase(int index) {
+  d_->outlets.popDatabase.selectItemAtIndex(index);
+  d_->state.database = index;
+}
+
+int OperationTabViewController::shownDatabase() const {
+  return d_->state.database;
+}
+
+std::shared_ptr<void> OperationTabViewController::beginWork() {
+  return d_->queue.beginWork();
+}
+
+void OperationTabViewController::resetWorkbenchView() {
+  if (!server()) return;
+  OperationTabLayout& outlets = d_->outlets;
+  const std::string charset = server()->defaultCharset();
+  outlets.popKeyDataCharset.removeAllItems();
+  outlets.popKeyDataCharset.addItemsWithTitles(charsetTitles());
+  outlets.popKeyDataCharset.selectItemWithTitle(charset);
+  outlets.labKey.setStringValue(keyLabelText(charset));
+
+  d_->loader.dropRunningLoads();
+  d_->browser.showKeys({});
+  d_->state.currentType.clear();
+  outlets.txtSearchKey.setStringValue("");
+  d_->form.emptyKey();
+  d_->form.showTtl("", "");
+  d_->form.showSizesUnknown();
+  outlets.chkTranslate.setState(false);
+  outlets.chkExactly.setState(false);
+  d_->panes.emptyString();
+  d_->panes.showValuePane("");
+}
+
+void OperationTabViewController::resetFormForNewKey() {
+  d_->loader.dropRunningLoads();
+  d_->form.emptyKey();
+  d_->form.showTtl("-1", ttlToolTip("-1"));
+  d_->panes.emptyString();
+  d_->tables.emptyAllTables();
+  doResizeLater();
+  d_->form.showSizesUnknown();
+  d_->outlets.chkTranslate.setState(false);
+}
+
+void OperationTabViewController::search() {
+  d_->browser.search();
+}
+
+void OperationTabViewController::doResize() {
+  d_->panes.doResize();
+}
+
+void OperationTabViewController::doResizeLater() {
+  NSTimer::scheduledTimerWithTimeInterval(
+      resizeDelay, false, [panes = &d_->panes, tab = d_->queue.poster()] { tab.post([panes] { panes->doResize(); }); });
+}
+
+void OperationTabViewController::changeKeyDataCharset() {
+  d_->outlets.labKey.setStringValue(keyLabelText(d_->outlets.popKeyDataCharset.titleOfSelectedItem()));
+  resetFormForNewKey();
+  search();
+}
+
+void OperationTabViewController::translateSlash() {
+  d_->form.translateKey();
+  commitEditing();
+  d_->tables.reloadAllTables();
+}
+
+}  // namespace tarn

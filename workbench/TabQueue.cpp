@@ -1,0 +1,38 @@
+#include "workbench/TabQueue.h"
+
+#include "workbench/StatusTexts.h"
+
+namespace tarn {
+
+TabQueue::TabQueue(OperationTabLayout& outlets, const TabState& state)
+    : outlets_(outlets), state_(state), activity_(outlets.activityBar) {}
+
+void TabQueue::addInShownDatabase(Work work) {
+  if (!state_.server) return;
+  const auto run = [this, work = std::move(work), server = state_.server, database = state_.database, tab = poster(),
+                    token = beginWork()] {
+    // While this runs no SELECT can start, so the answer stays true until the work has ended.
+    if (server->currentDbIdx() == database) return work(*server, tab);
+    server->operationQueue().addBarrierBlock([this, work, server, database, tab, token] {
+      if (server->currentDbIdx() == database || server->selectDb(database)) return work(*server, tab);
+      tab.post([this] { updateDealingQueueLabel(); });
+    });
+  };
+  state_.server->operationQueue().addOperationWithBlock(run);
+}
+
+void TabQueue::addSelectOfShownDatabase(Work selected) {
+  if (!state_.server) return;
+  state_.server->operationQueue().addBarrierBlock([this, selected = std::move(selected), server = state_.server,
+                                                   database = state_.database, tab = poster(), token = beginWork()] {
+    if (server->selectDb(database)) return selected(*server, tab);
+    tab.post([this] { updateDealingQueueLabel(); });
+  });
+}
+
+void TabQueue::updateDealingQueueLabel() {
+  if (!state_.server) return;
+  outlets_.labDealingQueue.setStringValue(dealingQueueText(state_.server->operationQueue().operationCount()));
+}
+
+}  // namespace tarn

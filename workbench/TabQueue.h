@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "platform/foundation/NSOperationQueue.h"
+#include "resources/OperationTabLayout.h"
+#include "workbench/QueueActivity.h"
+#include "workbench/TabPoster.h"
+#include "workbench/TabState.h"
+
+namespace tarn {
+
+// How a tab's work goes to its server's queue, on the right database, and comes back. Main queue only; `Work` runs on
+// the server's queue, where it touches no part of the tab but through the poster.
+class TabQueue final {
+public:
+  using Work = std::function<void(ServerItem& server, const TabPoster& tab)>;
+
+  TabQueue(OperationTabLayout& outlets, const TabState& state);
+
+  // The tab that owns all this, for the weak references of blocks. Call it before anything else.
+  void setTab(std::weak_ptr<void> tab) { tab_ = std::move(tab); }
+  TabPoster poster() const { return TabPoster(tab_); }
+
+  // Queues work that reads or writes keys of the database shown now. Where the wire stands elsewhere when its turn
+  // comes, SELECT is sent first, with the running blocks ended and no other started; if that fails, the work is
+  // dropped. Without a server nothing happens.
+  void addInShownDatabase(Work work);
+
+  // Queues a SELECT of the database shown now, behind the running blocks and before all others, then `selected` if the
+  // server took it.
+  void addSelectOfShownDatabase(Work selected);
+
+  // See QueueActivity.
+  std::shared_ptr<void> beginWork() { return activity_.beginWork(poster()); }
+
+  // The label shows how many operations the server's queue counts now.
+  void updateDealingQueueLabel();
+
+  // Frees many rows on another thread: those of a million take longer than an event should.
+  template <class Row>
+  void dispose(std::vector<Row> rows) {
+    if (rows.size() < manyRows) return;
+    auto shared = std::make_shared<std::vector<Row>>(std::move(rows));
+    garbage_.addOperationWithBlock([shared = std::move(shared)]() mutable { shared.reset(); });
+  }
+
+private:
+  static constexpr std::size_t manyRows = 10'000;
+
+  OperationTabLayout& outlets_;
+  const TabState& state_;
+  std::weak_ptr<void> tab_;
+  QueueActivity activity_;
+  NSOperationQueue garbage_{1};
+};
+
+}  // namespace tarn
