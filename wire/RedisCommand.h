@@ -7,8 +7,25 @@ namespace tarn {
 
 // The commands that the client issues by itself.
 enum class RedisCommand : std::uint8_t {
-  auth, config, scan, select, type, ttl, get, del, set, expire, persist, sadd, sscan, lrange, rpush, hscan, hmset,
-  zrange, zadd,
+  auth,
+  config,
+  scan,
+  select,
+  type,
+  ttl,
+  get,
+  del,
+  set,
+  expire,
+  persist,
+  sadd,
+  sscan,
+  lrange,
+  rpush,
+  hscan,
+  hmset,
+  zrange,
+  zadd,
   raw,  // the arguments are the whole command
   info,
   clusterNodes,  // "cluster" "nodes", whatever the arguments

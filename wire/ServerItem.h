@@ -1,6 +1,6 @@
 #pragma once
 
-#include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -20,9 +20,13 @@
 #include "wire/RedisCommand.h"
 #include "wire/ReplyResult.h"
 
+struct addrinfo;
+
 namespace tarn {
 
 class Socket;
+class SocketCalls;
+struct NodeAddress;
 
 // One Redis server: a node of the favourites tree, the owner of one connection, of the list of the server's databases,
 // and of every operation on the wire. Made with std::make_shared; the favourites own it, background blocks and tabs hold
@@ -41,10 +45,17 @@ public:
 
   struct Outcome {
     bool ok = false;
+    // Where not ok, the text for the user.
     std::string message;
+    // closeConnection ran while the connect was under way, which is why it failed: whoever closed has shown the state
+    // as it is now, so there is nothing to show and nothing to tell.
+    bool closed = false;
   };
 
   explicit ServerItem(Life life = Life::favourite);
+  // With system calls other than the system's own, which must outlive the item; what it makes for single commands and
+  // nodes uses them too.
+  ServerItem(Life life, SocketCalls& calls);
   ~ServerItem() override;
 
   // --- The record -------------------------------------------------------------------------------------------------
@@ -79,8 +90,8 @@ public:
 
   // --- Connection -------------------------------------------------------------------------------------------------
 
-  // Resolves, connects within 5 seconds an address, authenticates. With a refused password the status is `connected`
-  // all the same.
+  // Resolves, connects within 5 seconds, authenticates, and has the refresh start. With a refused password the status is
+  // `connected` all the same.
   Outcome connectToServer();
 
   // Any thread, without waiting: cancels what waits in the queue, shuts the connection down, status `notConnected`, no
@@ -90,8 +101,10 @@ public:
   // True while there is a connection that the peer hasn't closed; takes nothing from the stream.
   bool isAlive();
 
-  // Main queue. Starts the refresh that runs every 3.0 seconds, in place of the one that runs.
+  // Main queue. Starts the refresh that runs every 3.0 seconds, in place of the one that runs. A transient item has none.
   void startLivenessTimer();
+  // Main queue. What the timer does: has the operation queue run infoFromServer.
+  void infoFromServerMain();
 
   // --- Commands ---------------------------------------------------------------------------------------------------
 
@@ -134,6 +147,67 @@ public:
   std::int64_t infoFromServer(bool topLevel);
 
 private:
+  // Counts the calls of closeConnection: what began before one must not undo what it did.
+  using Closings = std::uint64_t;
+
+  // --- Connection
+  Closings closings() const;
+  bool wasClosedSince(Closings began) const { return closings() != began; }
+  bool setStatusUnlessClosed(Closings began, ConnectionStatus status);
+  std::shared_ptr<Socket> socket() const;
+  bool keepSocket(std::shared_ptr<Socket> socket, Closings began);
+  void dropSocket();
+  void loseConnection(std::optional<Closings> began);
+  std::optional<Outcome> openConnection(Closings began);
+  std::optional<Outcome> connectTo(const addrinfo& address, Closings began);
+  std::optional<Outcome> setUpConnected(Socket& socket, Closings began);
+  Outcome failedConnect(Closings began, std::optional<ConnectionStatus> status, std::string message);
+  std::string withConnectionName(std::string message) const;
+  void postLivenessTimer(Closings began);
+
+  // --- Commands
+  ReplyResult exchange(RedisCommand command, const std::vector<Bytes>& args, std::optional<Closings> began);
+  ReplyResult requestAndReply(RedisCommand command, const std::vector<Bytes>& args, std::optional<Closings> began);
+  ReplyResult followRedirect(std::string_view line, RedisCommand command, const std::vector<Bytes>& args);
+  std::shared_ptr<ServerItem> transientItem(const NodeAddress& address) const;
+  ReplyResult executeAndShowFailure(RedisCommand command, const std::vector<Bytes>& args);
+  std::vector<Bytes> listOf(RedisCommand command, const std::vector<Bytes>& args);
+  bool writeThenExpire(RedisCommand command, const std::vector<Bytes>& args, std::int64_t ttl);
+
+  // --- Discovery and scanning
+  void replaceDbs(int count, Closings began);
+  std::int64_t keysOfThisNode();
+  std::int64_t keysOfMasters(std::string_view nodes);
+  bool refreshCounts();
+  void refreshRow();
+  std::vector<Bytes> scanMasters(std::string_view nodes, const Bytes& match, std::int64_t limit);
+  std::vector<Bytes> scanToTheEnd(RedisCommand command, std::vector<Bytes> args, std::size_t cursorAt,
+                                  std::int64_t limit);
+
+  const Life life_;
+  SocketCalls& calls_;
+  // How many redirects led to this item; set before it is used.
+  int redirectHops_ = 0;
+
+  // Held for one whole connect, or one whole request and reply.
+  std::mutex commandLocker_;
+
+  // All below is behind stateMutex_, which is never held over a call that waits.
+  mutable std::mutex stateMutex_;
+  NSUUID serverId_;
+  std::string connectionName_;
+  std::string serverIp_;
+  int serverPort_ = 0;
+  std::string auth_;
+  std::string defaultCharset_;
+  ConnectionStatus connectionStatus_ = ConnectionStatus::notConnected;
+  std::shared_ptr<const Databases> dbs_ = std::make_shared<const Databases>();
+  int currentDbIdx_ = 0;
+  std::shared_ptr<Socket> socket_;
+  Closings closings_ = 0;
+  std::shared_ptr<NSTimer> timer_;
+
+  // Last, so that its blocks find the rest.
   NSOperationQueue operationQueue_{2};
 };
 

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "platform/foundation/Bytes.h"
+#include "wire/RedisCommand.h"
+
+namespace tarn {
+
+// The words in multi-bulk form, the only one that is ever sent. Lengths count bytes, so a word may hold any. Pure; any
+// thread.
+Bytes encodeRequest(std::span<const std::string_view> words);
+
+// The command's own words and then its arguments.
+Bytes encodeRequest(RedisCommand command, const std::vector<Bytes>& args);
+
+}  // namespace tarn
