@@ -47,10 +47,10 @@ void ConnectionCommands::clickCloseConnections() {
   for (const auto& server : serversToActOn(
            localizedString("To Close Selected Connection, you should choose one or more than one connection(s) In the "
                            "'My Favourite' list. And not db."))) {
-    closeConnection(server);
+    server->closeConnection();
     if (const auto tab = tabs_.tabForServer(*server)) {
       tab->showStatus(ConnectionStatus::notConnected);
-      tabs_.emptyDatabases(tab);
+      tab->emptyDatabases();
     }
     tree_.collapseItem(server);
     tree_.reloadItem(server);
@@ -68,7 +68,7 @@ void ConnectionCommands::clickRemoveSelectedConnections() {
 }
 
 void ConnectionCommands::remove(const std::shared_ptr<ServerItem>& server) {
-  closeConnection(server);
+  server->closeConnection();
   std::erase(favourites_->servers, server);
   tabs_.removeTabOfServer(*server);
   store_.deleteRecord(server->serverId());
@@ -81,27 +81,21 @@ void ConnectionCommands::expandServer(const std::shared_ptr<ServerItem>& server)
 void ConnectionCommands::reconnect(OperationTabViewController& tab) {
   const std::shared_ptr<ServerItem> server = tab.server();
   if (!server) return;
-  closeConnection(server);
+  server->closeConnection();
   server->setConnectionStatus(ConnectionStatus::disConnected);
   connectIfIdle(server);
 }
 
 void ConnectionCommands::closeTab(OperationTabViewController& tab) {
-  const TabKeeper::Tab held = tab.shared_from_this();
-  const std::shared_ptr<ServerItem> server = held->server();
-  if (server) closeConnection(server);
-  held->showStatus(ConnectionStatus::notConnected);
-  held->emptyDatabases();
+  const std::shared_ptr<ServerItem> server = tab.server();
+  if (server) server->closeConnection();
+  tab.showStatus(ConnectionStatus::notConnected);
+  tab.emptyDatabases();
   if (server) {
     tree_.collapseItem(server);
     tree_.reloadItem(server);
   }
-  tabs_.removeTabOfView(held->view());
-}
-
-void ConnectionCommands::closeConnection(const std::shared_ptr<ServerItem>& server) {
-  ++closings_[server->serverId()];
-  server->closeConnection();
+  tabs_.removeTabOfView(tab.view());
 }
 
 void ConnectionCommands::connectIfIdle(const std::shared_ptr<ServerItem>& server) {
@@ -111,33 +105,35 @@ void ConnectionCommands::connectIfIdle(const std::shared_ptr<ServerItem>& server
       if (const auto self = weakThis.lock()) step(*self);
     });
   };
+  const auto tab = tabs_.tabForServer(*server);
   // A barrier, so that of two connects in a row the second finds the connection of the first.
-  server->operationQueue().addBarrierBlock([post, server, closings = closings_[server->serverId()]] {
-    if (!isIdle(*server)) return;
-    post([server](ConnectionCommands& self) { self.showConnecting(server); });
-    const ServerItem::Outcome outcome = server->connectToServer();
-    if (outcome.ok) {
-      server->loadDatabases();
-      post([server, closings](ConnectionCommands& self) { self.showConnected(server, closings); });
-    } else {
-      post([server, closings, message = outcome.message](ConnectionCommands& self) {
-        self.showDisConnected(server, closings, message);
+  server->operationQueue().addBarrierBlock(
+      [post, server, began = server->closings(), work = tab ? tab->beginWork() : nullptr] {
+        if (!isIdle(*server)) return;
+        post([server](ConnectionCommands& self) { self.showConnecting(server); });
+        const ServerItem::Outcome outcome = server->connectToServer(began);
+        if (outcome.ok) {
+          server->loadDatabases();
+          post([server, began](ConnectionCommands& self) { self.showConnected(server, began); });
+        } else {
+          post([server, began, message = outcome.message](ConnectionCommands& self) {
+            self.showDisConnected(server, began, message);
+          });
+        }
       });
-    }
-  });
 }
 
 void ConnectionCommands::showConnecting(const std::shared_ptr<ServerItem>& server) {
   tree_.reloadItem(server);
   if (const auto tab = tabs_.tabForServer(*server)) {
     tab->showStatus(ConnectionStatus::connecting);
-    tabs_.emptyDatabases(tab);
+    tab->emptyDatabases();
     tab->updateDealingQueueLabel();
   }
 }
 
-void ConnectionCommands::showConnected(const std::shared_ptr<ServerItem>& server, Closings closings) {
-  if (lapses(server, closings)) return;
+void ConnectionCommands::showConnected(const std::shared_ptr<ServerItem>& server, ServerItem::Closings began) {
+  if (lapses(server, began)) return;
   tree_.reloadItem(server);
   tree_.reopenItem(server);
   if (const auto tab = tabs_.tabForServer(*server)) {
@@ -147,21 +143,21 @@ void ConnectionCommands::showConnected(const std::shared_ptr<ServerItem>& server
   }
 }
 
-void ConnectionCommands::showDisConnected(const std::shared_ptr<ServerItem>& server, Closings closings,
+void ConnectionCommands::showDisConnected(const std::shared_ptr<ServerItem>& server, ServerItem::Closings began,
                                           const std::string& message) {
-  if (lapses(server, closings)) return;
+  if (lapses(server, began)) return;
   tree_.reloadItem(server);
   const auto tab = tabs_.tabForServer(*server);
   if (tab) {
     tab->showStatus(ConnectionStatus::disConnected);
-    tabs_.emptyDatabases(tab);
+    tab->emptyDatabases();
   }
   showAlert(message);
   if (tab) tab->updateDealingQueueLabel();
 }
 
-bool ConnectionCommands::lapses(const std::shared_ptr<ServerItem>& server, Closings closings) {
-  if (closings_[server->serverId()] == closings) return false;
+bool ConnectionCommands::lapses(const std::shared_ptr<ServerItem>& server, ServerItem::Closings began) {
+  if (server->closings() == began) return false;
   tree_.reloadItem(server);
   if (const auto tab = tabs_.tabForServer(*server)) {
     tab->updateStatusLabel();
@@ -183,7 +179,7 @@ void ConnectionCommands::bringDatabasesUpToDate(const std::shared_ptr<ServerItem
     tabs_.showDatabases(tab);
   } else {
     tab->showStatus(ConnectionStatus::disConnected);
-    tabs_.emptyDatabases(tab);
+    tab->emptyDatabases();
   }
   tab->updateDealingQueueLabel();
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -9,7 +8,6 @@
 #include "favourites/FavouritesTree.h"
 #include "favourites/MyFavouriteItem.h"
 #include "favourites/TabKeeper.h"
-#include "platform/foundation/NSUUID.h"
 #include "wire/ServerItem.h"
 
 namespace tarn {
@@ -40,26 +38,22 @@ public:
   void bringDatabasesUpToDate(const std::shared_ptr<ServerItem>& server, bool connected);
 
 private:
-  // Tells a connect that has been overtaken by a close from one that still counts.
-  using Closings = unsigned;
-
   // The selected servers, logged by name; if there are none, `message` is shown.
   std::vector<std::shared_ptr<ServerItem>> serversToActOn(const std::string& message) const;
   void connectIfIdle(const std::shared_ptr<ServerItem>& server);
-  void closeConnection(const std::shared_ptr<ServerItem>& server);
   void remove(const std::shared_ptr<ServerItem>& server);
 
   void showConnecting(const std::shared_ptr<ServerItem>& server);
-  void showConnected(const std::shared_ptr<ServerItem>& server, Closings closings);
-  void showDisConnected(const std::shared_ptr<ServerItem>& server, Closings closings, const std::string& message);
-  // True, and row and tab show the status as it is, if the server was closed since `closings` was read.
-  bool lapses(const std::shared_ptr<ServerItem>& server, Closings closings);
+  void showConnected(const std::shared_ptr<ServerItem>& server, ServerItem::Closings began);
+  void showDisConnected(const std::shared_ptr<ServerItem>& server, ServerItem::Closings began,
+                        const std::string& message);
+  // True, and row and tab show the status as it is, if the server was closed since the connect was asked for.
+  bool lapses(const std::shared_ptr<ServerItem>& server, ServerItem::Closings began);
 
   const std::shared_ptr<MyFavouriteItem> favourites_;
   FavouritesTree& tree_;
   TabKeeper& tabs_;
   FavouritesStore& store_;
-  std::map<NSUUID, Closings> closings_;
 };
 
 }  // namespace tarn

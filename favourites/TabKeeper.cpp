@@ -93,7 +93,7 @@ void TabKeeper::makeServerTab(const std::shared_ptr<ServerItem>& server, const D
 void TabKeeper::switchDatabase(const Tab& tab, int index) {
   const std::shared_ptr<ServerItem> server = tab->server();
   const std::weak_ptr<OperationTabViewController> weakTab = tab;
-  server->operationQueue().addBarrierBlock([weakTab, server, index] {
+  server->operationQueue().addBarrierBlock([weakTab, server, index, work = tab->beginWork()] {
     postToTab(weakTab, [](OperationTabViewController& held) { held.updateDealingQueueLabel(); });
     const bool selected = server->selectDb(index);
     postToTab(weakTab, [selected](OperationTabViewController& held) {
@@ -105,36 +105,26 @@ void TabKeeper::switchDatabase(const Tab& tab, int index) {
 
 void TabKeeper::showDatabases(const Tab& tab) {
   const std::shared_ptr<ServerItem> server = tab->server();
-  if (tab->shownDatabase() >= 0) emptyDatabases(tab);
+  const int before = tab->shownDatabase();
   tab->fillDatabases();
-
-  const auto before = databasesBefore_.extract(server->serverId().uuidString());
-  if (before.empty()) return;
-  const int index = before.mapped();
-  if (index >= static_cast<int>(server->dbs()->size())) {
+  // The first database is there, and selected on a new connection, also where the server doesn't tell its list.
+  if (before > 0 && before >= static_cast<int>(server->dbs()->size())) {
     startAnewOnFirstDatabase(*tab);
-    return;
+  } else if (before != server->currentDbIdx()) {
+    selectDatabaseAgain(tab, before);
   }
-  tab->selectDatabase(index);
-  if (index != server->currentDbIdx()) selectDatabaseAgain(tab, index);
 }
 
 void TabKeeper::selectDatabaseAgain(const Tab& tab, int index) {
   const std::shared_ptr<ServerItem> server = tab->server();
   const std::weak_ptr<OperationTabViewController> weakTab = tab;
-  server->operationQueue().addBarrierBlock([weakTab, server, index] {
+  server->operationQueue().addBarrierBlock([weakTab, server, index, work = tab->beginWork()] {
     const bool selected = server->selectDb(index);
     postToTab(weakTab, [selected, index](OperationTabViewController& held) {
       if (!selected && held.shownDatabase() == index) startAnewOnFirstDatabase(held);
       held.updateDealingQueueLabel();
     });
   });
-}
-
-void TabKeeper::emptyDatabases(const Tab& tab) {
-  const int shown = tab->shownDatabase();
-  if (shown >= 0 && tab->server()) databasesBefore_[tab->server()->serverId().uuidString()] = shown;
-  tab->emptyDatabases();
 }
 
 void TabKeeper::removeTabOfView(const NSView& view) {
@@ -172,7 +162,6 @@ void TabKeeper::removeTabOfServer(const ServerItem& server) {
 void TabKeeper::forget(const std::shared_ptr<NSTabViewItem>& item) {
   const auto found = allTabsToUUID_.find(item);
   if (found == allTabsToUUID_.end()) return;
-  databasesBefore_.erase(found->second);
   allTabs_.erase(found->second);
   allTabsToUUID_.erase(found);
   // The tab may be closing by the click on its own button, whose handler is still running.

@@ -38,11 +38,9 @@ public:
   // Takes the server's tab away, if it has one.
   void removeTabOfServer(const ServerItem& server);
 
-  // Fills the tab's pop-up of databases anew, and goes back to the database that it showed before; where that can't be,
-  // it shows the first one and the form starts anew.
+  // After a new connection: fills the tab's pop-up of databases, and goes back to the database that it showed before;
+  // where that can't be, it shows the first one and the form starts anew.
   void showDatabases(const Tab& tab);
-  // Empties the tab's pop-up of databases.
-  void emptyDatabases(const Tab& tab);
 
   // Each tab lays itself out, a moment later.
   void resizeAllTabs();
@@ -58,7 +56,6 @@ private:
   FavouritesTree& tree_;
   std::map<std::string, std::shared_ptr<NSTabViewItemExtension>> allTabs_;
   std::map<std::shared_ptr<NSTabViewItem>, std::string> allTabsToUUID_;
-  std::map<std::string, int> databasesBefore_;
 };
 
 }  // namespace tarn

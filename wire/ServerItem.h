@@ -90,9 +90,14 @@ public:
 
   // --- Connection -------------------------------------------------------------------------------------------------
 
+  // Counts the calls of closeConnection: what began before one must not undo what it did.
+  using Closings = std::uint64_t;
+  Closings closings() const;
+
   // Resolves, connects within 5 seconds, authenticates, and has the refresh start. With a refused password the status is
-  // `connected` all the same.
-  Outcome connectToServer();
+  // `connected` all the same. Fails if closeConnection has run since `began` was read, which is when the user asked.
+  Outcome connectToServer() { return connectToServer(closings()); }
+  Outcome connectToServer(Closings began);
 
   // Any thread, without waiting: cancels what waits in the queue, shuts the connection down, status `notConnected`, no
   // databases, no timer. A connect under way fails, and leaves the status as set here.
@@ -147,11 +152,7 @@ public:
   std::int64_t infoFromServer(bool topLevel);
 
 private:
-  // Counts the calls of closeConnection: what began before one must not undo what it did.
-  using Closings = std::uint64_t;
-
   // --- Connection
-  Closings closings() const;
   bool wasClosedSince(Closings began) const { return closings() != began; }
   bool setStatusUnlessClosed(Closings began, ConnectionStatus status);
   std::shared_ptr<Socket> socket() const;

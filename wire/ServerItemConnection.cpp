@@ -38,8 +38,7 @@ AddressList resolve(const std::string& host, int port) {
 
 }  // namespace
 
-ServerItem::Outcome ServerItem::connectToServer() {
-  const Closings began = closings();
+ServerItem::Outcome ServerItem::connectToServer(Closings began) {
   const std::string password = auth();
   {
     const std::lock_guard lock(commandLocker_);
