@@ -2,6 +2,7 @@
 
 #include "platform/appkit/AlertPanel.h"
 #include "platform/appkit/ApplicationHost.h"
+#include "platform/appkit/ImageIcon.h"
 #include "platform/appkit/LocalizedLayouts.h"
 #include "platform/foundation/NSAlert.h"
 
@@ -60,6 +61,10 @@ void NSApplication::terminate() {
 void NSApplication::exitNow(int status) {
   std::fflush(nullptr);
   _exit(status);
+}
+
+void NSApplication::setApplicationIconImage(const NSImage& image) {
+  QApplication::setWindowIcon(imageIcon(image));
 }
 
 void NSApplication::activateIgnoringOtherApps() {

@@ -5,9 +5,11 @@
 
 namespace tarn {
 
+class NSImage;
+
 // The running program: the toolkit's event loop hosting the main run loop. It sees to it that posted blocks run before
-// the next input event, that alerts are modal and close an open menu first, and that no timer fires while an alert is up
-// or a menu is open. Installs the presenter of NSAlert. One per process, made first thing in main().
+// the next input event, that alerts are modal and close an open menu first, and that no timer fires while an alert is
+// up or a menu is open. Installs the presenter of NSAlert. One per process, made first thing in main().
 class NSApplication final {
 public:
   NSApplication(int& argc, char** argv);
@@ -26,6 +28,9 @@ public:
 
   // Ends the process at once with this status; running threads are left alone and no destructor runs under them.
   [[noreturn]] static void exitNow(int status);
+
+  // What the desktop shows for the program and its windows.
+  void setApplicationIconImage(const NSImage& image);
 
   // Brings the program's windows to the front.
   void activateIgnoringOtherApps();

@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QEvent>
+#include <QLabel>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -18,13 +19,25 @@ const auto settleEvent = static_cast<QEvent::Type>(QEvent::registerEventType());
 }  // namespace
 
 TabViewWidget::TabViewWidget(QWidget* parent)
-    : QWidget(parent), bar_(new TabBarWidget(this)), pages_(new QStackedWidget(this)), empty_(new QWidget(pages_)) {
+    : QWidget(parent), bar_(new TabBarWidget(this)), pages_(new QStackedWidget(this)), empty_(new QLabel(pages_)) {
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(0);
   column->addWidget(bar_);
   column->addWidget(pages_, 1);
+  empty_->setAlignment(Qt::AlignCenter);
+  empty_->setWordWrap(true);
+  empty_->setTextFormat(Qt::PlainText);
+  empty_->setForegroundRole(QPalette::PlaceholderText);
   pages_->addWidget(empty_);
+}
+
+QString TabViewWidget::placeholderText() const {
+  return empty_->text();
+}
+
+void TabViewWidget::setPlaceholderText(const QString& text) {
+  empty_->setText(text);
 }
 
 void TabViewWidget::showPage(QWidget* page) {

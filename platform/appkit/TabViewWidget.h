@@ -5,6 +5,7 @@
 
 #include <vector>
 
+class QLabel;
 class QStackedWidget;
 
 namespace tarn {
@@ -14,10 +15,17 @@ class TabBarWidget;
 // The widget of NSTabView: the row of tabs and, below it, one page a tab. A page taken away stays where it is until the
 // event under way has ended, so that one that comes back within it is neither hidden nor painted in between.
 class TabViewWidget final : public QWidget {
+  Q_OBJECT
+  Q_PROPERTY(QString placeholderText READ placeholderText WRITE setPlaceholderText)
+
 public:
   explicit TabViewWidget(QWidget* parent = nullptr);
 
   TabBarWidget& bar() const { return *bar_; }
+
+  // Shown while there is no tab.
+  QString placeholderText() const;
+  void setPlaceholderText(const QString& text);
 
   // Shows this page; it stays its owner's.
   void showPage(QWidget* page);
@@ -32,7 +40,7 @@ private:
 
   TabBarWidget* bar_;
   QStackedWidget* pages_;
-  QWidget* empty_;
+  QLabel* empty_;
   std::vector<QPointer<QWidget>> kept_;
   QPointer<QWidget> shown_;
   bool settling_ = false;

@@ -1,0 +1,44 @@
+#include "resources/Images.h"
+
+#include "platform/appkit/NSApplication.h"
+#include "platform/appkit/NSImage.h"
+#include "resources/Model.h"
+
+#include <QtGlobal>
+
+#include <iostream>
+
+// The toolkit's macro names a function of the global namespace.
+static void registerCompiledResources() {
+  Q_INIT_RESOURCE(resources);
+}
+
+namespace tarn {
+
+namespace {
+
+bool imagesAreThere() {
+  bool all = true;
+  for (const char* name : {"add", "clear", "close", "connect", "db", "disconnect", "edit", "reload", "remove", "server",
+                           "server-connecting", "server-disconnected", "server-running", "tarn"}) {
+    if (NSImage::exists(name)) continue;
+    std::cerr << "tarn: the image \"" << name << "\" can't be loaded\n";
+    all = false;
+  }
+  return all;
+}
+
+}  // namespace
+
+bool loadResources() {
+  registerCompiledResources();
+  bool all = imagesAreThere();
+  if (serverItemModelText().empty()) {
+    std::cerr << "tarn: the store's model \"ServerItemModel\" can't be loaded\n";
+    all = false;
+  }
+  if (all) NSApplication::shared().setApplicationIconImage(NSImage::imageNamed("tarn"));
+  return all;
+}
+
+}  // namespace tarn

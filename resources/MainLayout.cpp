@@ -1,0 +1,36 @@
+#include "resources/MainLayout.h"
+
+#include "platform/foundation/NSLocalizedString.h"
+#include "ui_Main.h"
+
+namespace tarn {
+
+struct MainLayout::Widgets {
+  Widgets() {
+    ui.setupUi(&window);
+    ui.mainSplitter->setSizes({264, 916});
+    ui.mainSplitter->setStretchFactor(0, 0);
+    ui.mainSplitter->setStretchFactor(1, 1);
+  }
+
+  QMainWindow window;
+  Ui::Main ui;
+};
+
+MainLayout::MainLayout()
+    : widgets_(std::make_unique<Widgets>()),
+      window(&widgets_->window),
+      btnNew(widgets_->ui.btnNew),
+      btnEdit(widgets_->ui.btnEdit),
+      btnConn(widgets_->ui.btnConn),
+      btnClose(widgets_->ui.btnClose),
+      btnRem(widgets_->ui.btnRem),
+      myFavouriteScrollView(widgets_->ui.myFavouriteScrollView),
+      serverSelection(widgets_->ui.serverSelection),
+      mainTab(widgets_->ui.mainTab) {
+  serverSelection.setPlaceholderString(localizedString("Your connections will appear here."));
+}
+
+MainLayout::~MainLayout() = default;
+
+}  // namespace tarn

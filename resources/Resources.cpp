@@ -1,9 +1,0 @@
-#include "resources/Images.h"
-
-namespace tarn {
-
-bool loadResources() {
-  return true;
-}
-
-}  // namespace tarn
