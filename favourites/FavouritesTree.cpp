@@ -52,7 +52,6 @@ void FavouritesTree::show(Gestures gestures) {
   gestures_ = std::move(gestures);
   view_.setDataSource(this);
   view_.setDelegate(this);
-  view_.setPlaceholderString(localizedString("No favourites yet"));
   view_.reloadData();
   view_.expandItem(root_);
 }

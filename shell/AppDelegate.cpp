@@ -4,9 +4,9 @@
 
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSAlert.h"
-#include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/NSOperationQueue.h"
+#include "resources/Model.h"
 
 namespace tarn {
 
@@ -36,11 +36,7 @@ AppDelegate::~AppDelegate() {
 }
 
 const std::shared_ptr<const NSManagedObjectModel>& AppDelegate::managedObjectModel() {
-  if (!managedObjectModel_) {
-    if (const auto file = NSBundle::pathForResource("ServerItemModel", "momd")) {
-      managedObjectModel_ = NSManagedObjectModel::initWithContentsOfFile(*file);
-    }
-  }
+  if (!managedObjectModel_) managedObjectModel_ = NSManagedObjectModel::initWithContents(serverItemModelText());
   return managedObjectModel_;
 }
 

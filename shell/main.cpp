@@ -13,7 +13,7 @@ int main(int argc, char** argv) {
 
   AppDelegate delegate;
   if (!delegate.managedObjectModel()) {
-    std::fputs("Tarn can't load the model of its store, ServerItemModel.momd\n", stderr);
+    std::fputs("tarn: the store's model \"ServerItemModel\" can't be read\n", stderr);
     return 1;
   }
   application.setShouldTerminate([&delegate] { return delegate.applicationShouldTerminate(); });

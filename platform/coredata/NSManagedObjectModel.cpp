@@ -54,17 +54,23 @@ const NSAttributeDescription* NSEntityDescription::attribute(std::string_view at
   return found == attributes.end() ? nullptr : &*found;
 }
 
-std::shared_ptr<const NSManagedObjectModel> NSManagedObjectModel::initWithContentsOfFile(const std::string& path) {
-  std::ifstream file(path);
+std::shared_ptr<const NSManagedObjectModel> NSManagedObjectModel::initWithContents(const std::string& text) {
+  std::istringstream lines(text);
   std::vector<NSEntityDescription> entities;
-  for (std::string line; std::getline(file, line);) {
+  for (std::string line; std::getline(lines, line);) {
     if (!addLine(wordsOf(line), entities)) return nullptr;
   }
   const bool hasRecords = !entities.empty() && std::none_of(entities.begin(), entities.end(), [](const auto& entity) {
     return entity.attributes.empty();
   });
-  if (!file.eof() || !hasRecords) return nullptr;
-  return std::make_shared<NSManagedObjectModel>(std::move(entities));
+  return hasRecords ? std::make_shared<NSManagedObjectModel>(std::move(entities)) : nullptr;
+}
+
+std::shared_ptr<const NSManagedObjectModel> NSManagedObjectModel::initWithContentsOfFile(const std::string& path) {
+  std::ifstream file(path);
+  std::ostringstream text;
+  text << file.rdbuf();
+  return file ? initWithContents(text.str()) : nullptr;
 }
 
 NSManagedObjectModel::NSManagedObjectModel(std::vector<NSEntityDescription> entities)

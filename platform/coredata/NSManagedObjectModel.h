@@ -9,12 +9,14 @@
 
 namespace tarn {
 
-// The kinds of record of one store, read from a resource file. A line of it is empty, a comment that begins with `#`,
+// The kinds of record of one store, read from a resource. A line of it is empty, a comment that begins with `#`,
 // `entity NAME`, or an attribute of the entity above it, `NAME TYPE required` or `NAME TYPE optional`, where the type
 // is string, integer32, integer64 or uuid. Names are letters and digits. Immutable.
 class NSManagedObjectModel final {
 public:
-  // Null if the file can't be read or has a line that is none of these.
+  // Null if the text has no entity, or a line that is none of these.
+  static std::shared_ptr<const NSManagedObjectModel> initWithContents(const std::string& text);
+  // The same from a file; null also if it can't be read.
   static std::shared_ptr<const NSManagedObjectModel> initWithContentsOfFile(const std::string& path);
 
   explicit NSManagedObjectModel(std::vector<NSEntityDescription> entities);
