@@ -1,0 +1,246 @@
+#include "workbench/codec/TextCodec.h"
+
+#include "platform/foundation/Utf8.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <random>
+#include <set>
+#include <string>
+
+namespace tarn {
+namespace {
+
+using enum CharsetEnum;
+using namespace std::string_literals;
+
+bool isUnicodeByUnits(CharsetEnum charset) {
+  return charset >= utf16 && charset <= utf32LittleEndian;
+}
+
+std::string shiftCodesOf(CharsetEnum charset) {
+  if (charset == ISO_2022_JP) return "\x1B";
+  return charset == ISO_2022_CN || charset == ISO_2022_KR ? "\x0E\x0F\x1B" : "";
+}
+
+void expectPair(CharsetEnum charset, std::string_view bytes, std::string_view text) {
+  EXPECT_EQ(bytesToText(bytes, charset), std::string(text)) << charsetName(charset);
+  EXPECT_EQ(textToBytes(text, charset), Bytes(bytes)) << charsetName(charset);
+}
+
+std::string utf8Of(std::uint32_t character) {
+  const std::string bytes = {static_cast<char>(character >> 24), static_cast<char>(character >> 16),
+                             static_cast<char>(character >> 8), static_cast<char>(character)};
+  return bytesToText(bytes, utf32BigEndian).value_or("");
+}
+
+TEST(TextCodec, MapsAsciiToItselfInEverySet) {
+  for (const CharsetEnum charset : allCharsets()) {
+    if (isUnicodeByUnits(charset)) continue;
+    for (int code = 0; code < 0x80; ++code) {
+      const std::string character(1, static_cast<char>(code));
+      if (shiftCodesOf(charset).find(character) != std::string::npos) {
+        EXPECT_EQ(textToBytes(character, charset), std::nullopt) << charsetName(charset) << " " << code;
+      } else {
+        expectPair(charset, character, character);
+      }
+    }
+  }
+}
+
+TEST(TextCodec, MapsAsciiToItselfAlsoBesideOtherCharacters) {
+  std::string ascii;
+  for (char c = 1; c < 0x7F; ++c)
+    ascii += c;
+  ascii += '\x7F';
+  for (const CharsetEnum charset : allCharsets()) {
+    // A letter that each of the sets has in some form.
+    static constexpr const char* letters[] = {"中", "é", "я", "한", "ا", "א", "α", "ก", "č", "ē", "Ḃ"};
+    for (const std::string letter : letters) {
+      if (!textToBytes(letter, charset)) continue;
+      std::string plain = ascii;
+      std::erase_if(plain, [&](char c) { return shiftCodesOf(charset).find(c) != std::string::npos; });
+      const std::string text = letter + plain + letter;
+      const auto bytes = textToBytes(text, charset);
+      ASSERT_TRUE(bytes) << charsetName(charset) << letter;
+      EXPECT_EQ(bytesToText(bytes->view(), charset), text) << charsetName(charset) << letter;
+      if (!isUnicodeByUnits(charset)) {
+        EXPECT_NE(bytes->view().find(plain.substr(0, 8)), std::string_view::npos);
+      }
+    }
+  }
+}
+
+TEST(TextCodec, GivesEachSetItsOwnBytes) {
+  expectPair(utf8, "\xE4\xB8\xAD", "中");
+  expectPair(utf16BigEndian, "\x4E\x2D\xD8\x3D\xDE\x00"s, "中😀");
+  expectPair(utf16LittleEndian, "\x2D\x4E\x3D\xD8\x00\xDE"s, "中😀");
+  expectPair(utf32BigEndian, "\0\0\x4E\x2D"s, "中");
+  expectPair(utf32LittleEndian, "\x2D\x4E\0\0"s, "中");
+  for (const CharsetEnum charset : {GB2312, GBK, GB18030, EUC_CN})
+    expectPair(charset, "\xD6\xD0", "中");
+  expectPair(GB18030, "\x94\x39\xFC\x36", "😀");
+  expectPair(ISO_2022_CN, "\x1B$)A\x0EVP\x0F", "中");
+  for (const CharsetEnum charset : {big5, big5_E, big5_HKSCS_1999})
+    expectPair(charset, "\xA4\xA4", "中");
+  expectPair(EUC_JP, "\xC6\xFC", "日");
+  expectPair(ISO_2022_JP, "\x1B$BF|\x1B(B", "日");
+  expectPair(EUC_KR, "\xC7\xD1", "한");
+  expectPair(ISO_2022_KR, "\x1B$)C\x0EGQ\x0F", "한");
+  expectPair(EUC_TW, "\xC4\xE3", "中");
+  expectPair(KoreanJohab, "\xD0\x65\\", "한\\");
+  expectPair(iso_8859_15, "\xA4", "€");
+  expectPair(Arabic, "\xC7", "ا");
+  expectPair(Greek, "\xE1", "α");
+  expectPair(Hebrew, "\xE0", "א");
+  expectPair(Latin2, "\xE8", "č");
+  expectPair(Latin5, "\xF0", "ğ");
+  expectPair(Cyrillic, "\xFF", "я");
+  expectPair(BalticRim, "\xE7", "ē");
+  expectPair(Vietnamese, "\xD5", "Ơ");
+  expectPair(KOI8_R, "\xD1", "я");
+  expectPair(KOI8_U, "\xA6", "і");
+}
+
+TEST(TextCodec, ReadsTheMarkOfUtf16AndUtf32AndWritesOne) {
+  expectPair(utf16, "\xFF\xFE-N"s, "中");
+  EXPECT_EQ(bytesToText("\xFE\xFFN-", utf16), "中");
+  EXPECT_EQ(bytesToText("N-", utf16), "中");
+  expectPair(utf32, "\xFF\xFE\0\0-N\0\0"s, "中");
+  EXPECT_EQ(bytesToText("\0\0\xFE\xFF\0\0N-"s, utf32), "中");
+  EXPECT_EQ(bytesToText("\0\0N-"s, utf32), "中");
+  EXPECT_EQ(bytesToText("\xFF\xFE", utf16), "");
+  // Where the order is given, the mark is a character.
+  expectPair(utf16BigEndian, "\xFE\xFF", "\uFEFF");
+}
+
+TEST(TextCodec, TakesNothingForNothing) {
+  for (const CharsetEnum charset : allCharsets())
+    expectPair(charset, "", "");
+}
+
+TEST(TextCodec, RefusesWhatIsInvalidOrCutOff) {
+  for (const char* bytes : {"\xFF", "\xC0\x80", "\xE4\xB8", "\xED\xA0\x80", "\xF4\x90\x80\x80", "a\x80", "\xC3("}) {
+    EXPECT_EQ(bytesToText(bytes, utf8), std::nullopt);
+    EXPECT_EQ(textToBytes(bytes, GBK), std::nullopt);
+  }
+  EXPECT_EQ(bytesToText("N", utf16), std::nullopt);
+  EXPECT_EQ(bytesToText("\xD8\x3D", utf16BigEndian), std::nullopt);
+  EXPECT_EQ(bytesToText("\0\x11\0\0"s, utf32BigEndian), std::nullopt);
+  for (const CharsetEnum charset : {GBK, GB18030, EUC_CN, big5, big5_E, EUC_JP, EUC_KR, EUC_TW, KoreanJohab}) {
+    EXPECT_EQ(bytesToText("ok\xC4", charset), std::nullopt) << charsetName(charset);
+    // The failure leaves nothing behind for the next conversion.
+    EXPECT_TRUE(bytesToText("\xC4\xE3", charset)) << charsetName(charset);
+  }
+  EXPECT_EQ(bytesToText("\x1B$BF", ISO_2022_JP), std::nullopt);
+  EXPECT_EQ(bytesToText("\xFA", big5_E), std::nullopt);
+  EXPECT_EQ(bytesToText("\x80\x40", big5_E), std::nullopt);
+}
+
+TEST(TextCodec, NeverWritesACharacterThatReadsBackAsAnother) {
+  for (const CharsetEnum charset : allCharsets()) {
+    for (std::uint32_t character = 0x80; character < 0x110000; character += character < 0x3100 ? 1 : 7) {
+      const std::string text = utf8Of(character);
+      const auto bytes = text.empty() ? std::nullopt : textToBytes(text, charset);
+      if (!bytes) continue;
+      // Two tone marks of Vietnamese and one accent of Greek are the same as others by definition of Unicode.
+      if (charset == Vietnamese && (character == 0x340 || character == 0x341 || character == 0x1FEE)) continue;
+      ASSERT_EQ(bytesToText(bytes->view(), charset), text) << charsetName(charset) << " " << character;
+    }
+    const bool isUniversal = charset == utf8 || charset == GB18030 || isUnicodeByUnits(charset);
+    EXPECT_EQ(textToBytes("x\U000E0041", charset).has_value(), isUniversal) << charsetName(charset);
+  }
+  EXPECT_EQ(textToBytes("¥", EUC_JP), std::nullopt);
+  EXPECT_EQ(textToBytes("₩", KoreanJohab), std::nullopt);
+}
+
+TEST(TextCodec, ConvertsTheSameWayEachTime) {
+  for (const CharsetEnum charset : allCharsets()) {
+    const auto first = textToBytes("한a日中é", charset);
+    const auto korean = textToBytes("한", charset);
+    EXPECT_EQ(textToBytes("한a日中é", charset), first) << charsetName(charset);
+    EXPECT_EQ(textToBytes("한", charset), korean) << charsetName(charset);
+  }
+}
+
+TEST(TextCodec, KnowsTheWholeOfBig5E) {
+  std::set<std::string> characters;
+  int pairs = 0;
+  for (int lead = 0x80; lead <= 0xFF; ++lead) {
+    for (int trail = 0; trail <= 0xFF; ++trail) {
+      const std::string bytes = {static_cast<char>(lead), static_cast<char>(trail)};
+      const auto text = bytesToText(bytes, big5_E);
+      if (!text) continue;
+      ++pairs;
+      characters.insert(*text);
+      const auto written = textToBytes(*text, big5_E);
+      ASSERT_TRUE(written);
+      EXPECT_EQ(bytesToText(written->view(), big5_E), *text);
+      // The box drawing characters at the end are a second form of those in the symbols.
+      EXPECT_TRUE(written->view() == bytes || lead == 0xF9) << lead << " " << trail;
+    }
+  }
+  EXPECT_EQ(pairs, 17456);
+  EXPECT_EQ(characters.size(), 17448U);
+  EXPECT_EQ(textToBytes("😀", big5_E), std::nullopt);
+  EXPECT_EQ(textToBytes("é", big5_E), std::nullopt);
+}
+
+TEST(TextCodec, GivesValidTextOrNothingForAnyBytes) {
+  std::mt19937 random(42);
+  for (int round = 0; round < 4000; ++round) {
+    std::string bytes(1 + random() % 40, '\0');
+    for (char& byte : bytes)
+      byte = static_cast<char>(random() % 4 == 0 ? "\x1B\x0E\x0F$(A)BGHNO"[random() % 12] : random());
+    for (const CharsetEnum charset : allCharsets()) {
+      const auto text = bytesToText(bytes, charset);
+      EXPECT_TRUE(!text || isValidUtf8(*text)) << charsetName(charset);
+    }
+  }
+}
+
+TEST(TextCodec, ConvertsLongTextWhole) {
+  std::string text;
+  while (text.size() < 300000)
+    text += "长文本 long ";
+  for (const CharsetEnum charset : {utf16, GBK, GB18030, ISO_2022_CN}) {
+    const auto bytes = textToBytes(text, charset);
+    ASSERT_TRUE(bytes);
+    EXPECT_EQ(bytesToText(bytes->view(), charset), text);
+  }
+}
+
+TEST(TextCodec, ShowsRowsThatDontDecodeAsBase64) {
+  const auto expectRow = [](std::string_view bytes, std::string_view title, std::string_view text, bool isBase64) {
+    const RowText row = rowDisplayText(bytes, title);
+    EXPECT_EQ(row.text, text);
+    EXPECT_EQ(row.isBase64, isBase64);
+  };
+  expectRow("abc", "utf8", "abc", false);
+  expectRow("\xFF", "utf8", "\\B/w==", true);
+  expectRow("\xFF", "iso_8859_1", "ÿ", false);
+  expectRow("\xFF", "no such set", "\\B/w==", true);
+  expectRow("abc", "Base64", "\\BYWJj", true);
+  expectRow("", "Base64", "\\B", true);
+  expectRow("", "GBK", "", false);
+}
+
+TEST(CharsetEnum, NamesTheSetsInOrder) {
+  ASSERT_EQ(allCharsets().size(), 46U);
+  for (const CharsetEnum charset : allCharsets())
+    EXPECT_EQ(charsetByName(charsetName(charset)), charset);
+  EXPECT_EQ(charsetNames().front(), "utf8");
+  EXPECT_EQ(charsetNames()[14], "big5_HKSCS_1999");
+  EXPECT_EQ(charsetNames().back(), "KOI8_U");
+  const auto titles = charsetTitles();
+  ASSERT_EQ(titles.size(), 47U);
+  EXPECT_EQ(titles[1], "Base64");
+  EXPECT_EQ(titles[2], "utf16");
+  EXPECT_EQ(charsetByName("Base64"), std::nullopt);
+  EXPECT_EQ(charsetByName("UTF8"), std::nullopt);
+  EXPECT_EQ(charsetForTitle("Base64"), utf8);
+}
+
+}  // namespace
+}  // namespace tarn
