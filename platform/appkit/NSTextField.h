@@ -50,6 +50,10 @@ public:
   void setFormatter(std::unique_ptr<NSFormatter> formatter);
   void setPlaceholderString(std::string_view text);
 
+  // Select all, copy, paste or cut, by the letter "a", "c", "v" or "x", in the text under edit in the field's window.
+  // False: there is none, or the letter is another one.
+  bool performKeyEquivalent(char charactersIgnoringModifiers);
+
 private:
   struct Private;
   std::unique_ptr<Private> d_;

@@ -1,0 +1,64 @@
+#include "platform/appkit/LabelWidget.h"
+
+#include <QHelpEvent>
+#include <QPainter>
+#include <QStyle>
+#include <QStyleOption>
+
+#include "platform/appkit/DisplayText.h"
+#include "platform/appkit/ToolTips.h"
+
+namespace tarn {
+
+namespace {
+
+// More than any screen shows of one line.
+constexpr qsizetype longestShown = 2000;
+
+}  // namespace
+
+LabelWidget::LabelWidget(QWidget* parent) : QLabel(parent) {
+  setTextFormat(Qt::PlainText);
+}
+
+QString LabelWidget::shownText() const {
+  return displayText(QStringView(text()).left(longestShown), TabsShow::asMark);
+}
+
+QSize LabelWidget::sizeHint() const {
+  if (wordWrap()) return QLabel::sizeHint();
+  const QMargins edges = contentsMargins();
+  const int around = 2 * (margin() + frameWidth());
+  return {fontMetrics().horizontalAdvance(shownText()) + edges.left() + edges.right() + around,
+          fontMetrics().height() + edges.top() + edges.bottom() + around};
+}
+
+QSize LabelWidget::minimumSizeHint() const {
+  if (wordWrap()) return QLabel::minimumSizeHint();
+  const QSize whole = sizeHint();
+  return {std::min(whole.width(), fontMetrics().horizontalAdvance(QStringLiteral("xxx…"))), whole.height()};
+}
+
+bool LabelWidget::isElided() const {
+  return !wordWrap() && fontMetrics().horizontalAdvance(shownText()) > contentsRect().width() - 2 * margin();
+}
+
+bool LabelWidget::event(QEvent* event) {
+  if (event->type() == QEvent::ToolTip && toolTip().isEmpty() && isElided()) {
+    showPlainToolTip(static_cast<QHelpEvent*>(event)->globalPos(), text(), this);
+    return true;
+  }
+  return QLabel::event(event);
+}
+
+void LabelWidget::paintEvent(QPaintEvent* event) {
+  if (wordWrap()) return QLabel::paintEvent(event);
+  QPainter painter(this);
+  drawFrame(&painter);
+  const QRect area = contentsRect().adjusted(margin(), margin(), -margin(), -margin());
+  const QString shown = fontMetrics().elidedText(shownText(), Qt::ElideRight, area.width());
+  style()->drawItemText(&painter, area, int(alignment()) | Qt::TextSingleLine, palette(), isEnabled(), shown,
+                        foregroundRole());
+}
+
+}  // namespace tarn

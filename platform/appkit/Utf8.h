@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include <QString>
+
+namespace tarn {
+
+// Our text as the toolkit's and back, code point for code point: a leading U+FEFF, NUL and noncharacters too. Bytes
+// that are no UTF-8 become U+FFFD, and so does half a surrogate pair.
+QString toQString(std::string_view utf8);
+std::string toUtf8(QStringView text);
+
+}  // namespace tarn
