@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "platform/foundation/NSAlert.h"
-#include "platform/foundation/NSLocalizedString.h"
 #include "workbench/SearchPattern.h"
 #include "workbench/StatusTexts.h"
 
@@ -30,7 +29,6 @@ KeyBrowser::KeyBrowser(OperationTabLayout& outlets, TabState& state, TabQueue& q
   outlets_.tableKeys.setTag(keysTableTag);
   outlets_.tableKeys.setDataSource(this);
   outlets_.tableKeys.setDelegate(this);
-  outlets_.tableKeys.setPlaceholderString(localizedString("No keys listed. Search to list them."));
   outlets_.chkExactly.setState(false);
   outlets_.txtSearchKey.setAction([this] { search(); });
   outlets_.chkExactly.setAction([this] { search(); });

@@ -56,7 +56,7 @@ void ValuePanes::showString(std::string_view text, std::string_view hint) {
 }
 
 void ValuePanes::emptyString() {
-  showString("", localizedString("Select a key to see its value."));
+  showString("", localizedString("Nothing to show. Choose a key on the left to read its value."));
 }
 
 void ValuePanes::doResize() {
