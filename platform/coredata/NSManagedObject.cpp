@@ -6,7 +6,16 @@
 namespace tarn {
 namespace {
 
-bool isOfType(const NSManagedValue& value, NSAttributeType type) {
+template <typename T>
+std::optional<T> valueAs(const NSManagedValue& value) {
+  const auto* const typed = std::get_if<T>(&value);
+  if (typed == nullptr) return std::nullopt;
+  return *typed;
+}
+
+}  // namespace
+
+bool isValueOfType(const NSManagedValue& value, NSAttributeType type) {
   if (std::holds_alternative<std::monostate>(value)) return true;
   const auto* const number = std::get_if<std::int64_t>(&value);
   switch (type) {
@@ -22,15 +31,6 @@ bool isOfType(const NSManagedValue& value, NSAttributeType type) {
   }
   return false;
 }
-
-template <typename T>
-std::optional<T> valueAs(const NSManagedValue& value) {
-  const auto* const typed = std::get_if<T>(&value);
-  if (typed == nullptr) return std::nullopt;
-  return *typed;
-}
-
-}  // namespace
 
 NSManagedObject::NSManagedObject(std::shared_ptr<const NSEntityDescription> entity)
     : entity_(std::move(entity)), values_(entity_->attributes.size()) {}
@@ -55,7 +55,7 @@ std::optional<NSUUID> NSManagedObject::uuidForKey(std::string_view key) const {
 
 bool NSManagedObject::setValueForKey(std::string_view key, NSManagedValue value) {
   const auto index = indexOfKey(key);
-  if (!index || !isOfType(value, entity_->attributes[*index].type)) return false;
+  if (!index || !isValueOfType(value, entity_->attributes[*index].type)) return false;
   if (values_[*index] == value) return true;
   values_[*index] = std::move(value);
   changed_.insert(*index);

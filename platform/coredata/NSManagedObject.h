@@ -18,6 +18,9 @@ namespace tarn {
 // A value of a record: absent, a whole number, a text (UTF-8) or an identifier.
 using NSManagedValue = std::variant<std::monostate, std::int64_t, std::string, NSUUID>;
 
+// True also for an absent value. A whole number must fit the type.
+bool isValueOfType(const NSManagedValue& value, NSAttributeType type);
+
 // One record of the store, as its context knows it: what was stored, with the changes that are not yet saved. Held by
 // std::shared_ptr; a context has one object for each record. Main queue only.
 class NSManagedObject final {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -50,9 +51,13 @@ public:
 private:
   friend class NSPersistentContainer;
 
-  // Registers what the store holds for the entity; false if it can't be read.
+  std::shared_ptr<NSManagedObject> addObject(const NSEntityDescription& entity);
+  // Takes over what the store holds of the entity; false if it can't be read.
   bool refresh(const NSEntityDescription& entity);
-  std::optional<NSError> saveInTransaction();
+  // Within a transaction. Tells the row of each object, in step with objects_.
+  std::optional<NSError> writeChanges(std::vector<std::int64_t>& rowIds);
+  // The row of the object; nothing on failure.
+  std::optional<std::int64_t> write(const NSManagedObject& object);
 
   std::shared_ptr<const NSManagedObjectModel> model_;
   // Null while the container has none open: nothing can be fetched or saved.

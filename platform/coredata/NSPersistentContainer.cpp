@@ -1,0 +1,26 @@
+#include "platform/coredata/NSPersistentContainer.h"
+
+#include <utility>
+#include <variant>
+
+#include "platform/coredata/PersistentStore.h"
+#include "platform/coredata/StoreFile.h"
+
+namespace tarn {
+
+NSPersistentContainer::NSPersistentContainer(std::string name, std::shared_ptr<const NSManagedObjectModel> model)
+    : model_(std::move(model)), viewContext_(model_) {
+  const auto folder = userDataFolder();
+  file_ = folder.value_or(std::string()) + '/' + std::move(name) + ".sqlite";
+  if (!folder) file_.clear();
+}
+
+std::optional<NSError> NSPersistentContainer::loadPersistentStores() {
+  if (file_.empty()) return NSError{file_, "the user has no home folder"};
+  auto opened = PersistentStore::open(file_, *model_);
+  if (auto* const error = std::get_if<NSError>(&opened)) return std::move(*error);
+  viewContext_.store_ = std::move(std::get<std::unique_ptr<PersistentStore>>(opened));
+  return std::nullopt;
+}
+
+}  // namespace tarn
