@@ -9,8 +9,8 @@
 
 namespace tarn {
 
-NSManagedObjectContext::NSManagedObjectContext(std::shared_ptr<const NSManagedObjectModel> model)
-    : model_(std::move(model)) {}
+NSManagedObjectContext::NSManagedObjectContext(std::shared_ptr<const NSManagedObjectModel> model, std::string file)
+    : model_(std::move(model)), file_(std::move(file)) {}
 
 NSManagedObjectContext::~NSManagedObjectContext() = default;
 
@@ -52,7 +52,7 @@ void NSManagedObjectContext::performBlock(std::function<void()> block) {
 
 std::optional<NSError> NSManagedObjectContext::save() {
   if (!hasChanges()) return std::nullopt;
-  if (store_ == nullptr) return NSError{"the store", "it isn't open"};
+  if (store_ == nullptr) return NSError{file_, "it isn't open"};
   std::vector<std::int64_t> rowIds;
   if (!store_->begin()) return store_->error();
   if (auto error = writeChanges(rowIds)) {
@@ -112,7 +112,7 @@ std::optional<NSError> NSManagedObjectContext::writeChanges(std::vector<std::int
       continue;
     }
     const auto missing = object->rowId_ ? std::nullopt : object->missingRequiredKey();
-    if (missing) return NSError{store_->error().file, object->entity().name + "." + *missing + " is missing"};
+    if (missing) return NSError{file_, object->entity().name + "." + *missing + " is missing"};
     const auto rowId = write(*object);
     if (!rowId) return store_->error();
     rowIds.push_back(*rowId);

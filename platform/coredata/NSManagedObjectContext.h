@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -21,7 +22,8 @@ class NSManagedObjectContext final {
 public:
   using Objects = std::vector<std::shared_ptr<NSManagedObject>>;
 
-  explicit NSManagedObjectContext(std::shared_ptr<const NSManagedObjectModel> model);
+  // `file` is the store's, for what save() reports.
+  NSManagedObjectContext(std::shared_ptr<const NSManagedObjectModel> model, std::string file);
   NSManagedObjectContext(const NSManagedObjectContext&) = delete;
   NSManagedObjectContext& operator=(const NSManagedObjectContext&) = delete;
   ~NSManagedObjectContext();
@@ -60,6 +62,7 @@ private:
   std::optional<std::int64_t> write(const NSManagedObject& object);
 
   std::shared_ptr<const NSManagedObjectModel> model_;
+  const std::string file_;
   // Null while the container has none open: nothing can be fetched or saved.
   std::unique_ptr<PersistentStore> store_;
   // Every record in use: those fetched, and the new ones.

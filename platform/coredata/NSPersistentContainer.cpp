@@ -7,13 +7,18 @@
 #include "platform/coredata/StoreFile.h"
 
 namespace tarn {
+namespace {
 
-NSPersistentContainer::NSPersistentContainer(std::string name, std::shared_ptr<const NSManagedObjectModel> model)
-    : model_(std::move(model)), viewContext_(model_) {
+// Empty if the user has no home.
+std::string storeFile(const std::string& name) {
   const auto folder = userDataFolder();
-  file_ = folder.value_or(std::string()) + '/' + std::move(name) + ".sqlite";
-  if (!folder) file_.clear();
+  return folder ? *folder + '/' + name + ".sqlite" : std::string();
 }
+
+}  // namespace
+
+NSPersistentContainer::NSPersistentContainer(const std::string& name, std::shared_ptr<const NSManagedObjectModel> model)
+    : model_(std::move(model)), file_(storeFile(name)), viewContext_(model_, file_) {}
 
 std::optional<NSError> NSPersistentContainer::loadPersistentStores() {
   if (file_.empty()) return NSError{file_, "the user has no home folder"};

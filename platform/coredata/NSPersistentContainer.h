@@ -14,7 +14,7 @@ namespace tarn {
 // the user may enter and read. Main queue only.
 class NSPersistentContainer final {
 public:
-  NSPersistentContainer(std::string name, std::shared_ptr<const NSManagedObjectModel> model);
+  NSPersistentContainer(const std::string& name, std::shared_ptr<const NSManagedObjectModel> model);
 
   // Opens the store; makes it if the file is missing or empty. A store that is damaged, from a newer version, not
   // readable or not writable is left as it is, and the error tells its file and why.
@@ -28,7 +28,7 @@ public:
 
 private:
   std::shared_ptr<const NSManagedObjectModel> model_;
-  std::string file_;
+  const std::string file_;
   NSManagedObjectContext viewContext_;
 };
 
