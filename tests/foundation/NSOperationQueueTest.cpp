@@ -1,0 +1,265 @@
+#include "platform/foundation/NSOperationQueue.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <future>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/foundation/Immortal.h"
+#include "platform/foundation/NSRunLoop.h"
+
+namespace tarn {
+namespace {
+
+using namespace std::chrono_literals;
+
+bool waitFor(const std::function<bool()>& done) {
+  return NSRunLoop::mainRunLoop().runUntil(done, 20s);
+}
+
+std::ptrdiff_t threadsOfProcess() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
+}
+
+// Holds a block up until it is opened.
+struct Gate {
+  std::promise<void> opener;
+  std::shared_future<void> opened = opener.get_future().share();
+
+  NSOperationQueue::Block block() const {
+    return [opened = opened] { opened.wait(); };
+  }
+  void open() { opener.set_value(); }
+};
+
+TEST(NSOperationQueue, RunsBlocksInTheOrderAdded) {
+  NSOperationQueue queue(1);
+  std::vector<int> order;
+  for (int i = 0; i < 200; ++i) queue.addOperationWithBlock([&order, i] { order.push_back(i); });
+  ASSERT_TRUE(waitFor([&] { return queue.operationCount() == 0; }));
+  EXPECT_EQ(order.size(), 200U);
+  EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
+}
+
+TEST(NSOperationQueue, RunsNoMoreAtOnceThanAllowed) {
+  NSOperationQueue queue(2);
+  std::atomic<int> running = 0;
+  std::atomic<int> most = 0;
+  for (int i = 0; i < 200; ++i) {
+    queue.addOperationWithBlock([&] {
+      most = std::max(most.load(), ++running);
+      std::this_thread::yield();
+      --running;
+    });
+  }
+  ASSERT_TRUE(waitFor([&] { return queue.operationCount() == 0; }));
+  EXPECT_LE(most, 2);
+}
+
+TEST(NSOperationQueue, RunsAsManyAtOnceAsAllowed) {
+  NSOperationQueue queue(3);
+  std::atomic<int> running = 0;
+  for (int i = 0; i < 3; ++i) {
+    queue.addOperationWithBlock([&] {
+      ++running;
+      while (running < 3) std::this_thread::yield();
+    });
+  }
+  EXPECT_TRUE(waitFor([&] { return queue.operationCount() == 0; }));
+}
+
+TEST(NSOperationQueue, CountsWhatWaitsAndWhatRuns) {
+  NSOperationQueue queue(2);
+  Gate gate;
+  for (int i = 0; i < 5; ++i)
+    queue.addOperationWithBlock(gate.block());
+  EXPECT_EQ(queue.operationCount(), 5U);
+  gate.open();
+  EXPECT_TRUE(waitFor([&] { return queue.operationCount() == 0; }));
+}
+
+TEST(NSOperationQueue, NeverRunsWhatWasCancelled) {
+  NSOperationQueue queue(1);
+  Gate gate;
+  std::atomic<bool> hasStarted = false;
+  std::atomic<bool> cancelledRan = false;
+  std::atomic<bool> laterRan = false;
+  queue.addOperationWithBlock([&, wait = gate.block()] {
+    hasStarted = true;
+    wait();
+  });
+  queue.addOperationWithBlock([&] { cancelledRan = true; });
+  queue.addBarrierBlock([&] { cancelledRan = true; });
+  ASSERT_TRUE(waitFor([&] { return hasStarted.load(); }));
+  queue.cancelAllOperations();
+  EXPECT_EQ(queue.operationCount(), 1U);
+  queue.addOperationWithBlock([&] { laterRan = true; });
+  gate.open();
+  ASSERT_TRUE(waitFor([&] { return queue.operationCount() == 0; }));
+  EXPECT_TRUE(laterRan);
+  EXPECT_FALSE(cancelledRan);
+}
+
+TEST(NSOperationQueue, LetsABarrierRunAlone) {
+  NSOperationQueue queue(4);
+  std::atomic<int> running = 0;
+  std::atomic<int> before = 0;
+  std::atomic<int> seenBefore = -1;
+  std::atomic<int> seenBeside = -1;
+  std::atomic<int> after = 0;
+  const auto count = [&](std::atomic<int>& counter) {
+    return [&] {
+      ++running;
+      std::this_thread::sleep_for(2ms);
+      ++counter;
+      --running;
+    };
+  };
+  for (int i = 0; i < 10; ++i)
+    queue.addOperationWithBlock(count(before));
+  queue.addBarrierBlock([&] {
+    seenBefore = before.load();
+    std::this_thread::sleep_for(5ms);
+    seenBeside = running + after;
+  });
+  for (int i = 0; i < 10; ++i)
+    queue.addOperationWithBlock(count(after));
+  ASSERT_TRUE(waitFor([&] { return queue.operationCount() == 0; }));
+  EXPECT_EQ(seenBefore, 10);
+  EXPECT_EQ(seenBeside, 0);
+  EXPECT_EQ(after, 10);
+}
+
+TEST(NSOperationQueue, NeedsNoThreadWhileIdle) {
+  const auto before = threadsOfProcess();
+  std::vector<std::unique_ptr<NSOperationQueue>> queues;
+  for (int i = 0; i < 1000; ++i)
+    queues.push_back(std::make_unique<NSOperationQueue>(2));
+  EXPECT_LE(threadsOfProcess(), before);
+  std::atomic<int> ran = 0;
+  for (const auto& queue : queues)
+    queue->addOperationWithBlock([&ran] { ++ran; });
+  EXPECT_TRUE(waitFor([&] { return ran == 1000; }));
+  EXPECT_TRUE(waitFor([&] { return threadsOfProcess() <= before; }));
+}
+
+TEST(NSOperationQueue, MayBeDestroyedByItsOwnLastBlock) {
+  for (int round = 0; round < 50; ++round) {
+    std::promise<void> isGone;
+    {
+      auto queue = std::make_shared<NSOperationQueue>(2);
+      auto telltale = std::shared_ptr<void>(nullptr, [&isGone](void*) { isGone.set_value(); });
+      queue->addOperationWithBlock([queue, telltale] { std::this_thread::yield(); });
+    }
+    isGone.get_future().wait();
+  }
+}
+
+TEST(NSOperationQueue, DropsWhatWaitsWhenDestroyed) {
+  std::atomic<bool> ran = false;
+  std::promise<void> ended;
+  Gate gate;
+  {
+    NSOperationQueue queue(1);
+    queue.addOperationWithBlock([&, wait = gate.block()] {
+      wait();
+      ended.set_value();
+    });
+    queue.addOperationWithBlock([&] { ran = true; });
+  }
+  gate.open();
+  ended.get_future().wait();
+  EXPECT_FALSE(ran);
+}
+
+TEST(NSOperationQueue, LetsTheProcessExitWhileBlocksRun) {
+  testing::GTEST_FLAG(death_test_style) = "threadsafe";
+  const auto exitBusily = [] {
+    auto& queues = immortal<std::vector<std::unique_ptr<NSOperationQueue>>>();
+    for (int i = 0; i < 8; ++i) {
+      queues.push_back(std::make_unique<NSOperationQueue>(2));
+      queues.back()->addOperationWithBlock([] {
+        while (true)
+          NSOperationQueue::mainQueue().addOperationWithBlock([] {});
+      });
+    }
+    std::this_thread::sleep_for(20ms);
+    std::exit(0);
+  };
+  EXPECT_EXIT(exitBusily(), testing::ExitedWithCode(0), "");
+}
+
+// Counts how often what it stands for would be copied.
+struct CopyCounter {
+  int* copies;
+
+  explicit CopyCounter(int& count) : copies(&count) {}
+  CopyCounter(const CopyCounter& other) : copies(other.copies) { ++*copies; }
+  CopyCounter(CopyCounter&& other) noexcept = default;
+  CopyCounter& operator=(const CopyCounter&) = delete;
+  ~CopyCounter() = default;
+};
+
+TEST(MainQueue, RunsBlocksInOrderAndNeverInPlace) {
+  MainQueue queue;
+  std::string order;
+  queue.addOperationWithBlock([&] {
+    order += "a";
+    queue.addOperationWithBlock([&] { order += "c"; });
+    EXPECT_TRUE(queue.isRunningBlock());
+    // As an alert's loop does.
+    EXPECT_FALSE(queue.drain());
+    order += "A";
+  });
+  queue.addOperationWithBlock([&] { order += "b"; });
+  EXPECT_EQ(order, "");
+  EXPECT_TRUE(queue.drain());
+  EXPECT_EQ(order, "aAbc");
+  EXPECT_FALSE(queue.drain());
+  EXPECT_FALSE(queue.isRunningBlock());
+}
+
+TEST(MainQueue, DoesNotCopyWhatABlockHolds) {
+  MainQueue queue;
+  int copies = 0;
+  queue.addOperationWithBlock([counter = CopyCounter(copies)] {});
+  queue.drain();
+  NSOperationQueue background(1);
+  background.addOperationWithBlock([counter = CopyCounter(copies)] {});
+  ASSERT_TRUE(waitFor([&] { return background.operationCount() == 0; }));
+  EXPECT_EQ(copies, 0);
+}
+
+TEST(MainQueue, WakesItsLoopAtEachPost) {
+  MainQueue queue;
+  std::atomic<int> wakes = 0;
+  queue.setWaker([&] { ++wakes; });
+  std::vector<std::thread> threads;
+  std::atomic<int> ran = 0;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([&] {
+      for (int block = 0; block < 250; ++block)
+        queue.addOperationWithBlock([&] { ++ran; });
+    });
+  }
+  while (ran < 1000) {
+    queue.waitForBlocks(std::chrono::steady_clock::now() + 20s);
+    queue.drain();
+  }
+  for (std::thread& thread : threads)
+    thread.join();
+  EXPECT_EQ(wakes, 1000);
+  queue.setWaker(nullptr);
+  queue.addOperationWithBlock([] {});
+  EXPECT_EQ(wakes, 1000);
+}
+
+}  // namespace
+}  // namespace tarn
