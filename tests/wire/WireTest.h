@@ -1,0 +1,90 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "platform/foundation/NSOperationQueue.h"
+#include "tests/support/AlertRecorder.h"
+#include "tests/support/RedisServer.h"
+#include "tests/support/ScriptedServer.h"
+#include "wire/ServerItem.h"
+#include "wire/SocketCalls.h"
+
+namespace tarn::test {
+
+// Connections on loopback, the alerts that they raised, and a count of the descriptors that they left open.
+class WireTest : public testing::Test {
+public:
+  ~WireTest() override { NSOperationQueue::mainQueue().drain(); }
+
+  static std::shared_ptr<ServerItem> item(int port, std::string auth = {}) {
+    return itemWith(SocketCalls::system(), port, std::move(auth));
+  }
+
+  static std::shared_ptr<ServerItem> itemWith(SocketCalls& calls, int port, std::string auth = {}) {
+    auto server = std::make_shared<ServerItem>(ServerItem::Life::favourite, calls);
+    server->setConnectionName("a");
+    server->setServerIp("127.0.0.1");
+    server->setServerPort(port);
+    server->setAuth(std::move(auth));
+    return server;
+  }
+
+  static std::shared_ptr<ServerItem> connectedItem(int port, std::string auth = {}) {
+    auto server = item(port, std::move(auth));
+    const auto outcome = server->connectToServer();
+    EXPECT_TRUE(outcome.ok) << outcome.message;
+    return server;
+  }
+
+  // The messages shown since the last call.
+  std::vector<std::string> alerts() {
+    NSOperationQueue::mainQueue().drain();
+    auto messages = recorder_.messages();
+    recorder_.clear();
+    return messages;
+  }
+
+  static std::size_t openDescriptors() {
+    const auto entries = std::filesystem::directory_iterator("/proc/self/fd");
+    return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+  }
+
+  static void waitUntil(const std::function<bool()>& done) {
+    while (!done()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+
+protected:
+  using Messages = std::vector<std::string>;
+
+  AlertRecorder recorder_;
+};
+
+// A peer that answers the requests of each connection with the next reply of a list, and then closes.
+inline ScriptedServer::Script answering(std::vector<std::string> replies) {
+  return [replies = std::move(replies)](ScriptedServer::Peer& peer, int) {
+    for (const std::string& reply : replies) {
+      if (peer.readRequest().empty()) return;
+      peer.send(reply);
+    }
+    peer.readRequest();
+  };
+}
+
+// What a stand-alone server says when it is asked for the nodes of its cluster.
+inline constexpr const char* noCluster = "-ERR This instance has cluster support disabled\r\n";
+
+inline std::string bulk(const std::string& text) {
+  return "$" + std::to_string(text.size()) + "\r\n" + text + "\r\n";
+}
+
+}  // namespace tarn::test
