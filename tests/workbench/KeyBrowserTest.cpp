@@ -1,0 +1,104 @@
+#include <algorithm>
+
+#include "tests/support/RedisServer.h"
+#include "tests/workbench/TabFixture.h"
+
+namespace tarn::test {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+class KeyBrowserTest : public TabFixture {
+protected:
+  Texts keysFor(std::string_view text) {
+    search(text);
+    Texts keys = texts(outlets().tableKeys, 0);
+    std::sort(keys.begin(), keys.end());
+    return keys;
+  }
+
+  RedisServer redis{{"--enable-debug-command", "yes"}};
+};
+
+TEST_F(KeyBrowserTest, ListsWhatThePatternFindsAsEscapedText) {
+  for (const std::string key : {"user:1", "user:2", "other", "a\\b", "line\nfeed", "\xFF\x01"}) {
+    redis.command({"SET", key, "v"});
+  }
+  openTab(redis.port());
+  EXPECT_EQ(outlets().labKey.stringValue(), "Key(utf8):");
+  EXPECT_EQ(keysFor(""), (Texts{"\\B/wE=", "a\\\\b", "line\\nfeed", "other", "user:1", "user:2"}));
+  EXPECT_EQ(outlets().tableKeys.tableColumn(0).headerToolTip(), "Count Shown:6");
+  EXPECT_TRUE(outlets().labDealingQueue.stringValue().starts_with("Dealing Queue:"));
+  EXPECT_EQ(keysFor("user"), (Texts{"user:1", "user:2"}));
+  EXPECT_EQ(keysFor("line\\nfeed"), (Texts{"line\\nfeed"}));
+
+  click(*outlets().chkExactly.widget());
+  waitUntilIdle();
+  EXPECT_EQ(keysFor("user"), Texts{});
+  EXPECT_EQ(keysFor("\\B/wE="), (Texts{"\\B/wE="}));
+  EXPECT_EQ(keysFor(""), Texts{});
+
+  click(*outlets().btnSearchKeyClear.widget());
+  EXPECT_EQ(outlets().txtSearchKey.stringValue(), "");
+  EXPECT_EQ(alerts.messages(), Texts{});
+}
+
+TEST_F(KeyBrowserTest, SearchesOnEnterAndSaysWhyItDoesNot) {
+  redis.command({"SET", "user", "v"});
+  openTab(redis.port());
+  click(*outlets().txtSearchKey.widget());
+  type("use");
+  press(Qt::Key_Return);
+  waitUntilIdle();
+  EXPECT_EQ(outlets().tableKeys.numberOfRows(), 1);
+
+  outlets().txtSearchKey.setStringValue("\\Bqw=");
+  press(Qt::Key_Return);
+  EXPECT_EQ(alerts.messages(), (Texts{"Can not decode base64 part of the Search Key '\\Bqw='"}));
+  EXPECT_EQ(outlets().tableKeys.numberOfRows(), 0);
+}
+
+TEST_F(KeyBrowserTest, FetchesNoMoreThanTheLimit) {
+  redis.command({"DEBUG", "POPULATE", "3000"});
+  openTab(redis.port());
+  search("");
+  EXPECT_EQ(outlets().tableKeys.numberOfRows(), 1000);
+}
+
+TEST_F(KeyBrowserTest, ListsTheDatabaseThatIsChosen) {
+  redis.command({"SET", "zero", "v"});
+  redis.command({"SET", "three", "v"}, 3);
+  openTab(redis.port());
+  EXPECT_EQ(outlets().popDatabase.titleOfSelectedItem(), "db0");
+  EXPECT_EQ(keysFor(""), (Texts{"zero"}));
+  choose(*outlets().popDatabase.widget(), 3);
+  waitUntilIdle();
+  EXPECT_EQ(texts(outlets().tableKeys, 0), (Texts{"three"}));
+  EXPECT_EQ(server->currentDbIdx(), 3);
+
+  tab->emptyDatabases();
+  EXPECT_EQ(tab->shownDatabase(), 3);
+  tab->fillDatabases();
+  EXPECT_EQ(outlets().popDatabase.titleOfSelectedItem(), "db3");
+}
+
+TEST_F(KeyBrowserTest, ShowsTheKeysInAnotherCharsetOverABlankForm) {
+  redis.command({"SET", "\xD6\xD0", "v"});
+  openTab(redis.port());
+  search("");
+  selectKey("\\B1tA=");
+  EXPECT_EQ(outlets().txtKey.stringValue(), "\\B1tA=");
+  outlets().popKeyDataCharset.selectItemWithTitle("GBK");
+  const int gbk = outlets().popKeyDataCharset.indexOfSelectedItem();
+  choose(*outlets().popKeyDataCharset.widget(), gbk);
+  waitUntilIdle();
+  EXPECT_EQ(texts(outlets().tableKeys, 0), (Texts{"中"}));
+  EXPECT_EQ(outlets().labKey.stringValue(), "Key(GBK):");
+  EXPECT_EQ(outlets().txtKey.stringValue(), "");
+  EXPECT_EQ(outlets().txtTTL.stringValue(), "-1");
+  EXPECT_EQ(outlets().txtTTL.toolTip(), "(Persist)");
+  EXPECT_FALSE(outlets().chkTranslate.state());
+}
+
+}  // namespace
+}  // namespace tarn::test

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tests/support/AlertRecorder.h"
+#include "tests/support/widgets/Hand.h"
+#include "wire/ServerItem.h"
+#include "workbench/OperationTabViewController.h"
+
+namespace tarn::test {
+
+// A tab on the screen, bound to a connection on a loopback port.
+class TabFixture : public ::testing::Test {
+protected:
+  ~TabFixture() override {
+    if (server) server->closeConnection();
+  }
+
+  void openTab(int port) {
+    server = std::make_shared<ServerItem>();
+    server->setServerIp("127.0.0.1");
+    server->setServerPort(port);
+    server->setDefaultCharset("utf8");
+    ASSERT_TRUE(server->connectToServer().ok);
+    server->loadDatabases();
+    showTab();
+  }
+
+  void showTab() {
+    tab = std::make_shared<OperationTabViewController>();
+    tab->setServer(server);
+    tab->updateStatusLabel();
+    tab->fillDatabases();
+    tab->resetWorkbenchView();
+    show(*tab->view().widget(), {900, 560});
+  }
+
+  OperationTabLayout& outlets() { return tab->outlets(); }
+
+  bool idle() {
+    settle();
+    return server->operationQueue().operationCount() == 0;
+  }
+  void waitUntilIdle() {
+    ASSERT_TRUE(waitUntil([&] { return idle(); }));
+    settle();
+  }
+
+  void search(std::string_view text) {
+    outlets().txtSearchKey.setStringValue(text);
+    tab->search();
+    waitUntilIdle();
+  }
+  // Selects the first key that shows this text, and waits for its value.
+  void selectKey(const std::string& text) {
+    const auto shown = texts(outlets().tableKeys, 0);
+    for (int row = 0; row < static_cast<int>(shown.size()); ++row) {
+      if (shown[static_cast<std::size_t>(row)] == text) outlets().tableKeys.selectRowIndexes({row}, false);
+    }
+    waitUntilIdle();
+  }
+
+  static std::vector<std::string> texts(NSTableView& table, int column) {
+    std::vector<std::string> result;
+    for (int row = 0; row < table.numberOfRows(); ++row) {
+      result.push_back(table.viewAtColumn(column, row, true)->stringValue());
+    }
+    return result;
+  }
+
+  AlertRecorder alerts;
+  std::shared_ptr<ServerItem> server;
+  std::shared_ptr<OperationTabViewController> tab;
+};
+
+}  // namespace tarn::test
