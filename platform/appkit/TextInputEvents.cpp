@@ -60,7 +60,7 @@ QString typedText(const QKeyEvent* event) {
   if (text.isEmpty() || chord == Qt::ControlModifier || chord == Qt::AltModifier) return {};
   const QChar first = text.front();
   const bool types = first.isPrint() || first.category() == QChar::Other_Format ||
-                     first.category() == QChar::Other_PrivateUse || first.isHighSurrogate();
+                     first.category() == QChar::Other_PrivateUse || first.isSurrogate();
   return types ? text : QString();
 }
 
@@ -156,8 +156,7 @@ bool TextInputWidget::handleEditKey(QKeyEvent* event) {
     selectAll();
   } else if (event->matches(QKeySequence::Delete)) {
     deleteTo(nextCharacter(store_, caret_));
-  } else if (event->matches(QKeySequence::Backspace) ||
-             (event->key() == Qt::Key_Backspace && event->modifiers() == Qt::ShiftModifier)) {
+  } else if (event->key() == Qt::Key_Backspace && !(event->modifiers() & ~Qt::ShiftModifier)) {
     deleteTo(previousCharacter(store_, caret_));
   } else if (event->matches(QKeySequence::DeleteEndOfWord)) {
     deleteTo(isReadable() ? nextWord(store_, caret_) : store_.length());
