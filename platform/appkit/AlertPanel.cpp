@@ -162,8 +162,11 @@ int runAlertPanel(const NSAlert& alert) {
   while (QWidget* popUp = QApplication::activePopupWidget()) {
     if (!popUp->close()) break;
   }
-  AlertPanel panel(alert, QApplication::activeWindow());
+  const QPointer<QWidget> behind = QApplication::activeWindow();
+  AlertPanel panel(alert, behind);
   panel.exec();
+  // Not every desktop gives the keyboard back by itself.
+  if (behind) behind->activateWindow();
   return panel.answer();
 }
 

@@ -7,7 +7,6 @@
 
 #include <QApplication>
 #include <QFontMetricsF>
-#include <QPointer>
 
 #include <algorithm>
 #include <utility>
@@ -35,13 +34,6 @@ struct NSTabView::Private {
     if (index < 0 || index >= static_cast<int>(items.size())) return nullptr;
     const auto controller = items[static_cast<std::size_t>(index)]->viewController();
     return controller ? controller->view().widget() : nullptr;
-  }
-
-  std::vector<QPointer<QWidget>> pages() const {
-    std::vector<QPointer<QWidget>> all;
-    for (int index = 0; index < static_cast<int>(items.size()); ++index)
-      all.emplace_back(page(index));
-    return all;
   }
 
   void select(int index) {
@@ -73,6 +65,7 @@ void NSTabView::addTabViewItem(std::shared_ptr<NSTabViewItem> item) {
   const int index = d_->bar().addTab(literalLabel(item->label()));
   d_->changing = false;
   d_->bar().setTabToolTip(index, toQString(item->toolTip()));
+  if (QWidget* page = d_->page(index)) d_->widget->addPage(page);
   if (d_->items.size() == 1) d_->select(0);
 }
 
@@ -82,12 +75,14 @@ void NSTabView::removeTabViewItem(const std::shared_ptr<NSTabViewItem>& item) {
   // `item` may be the very element that goes.
   const std::shared_ptr<NSTabViewItem> removed = item;
   removed->tabView_ = nullptr;
+  QWidget* page = d_->page(index);
   d_->changing = true;
   // While the bar removes a tab it asks for the sizes of all it still has.
   d_->bar().removeTab(index);
   d_->changing = false;
   d_->items.erase(d_->items.begin() + index);
-  d_->widget->keepPages(d_->pages(), d_->page(d_->bar().currentIndex()));
+  if (page) d_->widget->removePage(page);
+  d_->widget->showPage(d_->page(d_->bar().currentIndex()));
 }
 
 void NSTabView::selectTabViewItem(const std::shared_ptr<NSTabViewItem>& item) {

@@ -1,6 +1,8 @@
 #include "platform/appkit/NSView.h"
 
+#include <QCoreApplication>
 #include <QLayout>
+#include <QResizeEvent>
 #include <QWidget>
 
 #include "platform/appkit/TextFieldWidget.h"
@@ -20,6 +22,20 @@ QWidget* focusTarget(QWidget* widget) {
   while (QWidget* proxy = widget->focusProxy())
     widget = proxy;
   return widget;
+}
+
+// A widget that hasn't been on screen yet keeps its resize for later; whoever asks for the layout now needs it now.
+void layoutTree(QWidget& widget) {
+  if (widget.testAttribute(Qt::WA_PendingResizeEvent)) {
+    widget.setAttribute(Qt::WA_PendingResizeEvent, false);
+    QResizeEvent event(widget.size(), QSize());
+    QCoreApplication::sendEvent(&widget, &event);
+  }
+  if (QLayout* layout = widget.layout()) layout->activate();
+  for (QObject* child : widget.children()) {
+    auto* childWidget = qobject_cast<QWidget*>(child);
+    if (childWidget && !childWidget->isWindow()) layoutTree(*childWidget);
+  }
 }
 
 }  // namespace
@@ -59,7 +75,7 @@ void NSView::setAccessibilityLabel(std::string_view text) {
 }
 
 void NSView::layout() {
-  if (QLayout* layout = widget_->layout()) layout->activate();
+  layoutTree(*widget_);
 }
 
 void NSView::becomeFirstResponder() {

@@ -10,11 +10,17 @@ namespace tarn {
 
 void NSViewController::commitEditing() {
   const QPointer<QWidget> focused = QApplication::focusWidget();
-  const QWidget* root = view().widget();
+  const QPointer<QWidget> root = view().widget();
   if (!focused || (focused != root && !root->isAncestorOf(focused))) return;
-  focused->clearFocus();
-  // The end of the edit may have moved the focus, or closed the view.
-  if (focused && !QApplication::focusWidget()) focused->setFocus(Qt::OtherFocusReason);
+  const QPointer<QWidget> elsewhere = focused == root ? root->window() : root.data();
+  elsewhere->setFocus(Qt::OtherFocusReason);
+  // The end of the edit may have moved the focus, closed the view, or put the editor of a cell away.
+  if (!elsewhere || QApplication::focusWidget() != elsewhere) return;
+  QWidget* next = focused;
+  while (next && next != elsewhere && (!next->isVisible() || next->focusPolicy() == Qt::NoFocus)) {
+    next = next->parentWidget();
+  }
+  if (next && next != elsewhere) next->setFocus(Qt::OtherFocusReason);
 }
 
 }  // namespace tarn

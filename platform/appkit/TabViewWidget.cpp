@@ -8,7 +8,7 @@
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
-#include <algorithm>
+#include <utility>
 
 namespace tarn {
 
@@ -40,20 +40,22 @@ void TabViewWidget::setPlaceholderText(const QString& text) {
   empty_->setText(text);
 }
 
-void TabViewWidget::showPage(QWidget* page) {
-  if (!page) page = empty_;
+void TabViewWidget::addPage(QWidget* page) {
+  std::erase(leaving_, page);
   if (pages_->indexOf(page) < 0) pages_->addWidget(page);
-  pages_->setCurrentWidget(page);
-  shown_ = page;
 }
 
-void TabViewWidget::keepPages(std::vector<QPointer<QWidget>> pages, QWidget* shown) {
-  kept_ = std::move(pages);
-  shown_ = shown;
+void TabViewWidget::removePage(QWidget* page) {
+  leaving_.emplace_back(page);
   if (settling_) return;
   settling_ = true;
   setUpdatesEnabled(false);
   QApplication::postEvent(this, new QEvent(settleEvent), Qt::HighEventPriority);
+}
+
+void TabViewWidget::showPage(QWidget* page) {
+  shown_ = page;
+  if (!settling_) pages_->setCurrentWidget(page ? page : empty_);
 }
 
 bool TabViewWidget::event(QEvent* event) {
@@ -65,13 +67,11 @@ bool TabViewWidget::event(QEvent* event) {
 void TabViewWidget::settle() {
   settling_ = false;
   showPage(shown_);
-  for (int index = pages_->count() - 1; index >= 0; --index) {
-    QWidget* page = pages_->widget(index);
-    if (page == empty_ || std::find(kept_.begin(), kept_.end(), page) != kept_.end()) continue;
+  for (const QPointer<QWidget>& page : std::exchange(leaving_, {})) {
+    if (!page) continue;
     pages_->removeWidget(page);
     page->hide();
   }
-  kept_.clear();
   setUpdatesEnabled(true);
 }
 

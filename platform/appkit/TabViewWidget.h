@@ -27,10 +27,11 @@ public:
   QString placeholderText() const;
   void setPlaceholderText(const QString& text);
 
-  // Shows this page; it stays its owner's.
+  // A page stays its owner's, which may delete it at any time.
+  void addPage(QWidget* page);
+  void removePage(QWidget* page);
+  // Null shows the placeholder.
   void showPage(QWidget* page);
-  // From the end of the event only these pages are here.
-  void keepPages(std::vector<QPointer<QWidget>> pages, QWidget* shown);
 
 protected:
   bool event(QEvent* event) override;
@@ -41,9 +42,9 @@ private:
   TabBarWidget* bar_;
   QStackedWidget* pages_;
   QLabel* empty_;
-  std::vector<QPointer<QWidget>> kept_;
+  std::vector<QPointer<QWidget>> leaving_;
   QPointer<QWidget> shown_;
-  bool settling_ = false;
+  bool settling_ = false;  // until the end of the event
 };
 
 }  // namespace tarn

@@ -31,8 +31,8 @@ int NSAlert::runModal() const {
   return firstButtonReturn;
 }
 
-void NSAlert::setPresenter(Presenter presenter) {
-  immortal<Presenter>() = std::move(presenter);
+NSAlert::Presenter NSAlert::setPresenter(Presenter presenter) {
+  return std::exchange(immortal<Presenter>(), std::move(presenter));
 }
 
 void showAlert(std::string message) {

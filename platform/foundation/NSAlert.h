@@ -35,7 +35,8 @@ public:
   // the log and the answer is firstButtonReturn.
   int runModal() const;
 
-  static void setPresenter(Presenter presenter);
+  // Answers with the presenter in force before.
+  static Presenter setPresenter(Presenter presenter);
 
 private:
   std::string messageText_;

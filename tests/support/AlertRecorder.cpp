@@ -1,11 +1,9 @@
 #include "tests/support/AlertRecorder.h"
 
-#include "platform/foundation/NSAlert.h"
-
 namespace tarn::test {
 
 AlertRecorder::AlertRecorder() {
-  NSAlert::setPresenter([this](const NSAlert& alert) {
+  before_ = NSAlert::setPresenter([this](const NSAlert& alert) {
     shown_.push_back(
         {alert.messageText(), alert.informativeText(), static_cast<int>(alert.alertStyle()), alert.buttonTitles()});
     if (!actions_.empty()) {
@@ -21,7 +19,7 @@ AlertRecorder::AlertRecorder() {
 }
 
 AlertRecorder::~AlertRecorder() {
-  NSAlert::setPresenter(nullptr);
+  NSAlert::setPresenter(std::move(before_));
 }
 
 void AlertRecorder::answerNext(int result) {

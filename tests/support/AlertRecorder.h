@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/foundation/NSAlert.h"
+
 namespace tarn::test {
 
 // Stands in for the screen: while one lives every alert is recorded and answered at once, with the answers queued by
@@ -36,6 +38,7 @@ private:
   std::vector<Shown> shown_;
   std::deque<int> answers_;
   std::deque<std::function<void()>> actions_;
+  NSAlert::Presenter before_;
 };
 
 }  // namespace tarn::test

@@ -10,6 +10,7 @@
 #include <QPixmap>
 #include <QStyle>
 #include <QTest>
+#include <QTimer>
 
 #include <stdexcept>
 
@@ -109,6 +110,18 @@ QWidget* topModal() {
 
 QWidget* openPopUp() {
   return QApplication::activePopupWidget();
+}
+
+void whenModal(std::function<void(QWidget& modal)> action) {
+  auto* timer = new QTimer(QApplication::instance());
+  QObject::connect(timer, &QTimer::timeout, [timer, action = std::move(action)] {
+    QWidget* modal = topModal();
+    if (!modal || !modal->isVisible() || QApplication::activeWindow() != modal) return;
+    timer->stop();
+    timer->deleteLater();
+    action(*modal);
+  });
+  timer->start(1);
 }
 
 void useDarkPalette(bool dark) {

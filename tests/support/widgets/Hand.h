@@ -53,6 +53,9 @@ void grab(QWidget& widget, const std::string& name);
 QWidget* topModal();
 QWidget* openPopUp();
 
+// Runs once, as soon as a modal window is up: call it before the code that raises one and waits for it.
+void whenModal(std::function<void(QWidget& modal)> action);
+
 // The dark palette of the pictures and tests, or the light one, for the whole program.
 void useDarkPalette(bool dark);
 
