@@ -9,41 +9,47 @@ namespace tarn {
 
 namespace {
 
-// "*3\r\n" or "$11\r\n".
-class Header final {
-public:
-  Header(char mark, std::size_t number) {
-    text_[0] = mark;
-    char* const end = std::to_chars(text_.data() + 1, text_.data() + text_.size(), number).ptr;
-    end[0] = '\r';
-    end[1] = '\n';
-    size_ = static_cast<std::size_t>(end - text_.data()) + 2;
-  }
-  std::string_view view() const { return {text_.data(), size_}; }
+constexpr std::string_view lineEnd = "\r\n";
 
-private:
-  std::array<char, 24> text_;
-  std::size_t size_;
-};
+std::size_t digitsOf(std::size_t number) {
+  std::size_t digits = 1;
+  for (; number >= 10; number /= 10)
+    ++digits;
+  return digits;
+}
+
+// "*3\r\n" or "$11\r\n".
+char* putHeader(char* out, char mark, std::size_t number) {
+  *out++ = mark;
+  out = std::to_chars(out, out + digitsOf(number), number).ptr;
+  return std::copy(lineEnd.begin(), lineEnd.end(), out);
+}
+
+// `word(i)` is the word at i. The size is known before the first byte is put, so the request is made in one block.
+template <typename Word>
+Bytes encode(std::size_t count, const Word& word) {
+  constexpr std::size_t headerSize = 1 + lineEnd.size();
+  std::size_t size = headerSize + digitsOf(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::size_t length = word(i).size();
+    size += headerSize + digitsOf(length) + length + lineEnd.size();
+  }
+  Bytes request;
+  request.resize(size);
+  char* out = putHeader(request.data(), '*', count);
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::string_view bytes = word(i);
+    out = putHeader(out, '$', bytes.size());
+    out = std::copy(bytes.begin(), bytes.end(), out);
+    out = std::copy(lineEnd.begin(), lineEnd.end(), out);
+  }
+  return request;
+}
 
 }  // namespace
 
 Bytes encodeRequest(std::span<const std::string_view> words) {
-  std::size_t size = Header('*', words.size()).view().size();
-  for (const std::string_view word : words)
-    size += Header('$', word.size()).view().size() + word.size() + 2;
-
-  Bytes request;
-  request.resize(size);
-  char* out = request.data();
-  const auto put = [&out](std::string_view part) { out = std::copy(part.begin(), part.end(), out); };
-  put(Header('*', words.size()).view());
-  for (const std::string_view word : words) {
-    put(Header('$', word.size()).view());
-    put(word);
-    put("\r\n");
-  }
-  return request;
+  return encode(words.size(), [words](std::size_t i) { return words[i]; });
 }
 
 Bytes encodeRequest(RedisCommand command, const std::vector<Bytes>& args) {
@@ -51,12 +57,8 @@ Bytes encodeRequest(RedisCommand command, const std::vector<Bytes>& args) {
     constexpr std::array<std::string_view, 2> words{"cluster", "nodes"};
     return encodeRequest(words);
   }
-  std::vector<std::string_view> words;
-  words.reserve(args.size() + 1);
-  if (command != RedisCommand::raw) words.push_back(commandName(command));
-  for (const Bytes& arg : args)
-    words.push_back(arg.view());
-  return encodeRequest(words);
+  if (command == RedisCommand::raw) return encode(args.size(), [&](std::size_t i) { return args[i].view(); });
+  return encode(args.size() + 1, [&](std::size_t i) { return i == 0 ? commandName(command) : args[i - 1].view(); });
 }
 
 }  // namespace tarn

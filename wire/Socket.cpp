@@ -6,6 +6,7 @@
 #include <sys/time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
@@ -99,18 +100,27 @@ bool Socket::sendAll(std::string_view request) {
   return true;
 }
 
-std::string_view Socket::peek() {
+char* Socket::window() {
   if (!window_) window_ = std::make_unique_for_overwrite<char[]>(windowSize);
-  ssize_t count = -1;
+  return window_.get();
+}
+
+std::size_t Socket::receiveWith(int flags, char* destination, std::size_t count) {
+  ssize_t received = -1;
   do {
-    count = calls_.receive(descriptor_, window_.get(), windowSize, MSG_PEEK);
-  } while (count == -1 && errno == EINTR);
-  return {window_.get(), count > 0 ? static_cast<std::size_t>(count) : 0};
+    received = calls_.receive(descriptor_, destination, count, flags);
+  } while (received == -1 && errno == EINTR);
+  return received > 0 ? static_cast<std::size_t>(received) : 0;
+}
+
+std::string_view Socket::peek() {
+  return {window(), receiveWith(MSG_PEEK, window(), windowSize)};
 }
 
 bool Socket::takeOff(std::size_t count) {
   while (count > 0) {
-    const std::size_t taken = receive(nullptr, count);
+    // With MSG_TRUNC, TCP drops the bytes and touches no buffer.
+    const std::size_t taken = receiveWith(MSG_TRUNC, window(), std::min(count, windowSize));
     if (taken == 0) return false;
     count -= taken;
   }
@@ -118,12 +128,7 @@ bool Socket::takeOff(std::size_t count) {
 }
 
 std::size_t Socket::receive(char* destination, std::size_t count) {
-  ssize_t received = -1;
-  do {
-    // With MSG_TRUNC, TCP drops the bytes in place of copying them.
-    received = calls_.receive(descriptor_, destination, count, destination == nullptr ? MSG_TRUNC : 0);
-  } while (received == -1 && errno == EINTR);
-  return received > 0 ? static_cast<std::size_t>(received) : 0;
+  return receiveWith(0, destination, count);
 }
 
 void Socket::shutDown() {

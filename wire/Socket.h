@@ -55,8 +55,7 @@ public:
   // lost.
   bool takeOff(std::size_t count);
 
-  // Waits for bytes, puts up to `count` of them at `destination`, or drops them if that is null. Answers how many; 0 if
-  // the connection was lost.
+  // Waits for bytes and puts up to `count` of them at `destination`. Answers how many; 0 if the connection was lost.
   std::size_t receive(char* destination, std::size_t count);
 
   // Ends the connection: a call that waits on it fails, and so does every later one.
@@ -64,6 +63,8 @@ public:
   bool wasShutDown() const { return shutDown_; }
 
 private:
+  char* window();
+  std::size_t receiveWith(int flags, char* destination, std::size_t count);
   void setOption(int level, int option, const void* value, socklen_t length, const char* failure);
 
   const int descriptor_;
