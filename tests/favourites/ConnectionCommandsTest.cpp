@@ -175,6 +175,59 @@ TEST_F(ConnectionCommandsTest, AReconnectToFewerDatabasesStartsAnewOnTheFirst) {
   EXPECT_EQ(alerts.messages(), Texts());
 }
 
+TEST_F(ConnectionCommandsTest, AReconnectWhoseDatabaseIsRefusedStartsAnewOnTheFirst) {
+  const RedisServer redis({"--databases", "4"});
+  redis.command({"set", "here", "1"}, 3);
+  store("local", redis.port());
+  openWindow();
+  connect();
+  clickRow(5);
+  ASSERT_TRUE(waitForKeys(1));
+
+  redis.command({"acl", "setuser", "default", "-select"});
+  click(*tabOf()->outlets().btnReconnect.widget());
+  ASSERT_TRUE(waitUntil([&] { return !alerts.shown().empty(); }));
+  ASSERT_TRUE(waitForIdle());
+  EXPECT_EQ(alerts.shown().size(), 1U);
+  EXPECT_NE(alerts.messages()[0].find("NOPERM"), std::string::npos);
+  EXPECT_EQ(status(tabOf()), "Status:Connected");
+  EXPECT_EQ(tabOf()->shownDatabase(), 0);
+  EXPECT_EQ(tabOf()->outlets().tableKeys.numberOfRows(), 0);
+}
+
+TEST_F(ConnectionCommandsTest, ALostServerShowsInTabAndTreeAndConnectsAgain) {
+  RedisServer redis({"--databases", "2"});
+  store("local", redis.port());
+  openWindow();
+  connect();
+  clickRow(3);
+  ASSERT_TRUE(waitForIdle());
+
+  redis.kill();
+  clickRow(2);
+  ASSERT_TRUE(waitUntil([&] { return !alerts.shown().empty(); }));
+  ASSERT_TRUE(waitForIdle());
+  EXPECT_EQ(alerts.messages(), Texts{"Can not connect to server, Please Reconnect to the server."});
+  EXPECT_EQ(status(tabOf()), "Status:DisConnected");
+  EXPECT_EQ(tabOf()->shownDatabase(), 0);
+
+  redis.start();
+  selectRow(1);
+  window().clickConnect();
+  ASSERT_TRUE(waitUntil([&] { return status(tabOf()) == "Status:Connected"; }));
+  EXPECT_EQ(rows(), (Texts{"My Favourite", "local", "db0(0)", "db1(0)"}));
+
+  // Made anew, and then lost, without anyone asking.
+  window().bringDatabasesUpToDate(server(), false);
+  EXPECT_EQ(rows(), (Texts{"My Favourite", "local"}));
+  EXPECT_EQ(status(tabOf()), "Status:DisConnected");
+  EXPECT_EQ(databases(tabOf()), 0);
+  window().bringDatabasesUpToDate(server(), true);
+  EXPECT_EQ(rows(), (Texts{"My Favourite", "local", "db0(0)", "db1(0)"}));
+  EXPECT_EQ(status(tabOf()), "Status:Connected");
+  EXPECT_EQ(databases(tabOf()), 2);
+}
+
 TEST_F(ConnectionCommandsTest, RemovingTakesConnectionTabAndRecordAway) {
   const RedisServer redis;
   store("gone", redis.port());
