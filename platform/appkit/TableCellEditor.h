@@ -33,7 +33,7 @@ public:
   // -1 while no cell is open.
   int row() const { return row_; }
   int column() const { return column_; }
-  bool isOpen(const TableCell& cell) const { return cell.row() == row_ && cell.column() == column_; }
+  bool isOpen(const TableCell& cell) const { return &cell == this->cell(); }
 
   // Ends an edit under way in another cell and opens this one, all its text selected. Nothing happens if the cell is
   // open already, is not editable, or stops being so when the control that loses the focus ends its edit.

@@ -287,7 +287,7 @@ void TableViewWidget::openNextCell(int row, int column, int step) {
 
 void TableViewWidget::fitFont() {
   cellFont_ = monospacedFont(rowHeight - 2);
-  header_->setFont(fontOfHeight(font(), rowHeight));
+  header_->setFont(QApplication::font(header_));
 }
 
 void TableViewWidget::updateGeometries() {
@@ -350,6 +350,7 @@ void TableViewWidget::paintRow(QPainter& painter, int row) const {
 }
 
 void TableViewWidget::paintPlaceholder(QPainter& painter) const {
+  painter.setFont(QApplication::font(this));
   painter.setPen(palette().color(QPalette::PlaceholderText));
   painter.drawText(viewport()->rect().adjusted(16, 16, -16, -8), Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap,
                    placeholder_);

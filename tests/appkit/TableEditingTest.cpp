@@ -1,0 +1,258 @@
+#include "tests/appkit/TableFixture.h"
+
+#include "platform/foundation/NSFormatter.h"
+
+#include <QMenu>
+#include <QTest>
+
+#include <memory>
+
+namespace tarn::test {
+namespace {
+
+class DigitsOnly final : public NSFormatter {
+public:
+  bool isPartialStringValid(std::string_view partial) const override {
+    return partial.find_first_not_of("0123456789") == std::string_view::npos;
+  }
+};
+
+class TableEditing : public TableFixture {
+protected:
+  TableEditing() { fill(100); }
+};
+
+TEST_F(TableEditing, OpensAnEditableCellWithAllItsTextSelected) {
+  cell(1, 0).becomeFirstResponder();
+  EXPECT_FALSE(isOpen());
+  open(1, 0);
+  ASSERT_TRUE(isOpen());
+  EXPECT_TRUE(editor().hasFocus());
+  EXPECT_EQ(editor().geometry(), widget->cellRect(1, 0));
+  type("ab");
+  EXPECT_EQ(cell(1, 0).stringValue(), "ab");
+  EXPECT_TRUE(cell(1, 0).isEdited());
+  cell(1, 0).becomeFirstResponder();
+  type("c");
+  EXPECT_EQ(cell(1, 0).stringValue(), "abc");
+  EXPECT_EQ(take(), Log{"begin 6"});
+}
+
+TEST_F(TableEditing, EndsOnEnterAndGivesTheTableTheKeyboard) {
+  open(1, 0);
+  type("x");
+  press(Qt::Key_Return);
+  EXPECT_EQ(take(), (Log{"begin 6", "end 6 1,0 x"}));
+  EXPECT_FALSE(isOpen());
+  EXPECT_TRUE(widget->hasFocus());
+  EXPECT_EQ(cell(1, 0).stringValue(), "x");
+  EXPECT_TRUE(cell(1, 0).isEditable());
+  EXPECT_FALSE(cell(1, 0).isEdited());
+
+  open(1, 0);
+  press(Qt::Key_Return);
+  EXPECT_EQ(take(), Log{});
+}
+
+TEST_F(TableEditing, TellsTheResponderBeforeTheFocusLeaves) {
+  open(1, 0);
+  type("x");
+  take();
+  click(*other);
+  EXPECT_EQ(take(), (Log{"resign x", "end 6 1,0 x"}));
+  EXPECT_FALSE(isOpen());
+  EXPECT_TRUE(other->hasFocus());
+
+  widget->setFocus();
+  open(1, 0);
+  press(Qt::Key_Return);
+  EXPECT_EQ(take(), Log{});
+  press(Qt::Key_Tab);
+  EXPECT_TRUE(other->hasFocus());
+  EXPECT_EQ(take(), Log{"resign"});
+}
+
+TEST_F(TableEditing, StaysOpenUnderAnInactiveWindowAMenuOrAButton) {
+  open(1, 0);
+  type("x");
+  take();
+  QWidget second;
+  show(second, {80, 60});
+  EXPECT_TRUE(isOpen());
+  second.close();
+  window.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  QMenu menu;
+  menu.addAction("Item");
+  menu.popup(window.pos());
+  settle();
+  menu.close();
+  click(*button);
+  EXPECT_TRUE(isOpen());
+  EXPECT_TRUE(editor().hasFocus());
+  EXPECT_EQ(take(), Log{});
+  EXPECT_EQ(cell(1, 0).stringValue(), "x");
+}
+
+TEST_F(TableEditing, EscapePutsTheModelsTextBackUntold) {
+  open(1, 0);
+  type("x");
+  press(Qt::Key_Return);
+  open(1, 0);
+  type("y");
+  take();
+  press(Qt::Key_Escape);
+  EXPECT_EQ(take(), Log{});
+  EXPECT_FALSE(isOpen());
+  EXPECT_EQ(cell(1, 0).stringValue(), "name1");
+  EXPECT_TRUE(cell(1, 0).isEditable());
+  EXPECT_TRUE(widget->hasFocus());
+}
+
+TEST_F(TableEditing, TabGoesThroughColumnsAndRows) {
+  table.selectRowIndexes({1}, false);
+  open(1, 0);
+  type("x");
+  take();
+  press(Qt::Key_Tab);
+  EXPECT_EQ(take(), (Log{"end 6 1,0 x", "open 1,1"}));
+  press(Qt::Key_Tab);
+  EXPECT_EQ(take(), (Log{"changing 2", "changed 2", "open 2,0"}));
+  press(Qt::Key_Backtab);
+  EXPECT_EQ(take(), (Log{"changing 1", "changed 1", "open 1,1"}));
+  EXPECT_TRUE(editor().hasFocus());
+
+  table.scrollRowToVisible(99);
+  open(99, 1);
+  press(Qt::Key_Tab);
+  EXPECT_FALSE(isOpen());
+  EXPECT_TRUE(widget->hasFocus());
+}
+
+TEST_F(TableEditing, EnterAndF2OpenTheFirstCellOfTheSelectedRow) {
+  widget->setFocus();
+  press(Qt::Key_F2);
+  EXPECT_EQ(take(), Log{});
+  table.selectRowIndexes({50}, false);
+  take();
+  press(Qt::Key_F2);
+  EXPECT_EQ(take(), Log{"open 50,0"});
+  EXPECT_TRUE(cells().rect().contains(editor().geometry()));
+  press(Qt::Key_Return);
+  EXPECT_FALSE(isOpen());
+  press(Qt::Key_Return);
+  EXPECT_TRUE(isOpen());
+  EXPECT_EQ(take(), Log{"open 50,0"});
+}
+
+TEST_F(TableEditing, ClickEndsTheEditBeforeItChangesTheSelection) {
+  open(1, 0);
+  type("x");
+  take();
+  click(cells(), at(3, 0));
+  EXPECT_EQ(take(), (Log{"end 6 1,0 x", "changing 3", "changed 3", "mouse 3,0"}));
+  EXPECT_FALSE(isOpen());
+}
+
+TEST_F(TableEditing, ClickOnAnEditableCellOpensItSelectsItsRowAndIsTold) {
+  click(cells(), at(2, 1));
+  EXPECT_EQ(take(), (Log{"changing 2", "changed 2", "mouse 2,1"}));
+  ASSERT_TRUE(isOpen());
+  type("5");
+  EXPECT_EQ(cell(2, 1).stringValue(), "5");
+  click(editor());
+  EXPECT_EQ(take(), Log{"begin 7"});
+  EXPECT_TRUE(isOpen());
+  click(cells(), at(4, 1));
+  EXPECT_EQ(take(), (Log{"end 7 2,1 5", "changing 4", "changed 4", "mouse 4,1"}));
+  EXPECT_EQ(editor().geometry(), widget->cellRect(4, 1));
+}
+
+TEST_F(TableEditing, TextSetByCodeMakesTheEditUnchanged) {
+  open(1, 0);
+  type("x");
+  cell(1, 0).setStringValue("set");
+  EXPECT_FALSE(cell(1, 0).isEdited());
+  EXPECT_EQ(cell(1, 0).stringValue(), "set");
+  take();
+  press(Qt::Key_Return);
+  EXPECT_EQ(take(), Log{});
+  EXPECT_EQ(cell(1, 0).stringValue(), "set");
+}
+
+TEST_F(TableEditing, FormatterRefusesKeystrokes) {
+  open(1, 0);
+  press(Qt::Key_Return);
+  cell(1, 0).setFormatter(std::make_unique<DigitsOnly>());
+  cell(1, 0).setStringValue("no digits");
+  open(1, 0);
+  EXPECT_EQ(cell(1, 0).stringValue(), "no digits");
+  type("1a2");
+  EXPECT_EQ(cell(1, 0).stringValue(), "12");
+  press(Qt::Key_Return);
+  open(2, 0);
+  type("free");
+  EXPECT_EQ(cell(2, 0).stringValue(), "free");
+}
+
+TEST_F(TableEditing, ReloadDropsAnOpenEditUntold) {
+  open(1, 0);
+  type("x");
+  take();
+  table.reloadDataForRowIndexes({1}, {1});
+  EXPECT_TRUE(isOpen());
+  table.reloadDataForRowIndexes({1}, {0});
+  EXPECT_FALSE(isOpen());
+  EXPECT_EQ(cell(1, 0).stringValue(), "name1");
+  EXPECT_FALSE(cell(1, 0).isEditable());
+  EXPECT_TRUE(widget->hasFocus());
+
+  open(1, 0);
+  type("x");
+  take();
+  table.reloadData();
+  EXPECT_FALSE(isOpen());
+  EXPECT_EQ(cell(1, 0).stringValue(), "name1");
+  EXPECT_EQ(take(), Log{});
+}
+
+TEST_F(TableEditing, TheOpenCellKeepsItsViewOutOfSight) {
+  open(1, 0);
+  type("x");
+  widget->verticalScrollBar()->setValue(widget->verticalScrollBar()->maximum());
+  settle();
+  EXPECT_EQ(table.rowsWithViews().front(), 1);
+  EXPECT_TRUE(editor().hasFocus());
+  EXPECT_FALSE(cells().rect().intersects(editor().geometry()));
+  type("y");
+  EXPECT_EQ(cell(1, 0).stringValue(), "xy");
+  take();
+  press(Qt::Key_Return);
+  EXPECT_EQ(take(), Log{"end 6 1,0 xy"});
+}
+
+TEST_F(TableEditing, AnotherCellOpenedByCodeEndsTheFirst) {
+  open(1, 0);
+  type("x");
+  take();
+  open(2, 1);
+  EXPECT_EQ(take(), Log{"end 6 1,0 x"});
+  EXPECT_TRUE(cell(2, 1).stringValue() == "12" && editor().hasFocus());
+}
+
+TEST_F(TableEditing, SurvivesATableThatGoesInItsOwnMessage) {
+  struct Closer final : NSTextFieldDelegate {
+    void controlTextDidBeginEditing(int) override {}
+    void controlTextDidEndEditing(const TextEdit&) override { widget->deleteLater(); }
+    TableViewWidget* widget = nullptr;
+  } closer;
+  closer.widget = widget;
+  open(1, 0);
+  cell(1, 0).setDelegate(&closer);
+  type("x");
+  press(Qt::Key_Return);
+  settle();
+}
+
+}  // namespace
+}  // namespace tarn::test

@@ -1,0 +1,252 @@
+#include "tests/appkit/TableFixture.h"
+
+#include "platform/appkit/CellText.h"
+#include "platform/appkit/NSMenu.h"
+
+#include <QAccessible>
+#include <QContextMenuEvent>
+#include <QFontMetrics>
+#include <QMenu>
+#include <QTest>
+
+#include <memory>
+
+namespace tarn::test {
+namespace {
+
+class TableView : public TableFixture {};
+
+TEST_F(TableView, MakesCellsForTheRowsInSightOnly) {
+  fill(10'000'000);
+  const std::size_t inSight = static_cast<std::size_t>(cells().height() / 18 + 2);
+  EXPECT_LE(table.rowsWithViews().size(), inSight);
+  EXPECT_EQ(table.rowsWithViews().front(), 0);
+  EXPECT_LE(fills, static_cast<int>(2 * inSight));
+  EXPECT_EQ(cell(0, 0).stringValue(), "name0");
+  EXPECT_EQ(table.viewAtColumn(0, 5'000'000, false), nullptr);
+
+  cell(0, 0).setEditable(true);
+  cell(0, 0).setTag(6);
+  cell(0, 0).setToolTip("tip");
+  table.scrollRowToVisible(9'999'999);
+  settle();
+  EXPECT_EQ(table.rowsWithViews().back(), 9'999'999);
+  EXPECT_LE(table.rowsWithViews().size(), inSight);
+  EXPECT_EQ(cell(9'999'999, 0).stringValue(), "name9999999");
+  click(cells(), at(9'999'999, 0));
+  EXPECT_EQ(table.selectedRow(), 9'999'999);
+
+  table.scrollRowToVisible(0);
+  EXPECT_FALSE(cell(0, 0).isEditable());
+  EXPECT_EQ(cell(0, 0).toolTip(), "");
+}
+
+TEST_F(TableView, MakesACellOutOfSightOnDemand) {
+  fill(1000);
+  NSTableCellView* far = table.viewAtColumn(1, 500, true);
+  ASSERT_NE(far, nullptr);
+  EXPECT_EQ(far->stringValue(), "1500");
+  EXPECT_EQ(table.rowsWithViews().back(), 500);
+  table.scrollRowToVisible(500);
+  EXPECT_EQ(table.viewAtColumn(1, 500, false), far);
+  EXPECT_EQ(table.viewAtColumn(1, 1000, true), nullptr);
+  EXPECT_EQ(table.viewAtColumn(2, 0, true), nullptr);
+  EXPECT_EQ(table.viewAtColumn(0, -1, true), nullptr);
+}
+
+TEST_F(TableView, ReloadKeepsTheValidSelectionAndTellsNobody) {
+  fill(50);
+  table.selectRowIndexes({9}, false);
+  take();
+  texts[{0, 0}] = "new";
+  fill(10);
+  EXPECT_EQ(cell(0, 0).stringValue(), "new");
+  EXPECT_EQ(table.selectedRow(), 9);
+  fill(9);
+  EXPECT_EQ(table.selectedRow(), -1);
+  fill(0);
+  EXPECT_TRUE(table.rowsWithViews().empty());
+  EXPECT_EQ(take(), Log{});
+}
+
+TEST_F(TableView, ReloadsSingleCells) {
+  fill(5);
+  for (int row = 0; row < 2; ++row)
+    texts[{row, 0}] = texts[{row, 1}] = "changed";
+  table.reloadDataForRowIndexes({1, 99}, {1, 99});
+  EXPECT_EQ(cell(1, 1).stringValue(), "changed");
+  EXPECT_EQ(cell(1, 0).stringValue(), "name1");
+  EXPECT_EQ(cell(0, 1).stringValue(), "10");
+}
+
+TEST_F(TableView, TellsEachChangeOfTheSelectionOnce) {
+  fill(100);
+  table.selectRowIndexes({3}, false);
+  EXPECT_EQ(take(), Log{"changed 3"});
+  table.selectRowIndexes({3}, true);
+  EXPECT_EQ(take(), Log{});
+  table.selectRowIndexes({4}, true);
+  EXPECT_EQ(take(), Log{"changed 4"});
+  EXPECT_EQ(table.selectedRowIndexes(), std::vector<int>{4});
+  table.selectRowIndexes({100}, true);
+  EXPECT_EQ(take(), Log{});
+  table.deselectAll();
+  EXPECT_EQ(take(), Log{"changed -1"});
+
+  click(cells(), at(2, 0));
+  EXPECT_EQ(take(), (Log{"changing 2", "changed 2", "mouse 2,0"}));
+  click(cells(), at(2, 0));
+  EXPECT_EQ(take(), Log{"mouse 2,0"});
+  click(cells(), at(2, 0), Qt::LeftButton, Qt::ControlModifier);
+  EXPECT_EQ(take(), (Log{"changing -1", "changed -1", "mouse 2,0"}));
+}
+
+TEST_F(TableView, MovesTheSelectionByKeyboard) {
+  fill(100);
+  widget->setFocus();
+  press(Qt::Key_Down);
+  press(Qt::Key_Down);
+  press(Qt::Key_Up);
+  press(Qt::Key_Up);
+  EXPECT_EQ(take(), (Log{"changing 0", "changed 0", "changing 1", "changed 1", "changing 0", "changed 0"}));
+  press(Qt::Key_End);
+  EXPECT_EQ(take(), (Log{"changing 99", "changed 99"}));
+  EXPECT_EQ(table.rowsWithViews().back(), 99);
+  press(Qt::Key_PageUp);
+  EXPECT_LT(table.selectedRow(), 99);
+  press(Qt::Key_Home);
+  EXPECT_EQ(table.selectedRow(), 0);
+  fill(0);
+  take();
+  press(Qt::Key_Down);
+  EXPECT_EQ(take(), Log{});
+}
+
+TEST_F(TableView, TellsPressesBesideTheCells) {
+  fill(2);
+  click(cells(), QPoint(30, 100));
+  EXPECT_EQ(take(), Log{"mouse -1,-1"});
+  EXPECT_EQ(table.selectedRow(), -1);
+}
+
+TEST_F(TableView, RightClickSelectsTheRowAndOpensTheMenu) {
+  auto menu = std::make_shared<NSMenu>("Rows");
+  menu->addItem("Add Row", [this] { log.push_back("add"); });
+  table.setMenu(menu);
+  fill(5);
+  for (const QPoint place : {at(3, 0), QPoint(30, 150)}) {
+    QTest::mousePress(&cells(), Qt::RightButton, {}, place);
+    QContextMenuEvent event(QContextMenuEvent::Mouse, place, cells().mapToGlobal(place));
+    QApplication::sendEvent(&cells(), &event);
+    auto* opened = dynamic_cast<QMenu*>(openPopUp());
+    ASSERT_NE(opened, nullptr);
+    EXPECT_EQ(table.selectedRow(), 3);
+    opened->actions().front()->trigger();
+    opened->close();
+    settle();
+  }
+  EXPECT_EQ(take(), (Log{"changing 3", "changed 3", "add", "add"}));
+}
+
+TEST_F(TableView, ColumnsHaveTheirWidthsAndLimits) {
+  EXPECT_EQ(table.numberOfColumns(), 2);
+  EXPECT_EQ(table.tableColumn(1).identifier(), "scoreColumn");
+  const double usable = cells().width();
+  table.tableColumn(0).setMaxWidth(280);
+  table.tableColumn(0).setWidth(280);
+  table.tableColumn(1).setMaxWidth(120);
+  table.tableColumn(1).setWidth(120);
+  EXPECT_EQ(table.tableColumn(0).width(), 280);
+  EXPECT_EQ(table.tableColumn(1).width(), 120);
+  EXPECT_EQ(widget->header().sectionSize(0), 280);
+  EXPECT_EQ(widget->header().length(), usable);
+
+  widget->header().resizeSection(0, 350);
+  EXPECT_EQ(table.tableColumn(0).width(), 280);
+  widget->header().resizeSection(0, 100);
+  EXPECT_EQ(table.tableColumn(0).width(), 100);
+  EXPECT_EQ(widget->header().length(), usable);
+
+  table.tableColumn(0).setWidth(-5);
+  EXPECT_EQ(table.tableColumn(0).width(), -5);
+  table.tableColumn(0).setHeaderToolTip("Count Shown:5");
+  EXPECT_EQ(table.tableColumn(0).headerToolTip(), "Count Shown:5");
+  EXPECT_EQ(widget->header().model()->headerData(0, Qt::Horizontal, Qt::ToolTipRole).toString(), "Count Shown:5");
+  EXPECT_EQ(widget->header().model()->headerData(1, Qt::Horizontal).toString(), "Score");
+}
+
+TEST_F(TableView, CellsKeepTheExactText) {
+  using namespace std::string_literals;
+  const std::string text =
+      "\xEF\xBB\xBF"
+      "a\r\n\t\0b\xC2\xA0\xE2\x80\xA8\xEF\xB7\x90\xEF\xBF\xBC\xF0\x9F\x98\x80"s;
+  texts[{0, 0}] = text;
+  fill(1);
+  EXPECT_EQ(cell(0, 0).stringValue(), text);
+  open(0, 0);
+  EXPECT_EQ(cell(0, 0).stringValue(), text);
+  press(Qt::Key_End);
+  type("!");
+  press(Qt::Key_Return);
+  EXPECT_EQ(cell(0, 0).stringValue(), text + "!");
+}
+
+TEST(CellText, PaintsNoMoreThanFits) {
+  const QFontMetrics metrics{QFont()};
+  const std::string huge(100'000'000, 'x');
+  const QString shown = elidedLine(huge, metrics, 300);
+  EXPECT_LE(metrics.horizontalAdvance(shown), 300);
+  EXPECT_TRUE(shown.endsWith(QChar(0x2026)));
+
+  // Characters without a width fill no line, and still end.
+  std::string marks = "a";
+  for (int count = 0; count < 100'000; ++count)
+    marks += "\xCC\x81";
+  EXPECT_LT(elidedLine(marks, metrics, 300).size(), 1000);
+
+  EXPECT_EQ(elidedLine("short", metrics, 300), "short");
+  EXPECT_FALSE(elidedLine("a\nb\tc", metrics, 300).contains('\n'));
+  EXPECT_EQ(elidedLine("text", metrics, 0), "");
+  EXPECT_EQ(utf8Prefix("a\xE4\xB8\xAD", 3), "a");
+  EXPECT_EQ(utf8Prefix("a\xE4\xB8\xAD", 4), "a\xE4\xB8\xAD");
+}
+
+TEST_F(TableView, ScreenReadersFindRowsAndCells) {
+  fill(1000);
+  QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(widget);
+  ASSERT_NE(interface, nullptr);
+  EXPECT_EQ(interface->role(), QAccessible::Table);
+  QAccessibleTableInterface* spoken = interface->tableInterface();
+  ASSERT_NE(spoken, nullptr);
+  EXPECT_EQ(spoken->rowCount(), 1000);
+  EXPECT_EQ(spoken->columnDescription(1), "Score");
+  EXPECT_EQ(spoken->cellAt(0, 0)->text(QAccessible::Name), "name0");
+  EXPECT_EQ(spoken->cellAt(700, 1)->text(QAccessible::Name), "1700");
+  EXPECT_EQ(spoken->cellAt(1000, 0), nullptr);
+  EXPECT_EQ(interface->indexOfChild(interface->child(3)), 3);
+  EXPECT_TRUE(spoken->selectRow(4));
+  EXPECT_EQ(table.selectedRow(), 4);
+  EXPECT_TRUE(spoken->cellAt(4, 1)->state().selected);
+  EXPECT_FALSE(spoken->cellAt(5, 1)->state().selected);
+}
+
+TEST_F(TableView, ShowsRowsAndPlaceholder) {
+  table.setPlaceholderString("Select a key on the left to see its value.");
+  grab(window, "table-empty");
+  texts[{1, 0}] = "line\nfeed\ttab \xE4\xB8\xAD\xE6\x96\x87\xE5\xAD\x97\xE7\xAC\xA6 \xE3\x81\xB2\xE3\x82\x89 gjpqy";
+  texts[{2, 0}] = std::string(5000, 'w');
+  texts[{3, 0}] = "\xF0\x9F\x98\x80 \xD7\xA9\xD7\x9C\xD7\x95\xD7\x9D \xD8\xB3\xD9\x84\xD8\xA7\xD9\x85";
+  fill(40);
+  click(cells(), at(2, 0));
+  grab(window, "table");
+  open(4, 0);
+  type("typed text");
+  grab(window, "table-open");
+  useDarkPalette(true);
+  click(cells(), at(3, 0));
+  grab(window, "table-dark");
+  useDarkPalette(false);
+}
+
+}  // namespace
+}  // namespace tarn::test
