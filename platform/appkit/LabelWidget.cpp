@@ -1,9 +1,12 @@
 #include "platform/appkit/LabelWidget.h"
 
+#include <QFontMetricsF>
 #include <QHelpEvent>
 #include <QPainter>
 #include <QStyle>
 #include <QStyleOption>
+
+#include <cmath>
 
 #include "platform/appkit/DisplayText.h"
 #include "platform/appkit/ToolTips.h"
@@ -11,6 +14,11 @@
 namespace tarn {
 
 namespace {
+
+// A fraction of a pixel too little and the text would be cut.
+int widthOf(const QString& text, const QFont& font) {
+  return static_cast<int>(std::ceil(QFontMetricsF(font).horizontalAdvance(text)));
+}
 
 // More than any screen shows of one line.
 constexpr qsizetype longestShown = 2000;
@@ -29,7 +37,7 @@ QSize LabelWidget::sizeHint() const {
   if (wordWrap()) return QLabel::sizeHint();
   const QMargins edges = contentsMargins();
   const int around = 2 * (margin() + frameWidth());
-  return {fontMetrics().horizontalAdvance(shownText()) + edges.left() + edges.right() + around,
+  return {widthOf(shownText(), font()) + edges.left() + edges.right() + around,
           fontMetrics().height() + edges.top() + edges.bottom() + around};
 }
 
@@ -40,7 +48,7 @@ QSize LabelWidget::minimumSizeHint() const {
 }
 
 bool LabelWidget::isElided() const {
-  return !wordWrap() && fontMetrics().horizontalAdvance(shownText()) > contentsRect().width() - 2 * margin();
+  return !wordWrap() && widthOf(shownText(), font()) > contentsRect().width() - 2 * margin();
 }
 
 bool LabelWidget::event(QEvent* event) {

@@ -59,6 +59,8 @@ public:
   // The position nearest to a point of the widget.
   virtual std::size_t positionAt(const QPoint& point) const = 0;
 
+  QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
+
   bool canUndo() const { return history_.canUndo(); }
   bool canRedo() const { return history_.canRedo(); }
 
@@ -107,7 +109,6 @@ protected:
   void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
   void inputMethodEvent(QInputMethodEvent* event) override;
-  QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dragMoveEvent(QDragMoveEvent* event) override;
   void dropEvent(QDropEvent* event) override;

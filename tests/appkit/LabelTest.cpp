@@ -1,0 +1,50 @@
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QHelpEvent>
+#include <QToolTip>
+
+#include "platform/appkit/LabelWidget.h"
+#include "platform/appkit/NSTextField.h"
+#include "platform/appkit/Utf8.h"
+#include "tests/appkit/ExactTexts.h"
+#include "tests/support/widgets/Hand.h"
+
+namespace tarn::test {
+
+namespace {
+
+QString toolTipOf(QWidget& widget) {
+  QToolTip::hideText();
+  QHelpEvent event(QEvent::ToolTip, QPoint(5, 5), widget.mapToGlobal(QPoint(5, 5)));
+  QCoreApplication::sendEvent(&widget, &event);
+  return QToolTip::text();
+}
+
+}  // namespace
+
+TEST(Label, KeepsItsTextExactAndElidesIt) {
+  QWidget window;
+  auto* widget = new LabelWidget(&window);
+  NSTextField label(widget);
+  label.setAccessibilityLabel("Status");
+  show(window, QSize(200, 60));
+  widget->resize(200, 20);
+
+  label.setStringValue(toUtf8(allTreacherousTexts()));
+  EXPECT_EQ(label.stringValue(), toUtf8(allTreacherousTexts()));
+  label.setStringValue("short");
+  EXPECT_EQ(toolTipOf(*widget), QString());
+  label.setStringValue("<b>" + std::string(5000, 'l') + "</b>");
+  EXPECT_TRUE(toolTipOf(*widget).contains(QStringLiteral("&lt;b&gt;lll")));
+  EXPECT_LT(toolTipOf(*widget).size(), 3000);
+  label.setToolTip("its own <i>");
+  EXPECT_TRUE(toolTipOf(*widget).contains(QStringLiteral("its own &lt;i&gt;")));
+  EXPECT_EQ(label.toolTip(), "its own <i>");
+  EXPECT_EQ(label.accessibilityLabel(), "Status");
+  label.setStringValue(std::string(50 << 20, 'l'));
+  EXPECT_FALSE(widget->grab().isNull());
+  EXPECT_LT(widget->minimumSizeHint().width(), 200);
+}
+
+}  // namespace tarn::test
