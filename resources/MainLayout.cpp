@@ -9,8 +9,9 @@ struct MainLayout::Widgets {
   Widgets() {
     ui.setupUi(&window);
     ui.mainSplitter->setSizes({264, 916});
-    ui.mainSplitter->setStretchFactor(0, 0);
-    ui.mainSplitter->setStretchFactor(1, 1);
+    ui.mainSplitter->setStretchFactor(0, 1);
+    ui.mainSplitter->setStretchFactor(1, 3);
+    ui.serverSelection->setFocus();
   }
 
   QMainWindow window;

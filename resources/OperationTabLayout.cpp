@@ -30,8 +30,8 @@ struct OperationTabLayout::Widgets {
     ui.setupUi(root);
     useMonospacedFace(ui);
     ui.browserSplitter->setSizes({272, 644});
-    ui.browserSplitter->setStretchFactor(0, 0);
-    ui.browserSplitter->setStretchFactor(1, 1);
+    ui.browserSplitter->setStretchFactor(0, 1);
+    ui.browserSplitter->setStretchFactor(1, 3);
     ui.consoleSplitter->setSizes({520, 160});
     ui.consoleSplitter->setStretchFactor(0, 1);
     ui.consoleSplitter->setStretchFactor(1, 0);

@@ -62,8 +62,10 @@ void NSTabView::addTabViewItem(std::shared_ptr<NSTabViewItem> item) {
   item->tabView_ = this;
   d_->items.push_back(item);
   d_->changing = true;
+  // The bar tells nobody of its new size while it isn't on screen.
   const int index = d_->bar().addTab(literalLabel(item->label()));
   d_->changing = false;
+  d_->bar().updateGeometry();
   d_->bar().setTabToolTip(index, toQString(item->toolTip()));
   if (QWidget* page = d_->page(index)) d_->widget->addPage(page);
   if (d_->items.size() == 1) d_->select(0);
@@ -80,6 +82,7 @@ void NSTabView::removeTabViewItem(const std::shared_ptr<NSTabViewItem>& item) {
   // While the bar removes a tab it asks for the sizes of all it still has.
   d_->bar().removeTab(index);
   d_->changing = false;
+  d_->bar().updateGeometry();
   d_->items.erase(d_->items.begin() + index);
   if (page) d_->widget->removePage(page);
   d_->widget->showPage(d_->page(d_->bar().currentIndex()));
