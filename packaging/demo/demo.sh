@@ -38,7 +38,7 @@ fillServer() {
 startServer
 fillServer
 export XDG_DATA_HOME=$folder/data
-build/release/packaging/tarn_demo_favourite "Demo" 127.0.0.1 "$port"
+QT_QPA_PLATFORM=offscreen build/release/packaging/tarn_demo_favourite "Demo" 127.0.0.1 "$port"
 
 if [[ -n ${DISPLAY:-}${WAYLAND_DISPLAY:-} ]]; then
   build/release/tarn
