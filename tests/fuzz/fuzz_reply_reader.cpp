@@ -23,7 +23,7 @@ struct Reading {
 
 Reading read(std::string_view stream, std::size_t arrival) {
   test::MemoryCalls calls(stream, arrival);
-  const auto socket = calls.socket();
+  const auto socket = calls.makeSocket();
   Reading reading;
   {
     ReplyReader reader(*socket);

@@ -23,7 +23,7 @@ public:
   // What nobody has taken.
   std::string_view rest() const { return rest_; }
 
-  std::shared_ptr<Socket> socket() { return std::make_shared<Socket>(::open("/dev/null", O_RDWR | O_CLOEXEC), *this); }
+  std::shared_ptr<Socket> makeSocket() { return std::make_shared<Socket>(::open("/dev/null", O_RDWR | O_CLOEXEC), *this); }
 
   ssize_t receive(int, void* bytes, std::size_t count, int flags) override {
     const std::string_view part = rest_.substr(0, std::min(count, arrival_));

@@ -20,7 +20,7 @@ struct Reading {
 
 Reading read(std::string_view stream, std::size_t arrival = static_cast<std::size_t>(-1)) {
   MemoryCalls calls(stream, arrival);
-  const auto socket = calls.socket();
+  const auto socket = calls.makeSocket();
   Reading reading;
   {
     ReplyReader reader(*socket);
