@@ -1,6 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <clocale>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <set>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -64,6 +69,31 @@ TEST(NSLocalizedString, IsItsOwnKeyAndTakesValuesAsPlainText) {
   EXPECT_EQ(localizedString(""), "");
   EXPECT_EQ(replacingPlaceholder("{0} and {0}, {1}", "{0}", "$1 {0} \\"), "$1 {0} \\ and $1 {0} \\, {1}");
   EXPECT_EQ(replacingPlaceholder("nothing here", "{0}", "x"), "nothing here");
+}
+
+TEST(NSLocalizedString, SpeaksTheLanguageOfTheDesktop) {
+  const auto folder = std::filesystem::path(testing::TempDir()) / ("tarn-texts-" + NSUUID().uuidString());
+  const auto messages = folder / "eo" / "LC_MESSAGES";
+  std::filesystem::create_directories(messages);
+  std::ofstream(messages / "tarn.po") << R"(msgid ""
+msgstr "Content-Type: text/plain; charset=UTF-8\n"
+msgid "Saved."
+msgstr "Konservita ĉi tie."
+)";
+  const std::string command = "msgfmt -o '" + (messages / "tarn.mo").string() + "' '" + (messages / "tarn.po").string();
+  ASSERT_EQ(std::system((command + "'").c_str()), 0);
+  setenv("LC_ALL", "C.UTF-8", 1);
+  setenv("LANGUAGE", "eo", 1);
+  useTranslations(folder.string());
+  EXPECT_EQ(localizedString("Saved."), "Konservita ĉi tie.");
+  EXPECT_EQ(localizedString("Not in the catalogue"), "Not in the catalogue");
+  EXPECT_EQ(localizedString(""), "");
+  unsetenv("LANGUAGE");
+  unsetenv("LC_ALL");
+  useTranslations("/nowhere");
+  std::setlocale(LC_ALL, "C");
+  EXPECT_EQ(localizedString("Saved."), "Saved.");
+  std::filesystem::remove_all(folder);
 }
 
 TEST(Log, WritesWholeLinesFromManyThreads) {
