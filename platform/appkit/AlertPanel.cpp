@@ -6,7 +6,6 @@
 #include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/NSRunLoop.h"
 
-#include <QAbstractTextDocumentLayout>
 #include <QDialog>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -17,6 +16,7 @@
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextLayout>
+#include <QTextOption>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -65,12 +65,19 @@ public:
   }
 
 private:
+  // The widget's own layout knows its width only once it is on the screen.
   int fittingHeight() const {
-    document()->setTextWidth(textWidth);
+    QTextOption wrapping;
+    wrapping.setWrapMode(wordWrapMode());
     int lines = 0;
     for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
-      document()->documentLayout()->blockBoundingRect(block);
-      lines += std::max(block.layout()->lineCount(), 1);
+      QTextLayout layout(block.text(), font());
+      layout.setTextOption(wrapping);
+      layout.beginLayout();
+      for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine())
+        line.setLineWidth(textWidth);
+      layout.endLayout();
+      lines += std::max(layout.lineCount(), 1);
     }
     const int height = lines * fontMetrics().lineSpacing() + 2;
     return std::min(height, tallestText);

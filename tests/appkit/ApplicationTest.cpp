@@ -16,6 +16,7 @@
 #include <QKeyEvent>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTest>
 #include <QVBoxLayout>
 
@@ -253,6 +254,17 @@ TEST_F(Alert, ShowsAUsersTextAsItIsAndStaysOnTheScreen) {
     press(Qt::Key_Return);
   });
   runAlert(text);
+}
+
+TEST_F(Alert, IsAsHighAsItsMessage) {
+  std::string sentences;
+  for (int sentence = 0; sentence < 12; ++sentence)
+    sentences += "There is one more sentence to read here. ";
+  whenModal([&](QWidget& panel) {
+    EXPECT_EQ(panel.findChild<QPlainTextEdit*>()->verticalScrollBar()->maximum(), 0);
+    press(Qt::Key_Return);
+  });
+  runAlert(sentences);
 }
 
 TEST_F(Alert, ClosesAnOpenMenuFirst) {
