@@ -165,7 +165,7 @@ void OutlineViewWidget::selectByHand(const NSItem& item, Qt::KeyboardModifiers m
 }
 
 void OutlineViewWidget::selectRange(const NSItem& from, const NSItem& to) {
-  const auto [first, last] = std::minmax(items_->rowForItem(from), items_->rowForItem(to));
+  const auto [first, last] = std::minmax({items_->rowForItem(from), items_->rowForItem(to)});
   std::vector<int> rows;
   for (int row = first; row <= last; ++row)
     rows.push_back(row);

@@ -311,7 +311,8 @@ void TableViewWidget::showCellsInSight() {
 }
 
 void TableViewWidget::placeEditor() {
-  if (editor_.isOpen()) editor_.setGeometry(cellRect(editor_.row(), editor_.column()));
+  // Its text stands where the cell's does, inside the frame that is painted around an open cell.
+  if (editor_.isOpen()) editor_.setGeometry(cellRect(editor_.row(), editor_.column()).adjusted(2, 1, -2, -1));
 }
 
 void TableViewWidget::paintEvent(QPaintEvent* event) {
@@ -340,6 +341,12 @@ void TableViewWidget::paintRow(QPainter& painter, int row) const {
     const QRect place = cellRect(row, column);
     if (column > 0) painter.fillRect(place.x() - 1, place.y(), 1, rowHeight, separator);
     const TableCell* cell = cells_.at(row, column);
+    if (cell && editor_.isOpen(*cell)) {
+      painter.fillRect(place, palette().base());
+      painter.setPen(palette().color(QPalette::Active, QPalette::Highlight));
+      painter.drawRect(place.adjusted(0, 0, -2, -1));
+      continue;
+    }
     if (!cell || cell->text().empty()) continue;
     painter.setPen(palette().color(group, selected ? QPalette::HighlightedText : QPalette::Text));
     painter.setClipRect(place);

@@ -28,7 +28,7 @@ TEST_F(TableEditing, OpensAnEditableCellWithAllItsTextSelected) {
   open(1, 0);
   ASSERT_TRUE(isOpen());
   EXPECT_TRUE(editor().hasFocus());
-  EXPECT_EQ(editor().geometry(), widget->cellRect(1, 0));
+  EXPECT_TRUE(widget->cellRect(1, 0).contains(editor().geometry()));
   type("ab");
   EXPECT_EQ(cell(1, 0).stringValue(), "ab");
   EXPECT_TRUE(cell(1, 0).isEdited());
@@ -165,7 +165,7 @@ TEST_F(TableEditing, ClickOnAnEditableCellOpensItSelectsItsRowAndIsTold) {
   EXPECT_TRUE(isOpen());
   click(cells(), at(4, 1));
   EXPECT_EQ(take(), (Log{"end 7 2,1 5", "changing 4", "changed 4", "mouse 4,1"}));
-  EXPECT_EQ(editor().geometry(), widget->cellRect(4, 1));
+  EXPECT_TRUE(widget->cellRect(4, 1).contains(editor().geometry()));
 }
 
 TEST_F(TableEditing, TextSetByCodeMakesTheEditUnchanged) {
