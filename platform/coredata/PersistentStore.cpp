@@ -69,6 +69,7 @@ std::optional<std::vector<PersistentStore::Row>> PersistentStore::rows(const NSE
   int result = SQLITE_ROW;
   while ((result = select.step()) == SQLITE_ROW) {
     Row row{select.integer(0), {}};
+    row.values.reserve(entity.attributes.size());
     for (const NSAttributeDescription& attribute : entity.attributes) {
       row.values.push_back(select.value(static_cast<int>(row.values.size()) + 1, attribute.type));
     }

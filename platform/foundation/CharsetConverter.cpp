@@ -5,6 +5,7 @@
 #include <array>
 #include <cerrno>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -37,7 +38,7 @@ public:
   }
 
 private:
-  bool isOpen() const { return descriptor_ != reinterpret_cast<iconv_t>(failed); }
+  bool isOpen() const { return reinterpret_cast<std::uintptr_t>(descriptor_) != static_cast<std::uintptr_t>(-1); }
 
   bool convertAll(std::string_view input, std::string_view passingCharacters, std::string& output) {
     // iconv takes its input through a pointer to characters that it doesn't change.

@@ -80,6 +80,7 @@ std::string charsetName(CharsetEnum charset) {
 
 std::vector<std::string> charsetNames() {
   std::vector<std::string> names;
+  names.reserve(namedCharsets.size());
   for (const NamedCharset& named : namedCharsets)
     names.emplace_back(named.name);
   return names;
