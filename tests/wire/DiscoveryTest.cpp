@@ -82,6 +82,7 @@ TEST_F(Discovery, StandsBackWhileTheQueueHasOtherWork) {
   client->infoFromServerMain();
   waitUntil([&] { return client->operationQueue().operationCount() == 1; });
   done = true;
+  waitUntil([&] { return client->operationQueue().operationCount() == 0; });
   client->closeConnection();
   EXPECT_EQ(peer.received().front(), "");
 }
