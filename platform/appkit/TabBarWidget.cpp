@@ -18,6 +18,7 @@ constexpr int barHeight = 32;
 constexpr int padding = 12;  // on each side of a label
 constexpr int gap = 2;       // between two tabs
 constexpr int lowered = 4;   // how much lower a tab stands that isn't selected
+constexpr int base = 2;      // the line below the tabs
 constexpr int widest = 240;
 constexpr double corner = 5.0;
 constexpr double leastContrast = 4.6;
@@ -75,6 +76,8 @@ void TabBarWidget::paintEvent(QPaintEvent*) {
   painter.setRenderHint(QPainter::Antialiasing);
   for (int index = 0; index < count(); ++index)
     paintTab(painter, index);
+  // What the selected tab stands on joins it to its page.
+  if (count() > 0) painter.fillRect(0, height() - base, width(), base, fill(true));
 }
 
 void TabBarWidget::paintTab(QPainter& painter, int index) const {
