@@ -1,10 +1,10 @@
 #include "platform/appkit/AccessibleText.h"
 
-#include <QAccessible>
-#include <QAccessibleWidget>
-
 #include "platform/appkit/TextFieldWidget.h"
 #include "platform/appkit/TextInputWidget.h"
+
+#include <QAccessible>
+#include <QAccessibleWidget>
 
 namespace tarn {
 

@@ -3,6 +3,7 @@
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QPalette>
+
 #include <algorithm>
 #include <cmath>
 

@@ -6,6 +6,7 @@
 #include <QPalette>
 #include <QString>
 #include <QTextLayout>
+
 #include <list>
 #include <memory>
 #include <optional>

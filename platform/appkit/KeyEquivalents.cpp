@@ -1,10 +1,10 @@
 #include "platform/appkit/KeyEquivalents.h"
 
-#include <QKeyEvent>
-#include <QWidget>
-
 #include "platform/appkit/TextInputWidget.h"
 #include "platform/foundation/Log.h"
+
+#include <QKeyEvent>
+#include <QWidget>
 
 namespace tarn {
 

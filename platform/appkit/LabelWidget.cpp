@@ -1,5 +1,8 @@
 #include "platform/appkit/LabelWidget.h"
 
+#include "platform/appkit/DisplayText.h"
+#include "platform/appkit/ToolTips.h"
+
 #include <QFontMetricsF>
 #include <QHelpEvent>
 #include <QPainter>
@@ -7,9 +10,6 @@
 #include <QStyleOption>
 
 #include <cmath>
-
-#include "platform/appkit/DisplayText.h"
-#include "platform/appkit/ToolTips.h"
 
 namespace tarn {
 

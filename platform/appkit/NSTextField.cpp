@@ -1,11 +1,11 @@
 #include "platform/appkit/NSTextField.h"
 
-#include <QPointer>
-
 #include "platform/appkit/KeyEquivalents.h"
 #include "platform/appkit/LabelWidget.h"
 #include "platform/appkit/TextFieldWidget.h"
 #include "platform/appkit/Utf8.h"
+
+#include <QPointer>
 
 namespace tarn {
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "platform/appkit/NSControl.h"
+#include "platform/foundation/NSFormatter.h"
+
 #include <memory>
 #include <string>
 #include <string_view>
-
-#include "platform/appkit/NSControl.h"
-#include "platform/foundation/NSFormatter.h"
 
 namespace tarn {
 

@@ -1,9 +1,9 @@
 #include "platform/appkit/NSTextView.h"
 
-#include <QPointer>
-
 #include "platform/appkit/TextViewWidget.h"
 #include "platform/appkit/Utf8.h"
+
+#include <QPointer>
 
 namespace tarn {
 

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "platform/appkit/NSView.h"
+
 #include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "platform/appkit/NSView.h"
 
 namespace tarn {
 

@@ -1,13 +1,13 @@
 #include "platform/appkit/NSView.h"
 
+#include "platform/appkit/TextFieldWidget.h"
+#include "platform/appkit/ToolTips.h"
+#include "platform/appkit/Utf8.h"
+
 #include <QCoreApplication>
 #include <QLayout>
 #include <QResizeEvent>
 #include <QWidget>
-
-#include "platform/appkit/TextFieldWidget.h"
-#include "platform/appkit/ToolTips.h"
-#include "platform/appkit/Utf8.h"
 
 namespace tarn {
 
@@ -85,7 +85,7 @@ void NSView::becomeFirstResponder() {
   // In a window without the keyboard the old control hears nothing of the change.
   auto* left = target->isActiveWindow() ? nullptr : dynamic_cast<TextInputWidget*>(before);
   target->setFocus(Qt::OtherFocusReason);
-  if (left) left->commitEditing();
+  if (left) left->editingLeft();
   if (auto* field = dynamic_cast<TextFieldWidget*>(target)) field->selectAll();
 }
 

@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QPointer>
 #include <QStyleOptionFrame>
+
 #include <cmath>
 
 namespace tarn {
@@ -63,9 +64,11 @@ QRect TextFieldWidget::contents() const {
 }
 
 bool TextFieldWidget::mayChange(std::size_t position, std::size_t length, const QString& replacement) {
-  if (!accepts_) return true;
+  // A copy, since it may take the field away.
+  const auto accepts = accepts_;
+  if (!accepts) return true;
   QString wouldBe = text();
-  return accepts_(wouldBe.replace(qsizetype(position), qsizetype(length), replacement));
+  return accepts(wouldBe.replace(qsizetype(position), qsizetype(length), replacement));
 }
 
 void TextFieldWidget::textChanged(std::size_t, std::size_t, std::size_t) {}

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "platform/appkit/TextInputWidget.h"
+
 #include <functional>
 #include <utility>
-
-#include "platform/appkit/TextInputWidget.h"
 
 namespace tarn {
 
@@ -30,6 +30,7 @@ public:
   void setSecure(bool secure);
   bool isSecure() const { return secure_; }
 
+  void editingLeft() override;
   std::size_t positionAt(const QPoint& point) const override;
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override;
@@ -53,7 +54,6 @@ protected:
   TabsShow tabsShow() const override { return TabsShow::asMark; }
   void textChanged(std::size_t position, std::size_t removed, std::size_t inserted) override;
   void textSet(bool onlyAppended) override;
-  void editingLeft() override;
   QRect caretRect() const override;
   void showCaret() override;
   std::size_t rowEdge(bool atEnd) const override;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+
 #include <cstddef>
 #include <optional>
 #include <vector>

@@ -1,4 +1,12 @@
+#include "platform/appkit/TextInputWidget.h"
+
+#include "platform/appkit/KeyEquivalents.h"
+#include "platform/appkit/TextMovement.h"
+#include "platform/appkit/Utf8.h"
+#include "platform/foundation/NSLocalizedString.h"
+
 #include <QClipboard>
+#include <QCursor>
 #include <QDropEvent>
 #include <QGuiApplication>
 #include <QInputMethodEvent>
@@ -7,14 +15,9 @@
 #include <QMimeData>
 #include <QPointer>
 #include <QStyleHints>
+
 #include <algorithm>
 #include <array>
-
-#include "platform/appkit/KeyEquivalents.h"
-#include "platform/appkit/TextInputWidget.h"
-#include "platform/appkit/TextMovement.h"
-#include "platform/appkit/Utf8.h"
-#include "platform/foundation/NSLocalizedString.h"
 
 namespace tarn {
 
@@ -46,6 +49,9 @@ constexpr std::array moveKeys{
     MoveKey{QKeySequence::SelectStartOfDocument, Move::textStart, true},
     MoveKey{QKeySequence::SelectEndOfDocument, Move::textEnd, true},
 };
+
+// Milliseconds between two steps of a selection that a pointer outside pulls along.
+constexpr int scrollInterval = 50;
 
 const MoveKey* moveKeyOf(QKeyEvent* event) {
   const auto found =
@@ -195,12 +201,20 @@ void TextInputWidget::mousePressEvent(QMouseEvent* event) {
 
 void TextInputWidget::mouseMoveEvent(QMouseEvent* event) {
   if (!selectingByMouse_ || !(event->buttons() & Qt::LeftButton)) return;
-  moveCaret(positionAt(event->position().toPoint()), true);
+  const QPoint point = event->position().toPoint();
+  moveCaret(positionAt(point), true);
+  // A pointer that waits outside goes on selecting.
+  if (rect().contains(point)) {
+    dragging_.stop();
+  } else if (!dragging_.isActive()) {
+    dragging_.start(scrollInterval, this);
+  }
 }
 
 void TextInputWidget::mouseReleaseEvent(QMouseEvent* event) {
   if (event->button() == Qt::LeftButton) {
     selectingByMouse_ = false;
+    dragging_.stop();
     publishPrimarySelection();
   } else if (event->button() == Qt::MiddleButton && QGuiApplication::clipboard()->supportsSelection()) {
     moveCaret(positionAt(event->position().toPoint()), false);
@@ -219,21 +233,21 @@ void TextInputWidget::mouseDoubleClickEvent(QMouseEvent* event) {
 void TextInputWidget::contextMenuEvent(QContextMenuEvent* event) {
   auto* menu = new QMenu(this);
   menu->setAttribute(Qt::WA_DeleteOnClose);
-  const auto add = [&](const char* title, QKeySequence::StandardKey key, bool enabled, auto slot) {
-    QAction* action = menu->addAction(toQString(localizedString(title)), this, slot);
+  const auto add = [&](const std::string& title, QKeySequence::StandardKey key, bool enabled, auto slot) {
+    QAction* action = menu->addAction(toQString(title), this, slot);
     action->setShortcut(key);
     action->setShortcutContext(Qt::WidgetShortcut);
     action->setEnabled(enabled);
   };
   const QMimeData* clipboard = QGuiApplication::clipboard()->mimeData();
-  add("Undo", QKeySequence::Undo, canUndo(), &TextInputWidget::undo);
-  add("Redo", QKeySequence::Redo, canRedo(), &TextInputWidget::redo);
+  add(localizedString("Undo"), QKeySequence::Undo, canUndo(), &TextInputWidget::undo);
+  add(localizedString("Redo"), QKeySequence::Redo, canRedo(), &TextInputWidget::redo);
   menu->addSeparator();
-  add("Cut", QKeySequence::Cut, hasSelection() && isReadable(), &TextInputWidget::cut);
-  add("Copy", QKeySequence::Copy, hasSelection() && isReadable(), &TextInputWidget::copy);
-  add("Paste", QKeySequence::Paste, clipboard && clipboard->hasText(), &TextInputWidget::paste);
+  add(localizedString("Cut"), QKeySequence::Cut, hasSelection() && isReadable(), &TextInputWidget::cut);
+  add(localizedString("Copy"), QKeySequence::Copy, hasSelection() && isReadable(), &TextInputWidget::copy);
+  add(localizedString("Paste"), QKeySequence::Paste, clipboard && clipboard->hasText(), &TextInputWidget::paste);
   menu->addSeparator();
-  add("Select All", QKeySequence::SelectAll, textLength() > 0, &TextInputWidget::selectAll);
+  add(localizedString("Select All"), QKeySequence::SelectAll, textLength() > 0, &TextInputWidget::selectAll);
   menu->popup(event->reason() == QContextMenuEvent::Keyboard ? mapToGlobal(caretRect().bottomLeft())
                                                              : event->globalPos());
 }
@@ -338,9 +352,14 @@ void TextInputWidget::dropEvent(QDropEvent* event) {
 }
 
 void TextInputWidget::timerEvent(QTimerEvent* event) {
-  if (event->timerId() != blinking_.timerId()) return QFrame::timerEvent(event);
-  caretOn_ = !caretOn_;
-  update(caretRect());
+  if (event->timerId() == blinking_.timerId()) {
+    caretOn_ = !caretOn_;
+    update(caretRect());
+  } else if (event->timerId() == dragging_.timerId()) {
+    moveCaret(positionAt(mapFromGlobal(QCursor::pos())), true);
+  } else {
+    QFrame::timerEvent(event);
+  }
 }
 
 }  // namespace tarn

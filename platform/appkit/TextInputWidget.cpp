@@ -1,5 +1,9 @@
 #include "platform/appkit/TextInputWidget.h"
 
+#include "platform/appkit/AccessibleText.h"
+#include "platform/appkit/TextMovement.h"
+#include "platform/appkit/Utf8.h"
+
 #include <QAccessible>
 #include <QClipboard>
 #include <QGuiApplication>
@@ -8,10 +12,6 @@
 #include <QPointer>
 #include <QStyle>
 #include <QStyleHints>
-
-#include "platform/appkit/AccessibleText.h"
-#include "platform/appkit/TextMovement.h"
-#include "platform/appkit/Utf8.h"
 
 namespace tarn {
 

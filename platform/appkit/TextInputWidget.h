@@ -1,20 +1,21 @@
 #pragma once
 
+#include "platform/appkit/BlockLayout.h"
+#include "platform/appkit/DisplayText.h"
+#include "platform/appkit/TextHistory.h"
+#include "platform/appkit/TextStore.h"
+
 #include <QBasicTimer>
 #include <QElapsedTimer>
 #include <QFrame>
 #include <QString>
+
 #include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include "platform/appkit/BlockLayout.h"
-#include "platform/appkit/DisplayText.h"
-#include "platform/appkit/TextHistory.h"
-#include "platform/appkit/TextStore.h"
 
 class QMimeData;
 
@@ -41,8 +42,10 @@ public:
   // True if a hand changed the text since it was last set by code.
   bool isEdited() const { return edited_; }
 
-  // Ends an edit that a hand began, as a change of focus does.
+  // Ends an edit that a hand began.
   void commitEditing();
+  // The same, because the focus went to another control.
+  virtual void editingLeft() { commitEditing(); }
 
   std::size_t caret() const { return caret_; }
   std::size_t selectionStart() const { return std::min(caret_, anchor_); }
@@ -92,8 +95,6 @@ protected:
   virtual void textChanged(std::size_t position, std::size_t removed, std::size_t inserted) = 0;
   // Code has set the text.
   virtual void textSet(bool onlyAppended) = 0;
-  // The focus went to another control.
-  virtual void editingLeft() { commitEditing(); }
   virtual QRect caretRect() const = 0;
   virtual void showCaret() = 0;
   // The start or the end of the row that the caret is in.
@@ -155,6 +156,7 @@ private:
   int preeditCaret_ = 0;
   mutable BlockLayoutCache layouts_;
   QBasicTimer blinking_;
+  QBasicTimer dragging_;
   bool caretOn_ = false;
   // Counts each change, so that an operation sees whether somebody it asked has changed the text.
   unsigned revision_ = 0;

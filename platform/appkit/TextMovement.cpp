@@ -1,9 +1,10 @@
 #include "platform/appkit/TextMovement.h"
 
-#include <QTextBoundaryFinder>
-#include <algorithm>
-
 #include "platform/appkit/TextStore.h"
+
+#include <QTextBoundaryFinder>
+
+#include <algorithm>
 
 namespace tarn {
 

@@ -1,15 +1,16 @@
 #include "platform/appkit/TextViewWidget.h"
 
+#include "platform/appkit/TextMovement.h"
+
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScrollBar>
 #include <QSignalBlocker>
 #include <QStyle>
 #include <QWheelEvent>
+
 #include <cmath>
 #include <limits>
-
-#include "platform/appkit/TextMovement.h"
 
 namespace tarn {
 
@@ -187,15 +188,21 @@ void TextViewWidget::resizeEvent(QResizeEvent* event) {
   const QRect inner = contentsRect();
   const int bar = scrollBar_->sizeHint().width();
   scrollBar_->setGeometry(inner.right() + 1 - bar, inner.top(), bar, inner.height());
+  updateColumns();
+  setTop(rowOf(top_));
+}
+
+void TextViewWidget::updateColumns() {
   const double column = QFontMetricsF(font()).averageCharWidth();
   const auto columns = std::size_t(std::max(1.0, contents().width() / std::max(1.0, column)));
   if (columns != store().columns()) store().setColumns(columns);
-  setTop(rowOf(top_));
 }
 
 void TextViewWidget::changeEvent(QEvent* event) {
   TextInputWidget::changeEvent(event);
-  if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) settle();
+  if (event->type() != QEvent::FontChange && event->type() != QEvent::StyleChange) return;
+  updateColumns();
+  settle();
 }
 
 void TextViewWidget::wheelEvent(QWheelEvent* event) {
@@ -210,7 +217,9 @@ void TextViewWidget::wheelEvent(QWheelEvent* event) {
 }
 
 bool TextViewWidget::mayChange(std::size_t position, std::size_t length, const QString& replacement) {
-  return !shouldChange_ || shouldChange_(position, length, replacement);
+  // A copy, since it may take the view away.
+  const ShouldChange ask = shouldChange_;
+  return !ask || ask(position, length, replacement);
 }
 
 void TextViewWidget::textChanged(std::size_t position, std::size_t removed, std::size_t inserted) {

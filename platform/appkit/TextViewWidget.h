@@ -1,12 +1,12 @@
 #pragma once
 
+#include "platform/appkit/TextInputWidget.h"
+
 #include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <utility>
-
-#include "platform/appkit/TextInputWidget.h"
 
 class QScrollBar;
 
@@ -69,6 +69,7 @@ private:
   void scrollBarMoved(int value);
   // Lays out what is in sight, and brings the scroll bar up to date.
   void settle();
+  void updateColumns();
   void moveVertically(std::ptrdiff_t rows, bool select);
 
   ShouldChange shouldChange_;

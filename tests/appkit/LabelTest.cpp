@@ -1,14 +1,15 @@
+#include "platform/appkit/LabelWidget.h"
+
+#include "platform/appkit/NSTextField.h"
+#include "platform/appkit/Utf8.h"
+#include "tests/appkit/ExactTexts.h"
+#include "tests/support/widgets/Hand.h"
+
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
 #include <QHelpEvent>
 #include <QToolTip>
-
-#include "platform/appkit/LabelWidget.h"
-#include "platform/appkit/NSTextField.h"
-#include "platform/appkit/Utf8.h"
-#include "tests/appkit/ExactTexts.h"
-#include "tests/support/widgets/Hand.h"
 
 namespace tarn::test {
 

@@ -1,18 +1,18 @@
 #include "platform/appkit/NSTextField.h"
 
-#include <gtest/gtest.h>
-
-#include <QApplication>
-#include <QClipboard>
-#include <QTest>
-#include <QVBoxLayout>
-
 #include "platform/appkit/NSTextView.h"
 #include "platform/appkit/TextFieldWidget.h"
 #include "platform/appkit/TextViewWidget.h"
 #include "platform/appkit/Utf8.h"
 #include "tests/appkit/ExactTexts.h"
 #include "tests/support/widgets/Hand.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QClipboard>
+#include <QTest>
+#include <QVBoxLayout>
 
 namespace tarn::test {
 
@@ -112,6 +112,17 @@ TEST_F(TextField, KeepsTheEditWhileTheWindowIsLeftOrAMenuIsOpen) {
   EXPECT_EQ(told, (Told{"begin 7"}));
   field.becomeFirstResponder();
   EXPECT_EQ(told, (Told{"begin 7"}));
+}
+
+TEST_F(TextField, EndsTheEditAlsoWhenItsWindowHasNoKeyboard) {
+  type("a");
+  QWidget front;
+  show(front, QSize(50, 50));
+  ASSERT_FALSE(window.isActiveWindow());
+  EXPECT_EQ(told, (Told{"begin 7"}));
+  second.becomeFirstResponder();
+  EXPECT_EQ(told, (Told{"begin 7", "end 7 a"}));
+  EXPECT_TRUE(second.isFirstResponder());
 }
 
 TEST_F(TextField, TellsNothingOfATextSetByCode) {

@@ -1,11 +1,11 @@
 #include "platform/appkit/TextStore.h"
 
+#include "platform/appkit/Utf8.h"
+#include "tests/appkit/ExactTexts.h"
+
 #include <gtest/gtest.h>
 
 #include <random>
-
-#include "platform/appkit/Utf8.h"
-#include "tests/appkit/ExactTexts.h"
 
 namespace tarn::test {
 

@@ -1,5 +1,10 @@
 #include "platform/appkit/NSTextView.h"
 
+#include "platform/appkit/TextViewWidget.h"
+#include "platform/appkit/Utf8.h"
+#include "tests/appkit/ExactTexts.h"
+#include "tests/support/widgets/Hand.h"
+
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -11,13 +16,9 @@
 #include <QScrollBar>
 #include <QTest>
 #include <QVBoxLayout>
+
 #include <functional>
 #include <random>
-
-#include "platform/appkit/TextViewWidget.h"
-#include "platform/appkit/Utf8.h"
-#include "tests/appkit/ExactTexts.h"
-#include "tests/support/widgets/Hand.h"
 
 namespace tarn::test {
 
