@@ -8,6 +8,7 @@
 #include "workbench/KeyBrowser.h"
 #include "workbench/KeyForm.h"
 #include "workbench/StatusTexts.h"
+#include "workbench/StringPane.h"
 #include "workbench/TabQueue.h"
 #include "workbench/TabState.h"
 #include "workbench/ValueLoader.h"
@@ -41,9 +42,10 @@ struct OperationTabViewController::Private {
   TabState state;
   TabQueue queue{outlets, state};
   KeyForm form{outlets};
+  StringPane string{outlets, state};
   ValuePanes panes{outlets};
   ValueTables tables{outlets, state, queue};
-  ValueLoader loader{outlets, state, queue, form, panes, tables};
+  ValueLoader loader{outlets, state, queue, form, string, panes, tables};
   KeyBrowser browser{outlets, state, queue, form};
 };
 
@@ -58,6 +60,7 @@ OperationTabViewController::OperationTabViewController() : d_(std::make_shared<P
     if (WorkbenchHost* host = WorkbenchHost::installed()) host->reconnect(*this);
   });
   outlets.popKeyDataCharset.setAction([this] { changeKeyDataCharset(); });
+  outlets.popValueDataCharset.setAction([this] { changeValueDataCharset(); });
   outlets.chkTranslate.setAction([this] { translateSlash(); });
   d_->browser.setKeySelected([loader = &d_->loader](int row) { loader->selectKey(row); });
   d_->loader.setRowsShown([this] { doResizeLater(); });
@@ -65,6 +68,7 @@ OperationTabViewController::OperationTabViewController() : d_(std::make_shared<P
   outlets.chkTranslate.setState(false);
   outlets.popValueDataCharset.removeAllItems();
   outlets.popValueDataCharset.addItemsWithTitles(charsetTitles());
+  d_->state.oldValueDataCharset = outlets.popValueDataCharset.titleOfSelectedItem();
   outlets.txtViewCli.setString(localizedString("Welcome: "));
   outlets.sortedSetScoreTextField.setFormatter(std::make_unique<RequiredCouldNegativeDoubleFormatter>());
   outlets.sortedSetScoreTextField.setTag(scoreEditorTag);
@@ -150,7 +154,7 @@ void OperationTabViewController::resetWorkbenchView() {
   d_->form.showSizesUnknown();
   outlets.chkTranslate.setState(false);
   outlets.chkExactly.setState(false);
-  d_->panes.emptyString();
+  d_->string.empty();
   d_->panes.showValuePane("");
 }
 
@@ -158,7 +162,7 @@ void OperationTabViewController::resetFormForNewKey() {
   d_->loader.dropRunningLoads();
   d_->form.emptyKey();
   d_->form.showTtl("-1", ttlToolTip("-1"));
-  d_->panes.emptyString();
+  d_->string.empty();
   d_->tables.emptyAllTables();
   doResizeLater();
   d_->form.showSizesUnknown();
@@ -182,6 +186,19 @@ void OperationTabViewController::changeKeyDataCharset() {
   d_->outlets.labKey.setStringValue(keyLabelText(d_->outlets.popKeyDataCharset.titleOfSelectedItem()));
   resetFormForNewKey();
   search();
+}
+
+void OperationTabViewController::changeValueDataCharset() {
+  OperationTabLayout& outlets = d_->outlets;
+  if (!outlets.valueDataStringScrollView.isHidden()) return d_->string.changeCharset();
+  if (!outlets.valueDataSetScrollView.isHidden()) {
+    d_->tables.changeCharset(outlets.valueDataSetTable);
+  } else if (!outlets.valueDataHashScrollView.isHidden()) {
+    d_->tables.changeCharset(outlets.valueDataHashTable);
+  } else {
+    d_->tables.changeCharset(outlets.valueDataSortedSetTable);
+  }
+  doResizeLater();
 }
 
 void OperationTabViewController::translateSlash() {

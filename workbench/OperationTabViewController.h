@@ -59,6 +59,7 @@ private:
   struct Private;
 
   void changeKeyDataCharset();
+  void changeValueDataCharset();
   void translateSlash();
 
   // Shared only with a step of a background block while it runs.

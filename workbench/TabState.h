@@ -27,6 +27,8 @@ struct TabState {
   // loaded.
   std::string currentType;
   Bytes currentValueData;
+  // The title under which the text of a String was last shown.
+  std::string oldValueDataCharset;
 
   // The rows of a list or set, of a hash, and of a sorted set, whose scores stay text as the server wrote them.
   ValueColumn setValue;

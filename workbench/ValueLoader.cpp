@@ -7,7 +7,6 @@
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSLocalizedString.h"
 #include "workbench/StatusTexts.h"
-#include "workbench/codec/TextCodec.h"
 
 namespace tarn {
 
@@ -32,8 +31,8 @@ private:
 };
 
 ValueLoader::ValueLoader(OperationTabLayout& outlets, TabState& state, TabQueue& queue, KeyForm& form,
-                         ValuePanes& panes, ValueTables& tables)
-    : outlets_(outlets), state_(state), queue_(queue), form_(form), panes_(panes), tables_(tables) {
+                         StringPane& string, ValuePanes& panes, ValueTables& tables)
+    : outlets_(outlets), state_(state), queue_(queue), form_(form), string_(string), panes_(panes), tables_(tables) {
   outlets_.btnReload.setAction([this] { reloadKeyValue(); });
 }
 
@@ -45,7 +44,7 @@ void ValueLoader::selectKey(int row) {
   form_.showTtl("", "");
   outlets_.labType.setStringValue(unknownTypeText());
   form_.showSizesUnknown();
-  panes_.emptyString();
+  string_.empty();
   loadValueForCurrentKey(row);
 }
 
@@ -130,7 +129,7 @@ void ValueLoader::showKeyType(const std::string& word) {
     state_.currentDataRow = -1;
     tables_.emptyTable(*table);
   } else {
-    panes_.emptyString();
+    string_.empty();
   }
 }
 
@@ -160,25 +159,15 @@ void ValueLoader::showStringValue(const Bytes& key, Bytes value) {
   logLine("string get success main operation");
   showValueKey(key);
   state_.currentValueData = std::move(value);
-  const Bytes& bytes = state_.currentValueData;
-  outlets_.labDataSize.setStringValue(dataSizeText(bytes.size()));
-  const std::string title = outlets_.popValueDataCharset.titleOfSelectedItem();
-  if (title == base64Title) {
-    panes_.showString(bytesToBase64(bytes.view()), localizedString("The value is empty."));
-  } else if (const auto text = bytesToText(bytes.view(), charsetForTitle(title))) {
-    panes_.showString(*text, localizedString("The value is empty."));
-  } else {
-    const std::string hint = localizedString("The value is no text in {0}. Another charset, or Base64, may show it.");
-    panes_.showString("", replacingPlaceholder(hint, "{0}", title));
-  }
+  outlets_.labDataSize.setStringValue(dataSizeText(state_.currentValueData.size()));
+  string_.showValueData();
   queue_.updateDealingQueueLabel();
   logLine("string get success main operation finished");
 }
 
 void ValueLoader::showNoString() {
-  state_.currentValueData = Bytes();
   outlets_.labDataSize.setStringValue(noDataSizeText());
-  panes_.emptyString();
+  string_.empty();
   queue_.updateDealingQueueLabel();
 }
 
@@ -219,7 +208,7 @@ void ValueLoader::showValueKey(const Bytes& key) {
 
 void ValueLoader::showStringPane() {
   form_.showSizesUnknown();
-  panes_.emptyString();
+  string_.empty();
   panes_.showValuePane("");
   queue_.updateDealingQueueLabel();
 }

@@ -6,6 +6,7 @@
 
 #include "workbench/KeyForm.h"
 #include "workbench/LoadedRows.h"
+#include "workbench/StringPane.h"
 #include "workbench/TabQueue.h"
 #include "workbench/TabState.h"
 #include "workbench/ValuePanes.h"
@@ -18,8 +19,8 @@ namespace tarn {
 // dropped, so that the value of one key never stands under another's name. Main queue only.
 class ValueLoader final {
 public:
-  ValueLoader(OperationTabLayout& outlets, TabState& state, TabQueue& queue, KeyForm& form, ValuePanes& panes,
-              ValueTables& tables);
+  ValueLoader(OperationTabLayout& outlets, TabState& state, TabQueue& queue, KeyForm& form, StringPane& string,
+              ValuePanes& panes, ValueTables& tables);
 
   // Called when a value's rows are on show.
   void setRowsShown(std::function<void()> rowsShown) { rowsShown_ = std::move(rowsShown); }
@@ -57,6 +58,7 @@ private:
   TabState& state_;
   TabQueue& queue_;
   KeyForm& form_;
+  StringPane& string_;
   ValuePanes& panes_;
   ValueTables& tables_;
   std::function<void()> rowsShown_;

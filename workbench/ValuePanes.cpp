@@ -2,8 +2,6 @@
 
 #include <initializer_list>
 
-#include "platform/foundation/NSLocalizedString.h"
-
 namespace tarn {
 
 namespace {
@@ -23,7 +21,6 @@ void fitColumns(const NSView& scrollView, NSTableView& table, std::initializer_l
 
 ValuePanes::ValuePanes(OperationTabLayout& outlets) : outlets_(outlets) {
   showValuePane("");
-  emptyString();
 }
 
 void ValuePanes::showValuePane(std::string_view type) {
@@ -48,15 +45,6 @@ void ValuePanes::showValuePane(std::string_view type) {
   outlets_.sortedSetValueLabel.setHidden(!sortedSet);
   outlets_.sortedSetScoreTextField.setHidden(!sortedSet);
   outlets_.sortedSetScoreLabel.setHidden(!sortedSet);
-}
-
-void ValuePanes::showString(std::string_view text, std::string_view hint) {
-  outlets_.valueDataStringTxtView.setPlaceholderString(hint);
-  outlets_.valueDataStringTxtView.setString(text);
-}
-
-void ValuePanes::emptyString() {
-  showString("", localizedString("Nothing to show. Choose a key on the left to read its value."));
 }
 
 void ValuePanes::doResize() {

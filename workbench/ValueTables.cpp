@@ -53,6 +53,13 @@ void ValueTables::emptyAllTables() {
   }
 }
 
+void ValueTables::changeCharset(NSTableView& table) {
+  for (const Place& place : places_) {
+    if (&place.table == &table) place.rows.setTitle(outlets_.popValueDataCharset.titleOfSelectedItem());
+  }
+  table.reloadData();
+}
+
 void ValueTables::reloadAllTables() {
   for (const Place& place : places_) {
     if (place.column == 0) place.table.reloadData();

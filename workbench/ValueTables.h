@@ -15,7 +15,7 @@ class ValueTables final : public NSTableViewDataSource, public NSTableViewDelega
 public:
   ValueTables(OperationTabLayout& outlets, TabState& state, TabQueue& queue);
 
-  // The rows as the server sent them, under the title of popValueDataCharset. reloadTable() shows them.
+  // The rows as the server sent them, under the title of popValueDataCharset. The table shows them once it is reloaded.
   void setRows(ValueColumn& column, std::vector<Bytes> rows);
   void setScores(std::vector<std::string> scores);
 
@@ -24,6 +24,8 @@ public:
   // Empties the rows and the editors, and shows that.
   void emptyTable(const NSTableView& table);
   void emptyAllTables();
+  // Shows the table's rows under the title that was chosen now.
+  void changeCharset(NSTableView& table);
   // Shows all cells in sight anew, as after a change of chkTranslate.
   void reloadAllTables();
 

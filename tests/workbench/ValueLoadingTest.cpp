@@ -14,6 +14,14 @@ protected:
     search("");
     selectKey(text);
   }
+  void chooseCharset(const char* title) {
+    NSPopUpButton& charsets = outlets().popValueDataCharset;
+    const std::string before = charsets.titleOfSelectedItem();
+    charsets.selectItemWithTitle(title);
+    const int index = charsets.indexOfSelectedItem();
+    charsets.selectItemWithTitle(before);
+    choose(*charsets.widget(), index);
+  }
   std::string label(const NSTextField& field) { return field.stringValue(); }
 
   RedisServer redis;
@@ -111,9 +119,18 @@ TEST_F(ValueLoadingTest, ShowsValuesUnderTheChosenTitle) {
   openKey("list");
   EXPECT_EQ(texts(outlets().valueDataSetTable, 0), (Texts{"\\B1tA=", "\\B"}));
 
-  outlets().popValueDataCharset.selectItemWithTitle("GBK");
   openKey("gbk");
+  chooseCharset("GBK");
   EXPECT_EQ(outlets().valueDataStringTxtView.string(), "中");
+  openKey("list");
+  EXPECT_EQ(texts(outlets().valueDataSetTable, 0), (Texts{"中", ""}));
+  chooseCharset("utf8");
+  EXPECT_EQ(texts(outlets().valueDataSetTable, 0), (Texts{"\\B1tA=", ""}));
+
+  openKey("gbk");
+  tab->resetWorkbenchView();
+  chooseCharset("GBK");
+  EXPECT_EQ(outlets().valueDataStringTxtView.string(), "");
 }
 
 TEST_F(ValueLoadingTest, TellsOfKeysThatNoPaneShows) {
