@@ -57,7 +57,10 @@ TabBarWidget::TabBarWidget(QWidget* parent) : QTabBar(parent) {
 
 QColor TabBarWidget::fill(bool selected) const {
   if (selected) return darkEnoughForWhite(palette().color(QPalette::Highlight));
-  return darkEnoughForWhite(mixed(palette().color(QPalette::Window), palette().color(QPalette::WindowText), 0.4));
+  const QColor window = palette().color(QPalette::Window);
+  // In a dark window a lighter fill would outshine the selected tab.
+  const double share = window.lightness() < 128 ? 0.2 : 0.45;
+  return darkEnoughForWhite(mixed(window, palette().color(QPalette::WindowText), share));
 }
 
 QSize TabBarWidget::tabSizeHint(int index) const {
