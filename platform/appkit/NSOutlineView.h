@@ -41,7 +41,7 @@ public:
   // Asked for the user's triangle or arrow key only.
   virtual bool shouldExpandItem(const NSItem& item) = 0;
   // Asked at each click, also on a selected row, and at keyboard moves; not at the second press of a double click, not
-  // when Ctrl deselects, never by code.
+  // when Ctrl deselects, never by code. With Shift the row under the hand is asked about, not those between.
   virtual bool shouldSelectItem(const NSItem& item) = 0;
 };
 

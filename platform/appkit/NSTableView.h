@@ -86,7 +86,8 @@ public:
 };
 
 // Rows of cells, each row 18 points high, made for the rows in sight only: a table of millions of rows costs what its
-// visible part costs. Enter or F2 on a selected row opens its first cell, as a double click does. Escape ends an edit
+// visible part costs. One row or none is selected; a click with Ctrl on the selected row deselects it, one below the
+// rows changes nothing. Enter or F2 on a selected row opens its first cell, as a double click does. Escape ends an edit
 // and puts the model's text back; Tab commits and opens the next cell.
 class NSTableView final : public NSView {
 public:

@@ -21,7 +21,7 @@ namespace {
 
 constexpr int levelWidth = 16;
 constexpr int imageSize = 16;
-constexpr int padding = 4;
+constexpr int padding = 6;
 constexpr int imageGap = 6;
 
 }  // namespace

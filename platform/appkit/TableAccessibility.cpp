@@ -36,9 +36,7 @@ public:
 
   QString text(QAccessible::Text kind) const override {
     if (kind != QAccessible::Name || !isValid()) return {};
-    table_->cells().make(row_);
-    const TableCell* cell = table_->cells().at(row_, column_);
-    return cell ? toQString(utf8Prefix(cell->text(), longestSpokenText)) : QString();
+    return toQString(utf8Prefix(table_->textAt(row_, column_), longestSpokenText));
   }
 
   QRect rect() const override {

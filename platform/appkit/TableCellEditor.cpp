@@ -30,6 +30,10 @@ TableCellEditor::TableCellEditor(QWidget& table, QWidget& viewport, TableCells& 
     client_.editDidEnd(*open);
   });
   connect(widget_, &TextFieldWidget::finished, this, [this](TextFieldWidget::End how) { finished(how); });
+  // A window without the keyboard tells its old control nothing of a new one.
+  connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
+    if (isOpen() && now && now != widget_ && now->window() == table_.window()) commit();
+  });
   // Seen before the editor itself sees them: a filter's work.
   widget_->installEventFilter(this);
 }
@@ -92,7 +96,7 @@ bool TableCellEditor::eventFilter(QObject* watched, QEvent* event) {
   }
   if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent&>(*event).key() == Qt::Key_Escape) {
     // What the model says, as if the cell came into sight: an edit that changed nothing tells nobody.
-    if (TableCell* open = cell()) open->setStringValue(client_.modelText(*open));
+    if (TableCell* open = cell()) open->setStringValue(client_.modelText(row_, column_));
   }
   return false;
 }

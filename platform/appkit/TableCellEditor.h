@@ -14,7 +14,7 @@ public:
   virtual ~TableCellEditorClient() = default;
 
   // The cell's text under a fresh look at the model.
-  virtual std::string modelText(const TableCell& cell) = 0;
+  virtual std::string modelText(int row, int column) = 0;
   // Before the focus leaves the open cell for a control outside the table.
   virtual void editorWillLoseFocus() = 0;
   // The edit ended after a beginning; the cell has the text.

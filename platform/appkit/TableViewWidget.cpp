@@ -12,6 +12,7 @@
 #include <QFocusEvent>
 #include <QHelpEvent>
 #include <QPainter>
+#include <QPointer>
 #include <QScrollBar>
 #include <QToolTip>
 
@@ -181,8 +182,10 @@ void TableViewWidget::mousePressEvent(QMouseEvent* event) {
   const int column = row < 0 ? -1 : columnAt(position.x());
   const bool left = event->button() == Qt::LeftButton;
   const bool deselects = left && row == selectedRow_ && event->modifiers().testFlag(Qt::ControlModifier);
+  // Whoever hears of it may show an alert, behind which the table may go.
+  const QPointer<TableViewWidget> self(this);
   if (row >= 0 && (left || event->button() == Qt::RightButton)) selectRow(deselects ? -1 : row, true);
-  if (!left) return;
+  if (!self || !left) return;
   if (TableCell* cell = cells_.at(row, column); cell && cell->isEditable() && !deselects) openCell(*cell);
   if (client_) client_->pressed(column < 0 ? -1 : row, column);
 }
@@ -201,7 +204,9 @@ void TableViewWidget::contextMenuEvent(QContextMenuEvent* event) {
     const QPoint place = selectedRow_ >= 0 ? cellRect(selectedRow_, 0).bottomLeft() : QPoint();
     position = viewport()->mapToGlobal(place.x() < 0 || !viewport()->rect().contains(place) ? QPoint() : place);
   } else if (const int row = rowAt(event->pos().y()); row >= 0) {
+    const QPointer<TableViewWidget> self(this);
     selectRow(row, true);
+    if (!self) return;
   }
   if (client_) client_->menuRequested(position);
 }
@@ -215,8 +220,9 @@ void TableViewWidget::keyPressEvent(QKeyEvent* event) {
   }
   const int row = rowFor(key);
   if (row < 0 || rowCount_ == 0) return event->ignore();
+  const QPointer<TableViewWidget> self(this);
   selectRow(row, true);
-  scrollRowToVisible(selectedRow_);
+  if (self) scrollRowToVisible(selectedRow_);
 }
 
 int TableViewWidget::rowFor(int key) const {
@@ -252,10 +258,15 @@ void TableViewWidget::openCell(TableCell& cell) {
   placeEditor();
 }
 
-std::string TableViewWidget::modelText(const TableCell& cell) {
-  TableCell fresh(*this, cell.column());
-  cells_.fill(fresh, cell.row());
+std::string TableViewWidget::modelText(int row, int column) {
+  TableCell fresh(*this, column);
+  cells_.fill(fresh, row);
   return fresh.text();
+}
+
+std::string TableViewWidget::textAt(int row, int column) {
+  const TableCell* cell = cells_.at(row, column);
+  return cell ? cell->stringValue() : modelText(row, column);
 }
 
 void TableViewWidget::editorWillLoseFocus() {
@@ -280,7 +291,9 @@ void TableViewWidget::openNextCell(int row, int column, int step) {
     nextColumn = step > 0 ? 0 : header_->columnCount() - 1;
   }
   if (nextRow < 0 || nextRow >= rowCount_) return;
+  const QPointer<TableViewWidget> self(this);
   selectRow(nextRow, true);
+  if (!self) return;
   scrollRowToVisible(nextRow);
   if (client_) client_->opensCell(nextRow, nextColumn);
 }

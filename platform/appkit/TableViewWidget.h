@@ -69,6 +69,8 @@ public:
   void scrollRowToVisible(int row);
 
   TableCells& cells() { return cells_; }
+  // What the cell shows, in sight or not, without making it.
+  std::string textAt(int row, int column);
 
   // The cell's place in the viewport, which may lie outside.
   QRect cellRect(int row, int column) const;
@@ -101,7 +103,7 @@ private:
   bool isOpenTextEdited() const override { return editor_.isEdited(); }
 
   // TableCellEditorClient
-  std::string modelText(const TableCell& cell) override;
+  std::string modelText(int row, int column) override;
   void editorWillLoseFocus() override;
   void editDidEnd(TableCell& cell) override;
   void editorClosed(int row, int column, TextFieldWidget::End how) override;

@@ -240,6 +240,22 @@ TEST_F(TableEditing, AnotherCellOpenedByCodeEndsTheFirst) {
   EXPECT_TRUE(cell(2, 1).stringValue() == "12" && editor().hasFocus());
 }
 
+TEST_F(TableEditing, EndsWhenTheFocusMovesBehindAnInactiveWindow) {
+  open(1, 0);
+  type("x");
+  take();
+  QWidget second;
+  show(second, {80, 60});
+  other->setFocus();
+  second.close();
+  window.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  settle();
+  EXPECT_TRUE(other->hasFocus());
+  EXPECT_FALSE(isOpen());
+  EXPECT_EQ(take(), Log{"end 6 1,0 x"});
+}
+
 TEST_F(TableEditing, SurvivesATableThatGoesInItsOwnMessage) {
   struct Closer final : NSTextFieldDelegate {
     void controlTextDidBeginEditing(int) override {}
