@@ -19,8 +19,9 @@ namespace {
 
 bool imagesAreThere() {
   bool all = true;
-  for (const char* name : {"add", "clear", "close", "connect", "db", "disconnect", "edit", "reload", "remove", "server",
-                           "server-connecting", "server-disconnected", "server-running", "tarn"}) {
+  for (const char* name :
+       {"add", "alert-critical", "alert-information", "alert-warning", "clear", "close", "connect", "db", "disconnect",
+        "edit", "reload", "remove", "server", "server-connecting", "server-disconnected", "server-running", "tarn"}) {
     if (NSImage::exists(name)) continue;
     std::cerr << "tarn: the image \"" << name << "\" can't be loaded\n";
     all = false;

@@ -1,6 +1,7 @@
 #include "platform/appkit/AlertPanel.h"
 
 #include "platform/appkit/ApplicationHost.h"
+#include "platform/appkit/ImageIcon.h"
 #include "platform/appkit/Utf8.h"
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSLocalizedString.h"
@@ -12,7 +13,6 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollBar>
-#include <QStyle>
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextLayout>
@@ -30,16 +30,16 @@ constexpr int tallestText = 320;
 constexpr int iconSize = 48;
 constexpr qsizetype longestText = 20'000;
 
-QStyle::StandardPixmap iconOf(NSAlert::Style style) {
+NSImage iconOf(NSAlert::Style style) {
   switch (style) {
     case NSAlert::Style::informational:
-      return QStyle::SP_MessageBoxInformation;
+      return NSImage::imageNamed("alert-information");
     case NSAlert::Style::critical:
-      return QStyle::SP_MessageBoxCritical;
+      return NSImage::imageNamed("alert-critical");
     case NSAlert::Style::warning:
       break;
   }
-  return QStyle::SP_MessageBoxWarning;
+  return NSImage::imageNamed("alert-warning");
 }
 
 // A text to read and copy, as high as it is up to a limit, scrolling beyond. It may hold a user's data: nothing in it
@@ -94,7 +94,7 @@ public:
     setAccessibleDescription(toQString(alert.informativeText()));
 
     auto* icon = new QLabel(this);
-    icon->setPixmap(style()->standardIcon(iconOf(alert.alertStyle()), nullptr, this).pixmap(iconSize));
+    icon->setPixmap(imageIcon(iconOf(alert.alertStyle())).pixmap(QSize(iconSize, iconSize), devicePixelRatio()));
     icon->setAlignment(Qt::AlignTop);
 
     auto* texts = new QVBoxLayout;
