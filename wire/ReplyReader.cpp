@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "platform/foundation/NSLocalizedString.h"
@@ -13,10 +14,10 @@ namespace tarn {
 
 namespace {
 
-std::optional<ReplyResult::Value> lineValue(ReplyType type, const std::string& line) {
+std::optional<ReplyResult::Value> lineValue(ReplyType type, std::string_view line) {
   switch (type) {
     case ReplyType::REDIS_REPLY_STATUS:
-      return line;
+      return std::string(line);
     case ReplyType::REDIS_REPLY_INTEGER:
       if (const auto number = decimalInteger(line)) return *number;
       return std::nullopt;
@@ -66,13 +67,11 @@ ReplyResult ReplyReader::readReply() {
 }
 
 ReplyResult ReplyReader::processLineItem(ReplyType type) {
-  const auto text = scanner_.line();
-  if (!text) return lost(replyFailureMessage(scanner_.failure()));
-  std::string line(*text);
-  auto value = lineValue(type, line);
+  const auto line = scanner_.line();
+  if (!line) return lost(replyFailureMessage(scanner_.failure()));
   return {.ok = type != ReplyType::REDIS_REPLY_ERROR,
-          .message = std::move(line),
-          .value = std::move(value),
+          .message = std::string(*line),
+          .value = lineValue(type, *line),
           .list = {},
           .type = type};
 }

@@ -52,7 +52,7 @@ Bytes encodeRequest(std::span<const std::string_view> words) {
   return encode(words.size(), [words](std::size_t i) { return words[i]; });
 }
 
-Bytes encodeRequest(RedisCommand command, const std::vector<Bytes>& args) {
+Bytes encodeRequest(RedisCommand command, std::span<const Bytes> args) {
   if (command == RedisCommand::clusterNodes) {
     constexpr std::array<std::string_view, 2> words{"cluster", "nodes"};
     return encodeRequest(words);

@@ -2,7 +2,6 @@
 
 #include <span>
 #include <string_view>
-#include <vector>
 
 #include "platform/foundation/Bytes.h"
 #include "wire/RedisCommand.h"
@@ -14,6 +13,6 @@ namespace tarn {
 Bytes encodeRequest(std::span<const std::string_view> words);
 
 // The command's own words and then its arguments.
-Bytes encodeRequest(RedisCommand command, const std::vector<Bytes>& args);
+Bytes encodeRequest(RedisCommand command, std::span<const Bytes> args);
 
 }  // namespace tarn

@@ -2,9 +2,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -167,13 +169,16 @@ private:
   void postLivenessTimer(Closings began);
 
   // --- Commands
-  ReplyResult exchange(RedisCommand command, const std::vector<Bytes>& args, std::optional<Closings> began);
-  ReplyResult requestAndReply(RedisCommand command, const std::vector<Bytes>& args, std::optional<Closings> began);
-  ReplyResult followRedirect(std::string_view line, RedisCommand command, const std::vector<Bytes>& args);
+  // Borrowed, so that a command with few arguments makes no vector for them.
+  using Arguments = std::span<const Bytes>;
+  ReplyResult exchange(RedisCommand command, Arguments args, std::optional<Closings> began);
+  ReplyResult requestAndReply(RedisCommand command, Arguments args, std::optional<Closings> began);
+  ReplyResult followRedirect(std::string_view line, RedisCommand command, Arguments args);
   std::shared_ptr<ServerItem> transientItem(const NodeAddress& address) const;
-  ReplyResult executeAndShowFailure(RedisCommand command, const std::vector<Bytes>& args);
-  std::vector<Bytes> listOf(RedisCommand command, const std::vector<Bytes>& args);
-  bool writeThenExpire(RedisCommand command, const std::vector<Bytes>& args, std::int64_t ttl);
+  ReplyResult executeAndShowFailure(RedisCommand command, Arguments args);
+  ReplyResult executeAndShowFailure(RedisCommand command, std::initializer_list<Bytes> args);
+  std::vector<Bytes> listOf(RedisCommand command, std::initializer_list<Bytes> args);
+  bool writeThenExpire(RedisCommand command, Arguments args, std::int64_t ttl);
 
   // --- Discovery and scanning
   void replaceDbs(int count, Closings began);

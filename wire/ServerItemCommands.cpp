@@ -1,7 +1,6 @@
 // The commands by which the workbench reads and writes keys: each builds its arguments, and shows its own failure.
 
 #include <algorithm>
-#include <span>
 
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSLocalizedString.h"
@@ -40,18 +39,22 @@ std::vector<Bytes> keyAndPairs(const Bytes& key, const std::vector<First>& first
 
 }  // namespace
 
-ReplyResult ServerItem::executeAndShowFailure(RedisCommand command, const std::vector<Bytes>& args) {
-  ReplyResult result = execute(command, args);
+ReplyResult ServerItem::executeAndShowFailure(RedisCommand command, Arguments args) {
+  ReplyResult result = exchange(command, args, std::nullopt);
   if (!result.ok) showServerError(result.message);
   return result;
 }
 
-std::vector<Bytes> ServerItem::listOf(RedisCommand command, const std::vector<Bytes>& args) {
+ReplyResult ServerItem::executeAndShowFailure(RedisCommand command, std::initializer_list<Bytes> args) {
+  return executeAndShowFailure(command, Arguments(args.begin(), args.size()));
+}
+
+std::vector<Bytes> ServerItem::listOf(RedisCommand command, std::initializer_list<Bytes> args) {
   ReplyResult result = executeAndShowFailure(command, args);
   return result.ok && result.list ? *std::move(result.list) : std::vector<Bytes>();
 }
 
-bool ServerItem::writeThenExpire(RedisCommand command, const std::vector<Bytes>& args, std::int64_t ttl) {
+bool ServerItem::writeThenExpire(RedisCommand command, Arguments args, std::int64_t ttl) {
   if (!executeAndShowFailure(command, args).ok) return false;
   return ttl < 0 || executeAndShowFailure(RedisCommand::expire, {args.front(), decimal(ttl)}).ok;
 }
@@ -61,7 +64,7 @@ bool ServerItem::selectDb(int index) {
 }
 
 std::pair<bool, std::string> ServerItem::keyType(const Bytes& key) {
-  ReplyResult result = executeAndShowFailure(RedisCommand::type, {key});
+  ReplyResult result = executeAndShowFailure(RedisCommand::type, Arguments(&key, 1));
   if (!result.ok) return {false, {}};
   if (auto* const word = result.value ? std::get_if<std::string>(&*result.value) : nullptr) {
     return {true, std::move(*word)};
@@ -71,14 +74,14 @@ std::pair<bool, std::string> ServerItem::keyType(const Bytes& key) {
 }
 
 std::pair<bool, std::optional<std::string>> ServerItem::keyTtl(const Bytes& key) {
-  const ReplyResult result = executeAndShowFailure(RedisCommand::ttl, {key});
+  const ReplyResult result = executeAndShowFailure(RedisCommand::ttl, Arguments(&key, 1));
   if (!result.ok) return {false, std::nullopt};
   const auto* const seconds = result.value ? std::get_if<std::int64_t>(&*result.value) : nullptr;
   return {true, seconds != nullptr ? std::optional(std::to_string(*seconds)) : std::nullopt};
 }
 
 std::pair<bool, Bytes> ServerItem::getValue(const Bytes& key) {
-  ReplyResult result = executeAndShowFailure(RedisCommand::get, {key});
+  ReplyResult result = executeAndShowFailure(RedisCommand::get, Arguments(&key, 1));
   if (!result.ok) return {false, {}};
   logLine("get success");
   auto* const value = result.value ? std::get_if<Bytes>(&*result.value) : nullptr;
@@ -94,12 +97,12 @@ std::vector<Bytes> ServerItem::zrangeAll(const Bytes& key) {
 }
 
 bool ServerItem::deleteKey(const Bytes& key) {
-  return executeAndShowFailure(RedisCommand::del, {key}).ok;
+  return executeAndShowFailure(RedisCommand::del, Arguments(&key, 1)).ok;
 }
 
 bool ServerItem::setValue(const Bytes& key, const Bytes& value, std::int64_t ttl) {
   if (ttl >= 0) return executeAndShowFailure(RedisCommand::set, {key, value, "EX"_bytes, decimal(ttl)}).ok;
-  return executeAndShowFailure(RedisCommand::persist, {key}).ok &&
+  return executeAndShowFailure(RedisCommand::persist, Arguments(&key, 1)).ok &&
          executeAndShowFailure(RedisCommand::set, {key, value}).ok;
 }
 

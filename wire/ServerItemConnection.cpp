@@ -46,7 +46,8 @@ ServerItem::Outcome ServerItem::connectToServer(Closings began) {
   }
   Outcome outcome{.ok = true, .message = {}, .closed = false};
   if (!password.empty()) {
-    ReplyResult reply = exchange(RedisCommand::auth, {Bytes(password)}, began);
+    const Bytes word(password);
+    ReplyResult reply = exchange(RedisCommand::auth, {&word, 1}, began);
     outcome = {.ok = reply.ok, .message = std::move(reply.message), .closed = false};
   }
   postLivenessTimer(began);

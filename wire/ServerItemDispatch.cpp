@@ -30,7 +30,7 @@ ReplyResult ServerItem::execute(RedisCommand command, const std::vector<Bytes>& 
 }
 
 // With `began`, a closeConnection since then keeps the status that it set.
-ReplyResult ServerItem::exchange(RedisCommand command, const std::vector<Bytes>& args, std::optional<Closings> began) {
+ReplyResult ServerItem::exchange(RedisCommand command, Arguments args, std::optional<Closings> began) {
   const std::lock_guard lock(commandLocker_);
   ReplyResult result = requestAndReply(command, args, began);
   while (isRedirect(result))
@@ -43,8 +43,7 @@ ReplyResult ServerItem::exchange(RedisCommand command, const std::vector<Bytes>&
   return result;
 }
 
-ReplyResult ServerItem::requestAndReply(RedisCommand command, const std::vector<Bytes>& args,
-                                        std::optional<Closings> began) {
+ReplyResult ServerItem::requestAndReply(RedisCommand command, Arguments args, std::optional<Closings> began) {
   const auto socket = this->socket();
   if (!socket || !socket->isAlive()) {
     loseConnection(began);
@@ -65,7 +64,7 @@ ReplyResult ServerItem::requestAndReply(RedisCommand command, const std::vector<
   return result;
 }
 
-ReplyResult ServerItem::followRedirect(std::string_view line, RedisCommand command, const std::vector<Bytes>& args) {
+ReplyResult ServerItem::followRedirect(std::string_view line, RedisCommand command, Arguments args) {
   const auto target = redirectTarget(line);
   if (!target) {
     return failedCommand(
@@ -81,7 +80,7 @@ ReplyResult ServerItem::followRedirect(std::string_view line, RedisCommand comma
     message = replacingPlaceholder(std::move(message), "{0}", target->host);
     return failedCommand(replacingPlaceholder(std::move(message), "{1}", std::to_string(target->port)));
   }
-  ReplyResult result = node->execute(command, args);
+  ReplyResult result = node->exchange(command, args, std::nullopt);
   node->closeConnection();
   return result;
 }

@@ -84,6 +84,7 @@ TEST_F(Discovery, StandsBackWhileTheQueueHasOtherWork) {
   done = true;
   waitUntil([&] { return client->operationQueue().operationCount() == 0; });
   client->closeConnection();
+  waitUntil([&] { return peer.connections() == 1; });
   EXPECT_EQ(peer.received().front(), "");
 }
 

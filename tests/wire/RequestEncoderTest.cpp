@@ -4,21 +4,26 @@
 
 #include <array>
 #include <string_view>
+#include <vector>
 
 namespace tarn::test {
 namespace {
 
+Bytes encoded(RedisCommand command, std::vector<Bytes> args) {
+  return encodeRequest(command, args);
+}
+
 TEST(RequestEncoder, SendsTheMultiBulkForm) {
-  EXPECT_EQ(encodeRequest(RedisCommand::get, {"k"_bytes}), "*2\r\n$3\r\nget\r\n$1\r\nk\r\n"_bytes);
-  EXPECT_EQ(encodeRequest(RedisCommand::get, {}), "*1\r\n$3\r\nget\r\n"_bytes);
-  EXPECT_EQ(encodeRequest(RedisCommand::auth, {Bytes()}), "*2\r\n$4\r\nAUTH\r\n$0\r\n\r\n"_bytes);
-  EXPECT_EQ(encodeRequest(RedisCommand::set, {"\r\n\0"_bytes, "\xFF"_bytes}),
+  EXPECT_EQ(encoded(RedisCommand::get, {"k"_bytes}), "*2\r\n$3\r\nget\r\n$1\r\nk\r\n"_bytes);
+  EXPECT_EQ(encoded(RedisCommand::get, {}), "*1\r\n$3\r\nget\r\n"_bytes);
+  EXPECT_EQ(encoded(RedisCommand::auth, {Bytes()}), "*2\r\n$4\r\nAUTH\r\n$0\r\n\r\n"_bytes);
+  EXPECT_EQ(encoded(RedisCommand::set, {"\r\n\0"_bytes, "\xFF"_bytes}),
             "*3\r\n$3\r\nset\r\n$3\r\n\r\n\0\r\n$1\r\n\xFF\r\n"_bytes);
 }
 
 TEST(RequestEncoder, TakesWholeCommandsAndIgnoresArgumentsOfClusterNodes) {
-  EXPECT_EQ(encodeRequest(RedisCommand::raw, {"PING"_bytes}), "*1\r\n$4\r\nPING\r\n"_bytes);
-  EXPECT_EQ(encodeRequest(RedisCommand::clusterNodes, {"x"_bytes}), "*2\r\n$7\r\ncluster\r\n$5\r\nnodes\r\n"_bytes);
+  EXPECT_EQ(encoded(RedisCommand::raw, {"PING"_bytes}), "*1\r\n$4\r\nPING\r\n"_bytes);
+  EXPECT_EQ(encoded(RedisCommand::clusterNodes, {"x"_bytes}), "*2\r\n$7\r\ncluster\r\n$5\r\nnodes\r\n"_bytes);
   const std::array<std::string_view, 2> words{"seT", "a b"};
   EXPECT_EQ(encodeRequest(words), "*2\r\n$3\r\nseT\r\n$3\r\na b\r\n"_bytes);
 }
