@@ -107,7 +107,7 @@ TEST_F(ConnectionCommandsTest, ManyServersConnectSideBySide) {
   server(1)->closeConnection();
 }
 
-TEST_F(ConnectionCommandsTest, ClosingDuringAConnectEndsItWithoutAWord) {
+TEST_F(ConnectionCommandsTest, AConnectUnderWayEndsWithoutAWordWhenItIsClosed) {
   // Takes the connection and never answers the password.
   ScriptedServer silent([](ScriptedServer::Peer& peer, int) {
     while (!peer.readRequest().empty()) {
@@ -115,15 +115,32 @@ TEST_F(ConnectionCommandsTest, ClosingDuringAConnectEndsItWithoutAWord) {
   });
   store("silent", silent.port(), "password");
   openWindow();
-  clickRow(1);
-  clickTriangle(1);
-  ASSERT_TRUE(waitUntil([&] { return silent.connections() == 1; }));
+  const auto openTabAndConnect = [&](int connections) {
+    clickRow(1);
+    window().clickConnect();
+    return waitUntil([&] { return silent.connections() == connections; });
+  };
+  const std::shared_ptr<ServerItem> item = server();
+
+  ASSERT_TRUE(openTabAndConnect(1));
   window().clickCloseConnections();
   ASSERT_TRUE(waitForIdle());
-  EXPECT_EQ(alerts.messages(), Texts());
-  EXPECT_EQ(server()->connectionStatus(), ConnectionStatus::notConnected);
+  EXPECT_EQ(item->connectionStatus(), ConnectionStatus::notConnected);
   EXPECT_EQ(status(tabOf()), "Status:NotConnected");
+
+  ASSERT_TRUE(openTabAndConnect(2));
+  click(*tabOf()->outlets().btnReconnect.widget());
+  ASSERT_TRUE(waitUntil([&] { return silent.connections() == 3; }));
+  window().closeSelectedTab();
+  ASSERT_TRUE(waitForIdle());
+  EXPECT_EQ(item->connectionStatus(), ConnectionStatus::notConnected);
   EXPECT_EQ(rows(), (Texts{"My Favourite", "silent"}));
+
+  ASSERT_TRUE(openTabAndConnect(4));
+  window().clickRemoveSelectedConnections();
+  EXPECT_TRUE(waitUntil([&] { return item->operationQueue().operationCount() == 0; }));
+  EXPECT_EQ(rows(), Texts{"My Favourite"});
+  EXPECT_EQ(alerts.messages(), Texts());
 }
 
 TEST_F(ConnectionCommandsTest, ClosingKeepsTheTabAndReconnectingGoesBackToItsDatabase) {
