@@ -6,7 +6,7 @@ cd "$(dirname "$0")/../.."
 . packaging/common.sh
 
 folder=$(mktemp -d "${TMPDIR:-/tmp}/tarn-demo-XXXXXX")
-trap 'jobs -p | xargs -r kill 2>/dev/null; wait; rm -rf "$folder"' EXIT
+trap 'jobs -p | xargs -r kill 2>/dev/null || true; wait; rm -rf "$folder"' EXIT
 trap 'exit 130' INT TERM HUP
 
 redis() { redis-cli -h 127.0.0.1 -p "$port" "$@"; }

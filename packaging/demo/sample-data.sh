@@ -14,9 +14,18 @@ SET counter:visits 48211
 SET text:poem "The tarn lies still,\nand what you drop into it\nis found again.\n"
 SET text:separators "tab\there, a carriage return\r, NUL \x00, a bell \x07 and \xe2\x80\xa8a line separator"
 SET emoji "\xf0\x9f\x90\xbf \xf0\x9f\x8c\xb2 \xf0\x9f\x8f\x94"
-HSET user:1042 name "Ada Byron" mail ada@example.com city London born 1815 language en logins 211
-HSET user:88 name "Grace Hopper" mail grace@example.com city "New York" born 1906 language en logins 1952
-HSET "user:7 with spaces" name "\xe5\xbc\xa0\xe4\xbc\x9f" city "\xe5\x8c\x97\xe4\xba\xac" language zh
+HSET "user:7 with spaces" name "张伟" mail zhang@example.com city "北京" born 1981 language zh logins 37 roles "[\"reader\",\"editor\"]"
+HSET user:12 name "Alan Kay" mail alan@example.com city Springfield born 1940 language en logins 64 roles "[\"reader\",\"editor\"]"
+HSET user:31 name "Jürgen Groß" mail juergen@example.com city "Köln" born 1979 language de logins 5 roles "[\"reader\",\"editor\"]"
+HSET user:42 name "Radia Perlman" mail radia@example.com city Portsmouth born 1951 language en logins 802 roles "[\"reader\",\"editor\"]"
+HSET user:88 name "Grace Hopper" mail grace@example.com city "New York" born 1906 language en logins 1952 roles "[\"reader\",\"editor\"]"
+HSET user:105 name "Zoë Bélanger" mail zoe@example.com city "Montréal" born 1990 language fr logins 18 roles "[\"reader\",\"editor\"]"
+HSET user:233 name "Ольга Ладыженская" mail olga@example.com city "Кологрив" born 1922 language ru logins 340 roles "[\"reader\",\"editor\"]"
+HSET user:377 name "Barbara Liskov" mail barbara@example.com city "Los Angeles" born 1939 language en logins 610 roles "[\"reader\",\"editor\"]"
+HSET user:512 name "山田 花子" mail hanako@example.com city "京都" born 1985 language ja logins 76 roles "[\"reader\",\"editor\"]"
+HSET user:610 name "Edsger Dijkstra" mail edsger@example.com city Rotterdam born 1930 language nl logins 1968 roles "[\"reader\",\"editor\"]"
+HSET user:987 name "Margaret Hamilton" mail margaret@example.com city Paoli born 1936 language en logins 11 roles "[\"reader\",\"editor\"]"
+HSET user:1042 name "Ada Byron" mail ada@example.com city London born 1815 language en logins 211 roles "[\"reader\",\"editor\"]"
 HSET product:31 title "Folding kayak" price 1249.00 stock 3 colours "[\"red\",\"blue\"]" photo "\xff\xd8\xff\xe0\x00\x10JFIF"
 EXPIRE product:31 604800
 RPUSH queue:mail "to=ada@example.com subject=Welcome" "to=grace@example.com subject=Invoice" "to=ada@example.com subject=News"

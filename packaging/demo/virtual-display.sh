@@ -2,10 +2,13 @@
 # The demo without a display: Tarn on a virtual one, driven from outside by synthetic clicks and keys. Sourced by
 # demo.sh, which has set `folder`, `port` and `redis`.
 
+# shellcheck disable=SC2154 # `folder` is demo.sh's
+
 # Where the window is: its number and its corner.
 window=
 windowX=0
 windowY=0
+foundY=0
 
 # waitUntil SECONDS WHAT COMMAND...: waits for the command to succeed; the demo fails, naming WHAT, if it doesn't in time.
 waitUntil() {
@@ -41,22 +44,33 @@ findWindow() {
 # callsOf COMMAND: how often the demo's server has run it.
 callsOf() { redis INFO commandstats | sed -n "s/^cmdstat_$1:calls=\([0-9]*\),.*/\1/p"; }
 
+refreshedTwice() { (($(callsOf 'cluster|nodes') >= 2)); }
+
 ranMoreOften() { [[ $(callsOf "$1") != "$2" ]]; }
 
-# clickUntilServerRuns COMMAND X Y: clicks there until the click has led to that command, again while it hasn't: the
-# window may still be on its way.
-clickUntilServerRuns() {
-  local before attempt
-  before=$(callsOf "$1")
-  for attempt in {1..10}; do
-    click "$2" "$3"
-    for _ in {1..20}; do
-      ranMoreOften "$1" "$before" && return
+# searchFor TEXT X Y: a click at the search field, and the text by keyboard.
+searchFor() {
+  click "$2" "$3"
+  xdotool key ctrl+a
+  xdotool type "$1"
+  xdotool key Return
+}
+
+# downUntilServerRuns COMMAND X FROM TO STEP ACTION...: does ACTION X Y with Y going down a line through the window until
+# that has led to the command, since where exactly a control lies follows from the desktop's font. Sets `foundY`.
+downUntilServerRuns() {
+  local command=$1 x=$2 from=$3 to=$4 step=$5 before
+  shift 5
+  before=$(callsOf "$command")
+  for ((foundY = from; foundY <= to; foundY += step)); do
+    "$@" "$x" "$foundY"
+    for _ in {1..15}; do
+      ranMoreOften "$command" "$before" && return
       sleep 0.1
     done
   done
   import -window root build/demo-failed.png
-  die "after $attempt clicks at $2,$3 Tarn still hasn't sent $1; see $PWD/build/demo-failed.png"
+  die "no click from $x,$from to $x,$to made Tarn send $command; see $PWD/build/demo-failed.png"
 }
 
 # takePicture FILE: of the window, once it has come to rest.
@@ -81,17 +95,16 @@ driveOnVirtualDisplay() {
   # Without a window manager nobody else gives it the keyboard.
   xdotool windowfocus --sync "$window"
 
-  clickUntilServerRuns 'config|get' 25 100
-  clickUntilServerRuns scan 90 124
-  click 380 112
-  local searches
-  searches=$(callsOf scan)
-  xdotool type 'user:'
-  xdotool key Return
-  waitUntil 20 "the search" ranMoreOften scan "$searches"
-  clickUntilServerRuns hscan 380 224
-  click 700 220
   mkdir -p build
+  downUntilServerRuns 'config|get' 25 56 140 12 click
+  # The counts of the databases come with the second of the refreshes that begin so.
+  waitUntil 20 "the refresh of the counts" refreshedTwice
+  downUntilServerRuns scan 90 $((foundY + 24)) $((foundY + 36)) 12 click
+  downUntilServerRuns scan 380 84 134 10 searchFor 'user:'
+  downUntilServerRuns hscan 380 $((foundY + 100)) $((foundY + 150)) 9 click
+  # The rows are there when the window rests; the first of them then shows in the editors.
+  takePicture build/demo.png
+  click 700 "$foundY"
   takePicture build/demo.png
   say "A hash, as Tarn shows it: $PWD/build/demo.png"
 }

@@ -136,6 +136,9 @@ TEST_F(Reading, TheWholeRoadFromAFavouriteToValuesAndBack) {
   EXPECT_EQ(tab().hashKeyTextView.string(), "city");
   EXPECT_EQ(tab().hashValueTextView.string(), "London");
   picture("endtoend-08-hash");
+  useDarkPalette(true);
+  picture("endtoend-08-hash-dark");
+  useDarkPalette(false);
 
   ASSERT_NO_FATAL_FAILURE(readKey("zset", "Data Size: 23byte(s) Data Count:6"));
   expectKey("zset", "SortedSet", "-1", "(Persist)", 4);
