@@ -59,6 +59,9 @@ OperationTabViewController::OperationTabViewController() : d_(std::make_shared<P
   outlets.btnReconnect.setAction([this] {
     if (WorkbenchHost* host = WorkbenchHost::installed()) host->reconnect(*this);
   });
+  outlets.btnNew.setAction([] {
+    if (WorkbenchHost* host = WorkbenchHost::installed()) host->openTypeDialog();
+  });
   outlets.popKeyDataCharset.setAction([this] { changeKeyDataCharset(); });
   outlets.popValueDataCharset.setAction([this] { changeValueDataCharset(); });
   outlets.chkTranslate.setAction([this] { translateSlash(); });
@@ -167,6 +170,20 @@ void OperationTabViewController::resetFormForNewKey() {
   doResizeLater();
   d_->form.showSizesUnknown();
   d_->outlets.chkTranslate.setState(false);
+}
+
+void OperationTabViewController::newKeyTypeChosen(const std::string& title) {
+  TabState& state = d_->state;
+  d_->outlets.labType.setStringValue(newTypeText(title));
+  d_->form.showSizesUnknown();
+  state.currentType = typeOfNewKeyTitle(title);
+  if (isValueType(state.currentType)) {
+    d_->outlets.tableKeys.deselectAll();
+    state.oldKeyData.reset();
+  }
+  d_->panes.showValuePane(state.currentType);
+  state.isNew = true;
+  resetFormForNewKey();
 }
 
 void OperationTabViewController::search() {

@@ -48,6 +48,9 @@ public:
   void resetWorkbenchView();
   // Empties the key form and all value panes.
   void resetFormForNewKey();
+  // The type dialog was confirmed: an empty form of this type, for a key that comes to exist with its first save. A
+  // title may carry "(Base64Key)", which is no part of the type.
+  void newKeyTypeChosen(const std::string& title);
   // Starts the key search for what the form says.
   void search();
 

@@ -8,6 +8,13 @@
 
 namespace tarn {
 
+namespace {
+
+constexpr std::array<std::pair<std::string_view, std::string_view>, 5> titles{
+    {{"string", "String"}, {"list", "List"}, {"set", "Set"}, {"hash", "Hash"}, {"zset", "SortedSet"}}};
+
+}  // namespace
+
 std::string serverStatusText(ConnectionStatus status) {
   switch (status) {
     case ConnectionStatus::notConnected:
@@ -36,6 +43,10 @@ std::string typeText(std::string_view type) {
 
 std::string unsupportedTypeText(std::string_view word) {
   return localizedString("Type:").append(word) + localizedString(" (Unsupported Type)");
+}
+
+std::string newTypeText(std::string_view title) {
+  return typeText(title) + localizedString(" (New)");
 }
 
 std::string unknownKeySizeText() {
@@ -77,11 +88,17 @@ std::string countShownText(std::size_t keys) {
 }
 
 std::string_view valueTypeTitle(std::string_view word) {
-  static constexpr std::array<std::pair<std::string_view, std::string_view>, 5> titles{
-      {{"string", "String"}, {"list", "List"}, {"set", "Set"}, {"hash", "Hash"}, {"zset", "SortedSet"}}};
   const auto* found =
       std::find_if(titles.begin(), titles.end(), [&](const auto& title) { return title.first == word; });
   return found == titles.end() ? std::string_view() : found->second;
+}
+
+bool isValueType(std::string_view title) {
+  return std::any_of(titles.begin(), titles.end(), [&](const auto& known) { return known.second == title; });
+}
+
+std::string typeOfNewKeyTitle(std::string_view title) {
+  return replacingPlaceholder(std::string(title), "(Base64Key)", "");
 }
 
 }  // namespace tarn

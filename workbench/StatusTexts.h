@@ -17,6 +17,8 @@ std::string dealingQueueText(std::size_t operationCount);
 std::string unknownTypeText();
 std::string typeText(std::string_view type);
 std::string unsupportedTypeText(std::string_view word);
+// A key that isn't on the server yet.
+std::string newTypeText(std::string_view title);
 
 std::string unknownKeySizeText();
 std::string keySizeText(std::size_t bytes);
@@ -35,5 +37,11 @@ std::string countShownText(std::size_t keys);
 
 // "String", "List", "Set", "Hash" or "SortedSet" for what the server calls it; empty for a word that no pane shows.
 std::string_view valueTypeTitle(std::string_view word);
+
+// True for those five titles.
+bool isValueType(std::string_view title);
+
+// The type that a title of the type dialog stands for: the title without "(Base64Key)".
+std::string typeOfNewKeyTitle(std::string_view title);
 
 }  // namespace tarn
