@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/foundation/Bytes.h"
@@ -11,8 +12,9 @@
 namespace tarn {
 
 // One column of a list, set, hash or sorted set: for each row its raw bytes, the text that stands for them, and whether
-// that text is the `\B` form. The three are in step because only the bytes are stored: a row's text is made when it is
-// asked for, which is when the row comes into sight. Main queue only.
+// that text is the `\B` form. The bytes are what is stored: a row's text is made from them when it is asked for, which
+// is when the row comes into sight. Only the few rows whose text a hand or a save has set to something that their bytes
+// alone wouldn't show have one on record. Main queue only; a row is an index below rowCount().
 class ValueColumn final {
 public:
   std::size_t rowCount() const { return data_.size(); }
@@ -20,17 +22,53 @@ public:
   // The rows as the server sent them, shown under `title`: a character set or "Base64". Answers with the rows before.
   std::vector<Bytes> assign(std::vector<Bytes> rows, std::string_view title);
 
-  // Shows the same bytes under another title.
-  void setTitle(std::string_view title) { title_ = title; }
+  // Shows the bytes of all rows under another title, whatever text was set.
+  void setTitle(std::string_view title);
 
+  // What the server sent for each row, or what the last edit or save made of it.
   const std::vector<Bytes>& data() const { return data_; }
 
-  // The unescaped text of a row below rowCount(), and its flag.
-  RowText row(std::size_t index) const;
+  // The unescaped text of a row, and its flag.
+  RowText row(std::size_t row) const;
+
+  // What a hand made of a row.
+  void setRow(std::size_t row, std::string text, Bytes bytes, bool isBase64);
+  // Other bytes under the text that the row shows.
+  void setData(std::size_t row, Bytes bytes);
+
+  // A row without text and bytes, in front of the one at `row` or behind the last.
+  void insertRow(std::size_t row);
+  // `rows` ascend.
+  void removeRows(const std::vector<std::size_t>& rows);
 
 private:
+  struct SetText {
+    std::size_t row;
+    RowText shown;
+  };
+
+  void setText(std::size_t row, RowText shown);
+
   std::vector<Bytes> data_;
+  // Ascending by row.
+  std::vector<SetText> setTexts_;
   std::string title_;
 };
+
+// Takes the elements at these ascending places away, all at once.
+template <class Row>
+void eraseRows(std::vector<Row>& from, const std::vector<std::size_t>& rows) {
+  if (rows.empty()) return;
+  auto gone = rows.begin();
+  std::size_t kept = *gone;
+  for (std::size_t row = kept; row < from.size(); ++row) {
+    if (gone != rows.end() && *gone == row) {
+      ++gone;
+    } else {
+      from[kept++] = std::move(from[row]);
+    }
+  }
+  from.resize(kept);
+}
 
 }  // namespace tarn

@@ -27,6 +27,8 @@ inline constexpr std::string_view base64Marker = "\\B";
 struct RowText {
   std::string text;
   bool isBase64 = false;
+
+  bool operator==(const RowText&) const = default;
 };
 
 // How a row of a value is shown under the title of a pop-up, "Base64" or a character set; the text is unescaped.
