@@ -8,8 +8,6 @@
 
 namespace tarn {
 
-Bytes::Bytes() noexcept : tag_(0) {}
-
 Bytes::Bytes(std::string_view chars) : Bytes() {
   resize(chars.size());
   if (!chars.empty()) std::memcpy(data(), chars.data(), chars.size());
@@ -31,34 +29,6 @@ Bytes& Bytes::operator=(Bytes&& other) noexcept {
   if (isOnHeap()) std::free(block().chars);
   takeFrom(other);
   return *this;
-}
-
-Bytes::~Bytes() {
-  if (isOnHeap()) std::free(block().chars);
-}
-
-const char* Bytes::data() const noexcept {
-  return isOnHeap() ? block().chars : storage_;
-}
-
-char* Bytes::data() noexcept {
-  return isOnHeap() ? block().chars : storage_;
-}
-
-std::size_t Bytes::size() const noexcept {
-  return isOnHeap() ? block().size : tag_;
-}
-
-bool Bytes::empty() const noexcept {
-  return size() == 0;
-}
-
-std::string_view Bytes::view() const noexcept {
-  return {data(), size()};
-}
-
-std::span<const std::byte> Bytes::span() const noexcept {
-  return std::as_bytes(std::span(data(), size()));
 }
 
 void Bytes::resize(std::size_t newSize) {
@@ -87,16 +57,6 @@ void Bytes::append(std::string_view chars) {
   const std::size_t offset = isOwnPart ? static_cast<std::size_t>(chars.data() - data()) : 0;
   resize(oldSize + chars.size());
   std::memmove(data() + oldSize, isOwnPart ? data() + offset : chars.data(), chars.size());
-}
-
-bool Bytes::isOnHeap() const noexcept {
-  return tag_ == heapTag;
-}
-
-Bytes::Block Bytes::block() const noexcept {
-  Block block;
-  std::memcpy(&block, storage_, sizeof block);
-  return block;
 }
 
 void Bytes::setBlock(Block block) noexcept {

@@ -3,6 +3,8 @@
 #include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
+#include <cstring>
 #include <span>
 #include <string>
 #include <string_view>
@@ -16,20 +18,23 @@ class Bytes final {
 public:
   static constexpr std::size_t inlineCapacity = 23;
 
-  Bytes() noexcept;
+  Bytes() noexcept : tag_(0) {}
   explicit Bytes(std::string_view chars);
   Bytes(const Bytes& other);
   Bytes(Bytes&& other) noexcept;
   Bytes& operator=(const Bytes& other);
   Bytes& operator=(Bytes&& other) noexcept;
-  ~Bytes();
+  ~Bytes() {
+    if (isOnHeap()) std::free(block().chars);
+  }
 
-  const char* data() const noexcept;
-  char* data() noexcept;
-  std::size_t size() const noexcept;
-  bool empty() const noexcept;
-  std::string_view view() const noexcept;
-  std::span<const std::byte> span() const noexcept;
+  // In the header, since a million-row list asks them several times a row.
+  const char* data() const noexcept { return isOnHeap() ? block().chars : storage_; }
+  char* data() noexcept { return isOnHeap() ? block().chars : storage_; }
+  std::size_t size() const noexcept { return isOnHeap() ? block().size : tag_; }
+  bool empty() const noexcept { return size() == 0; }
+  std::string_view view() const noexcept { return {data(), size()}; }
+  std::span<const std::byte> span() const noexcept { return std::as_bytes(std::span(data(), size())); }
 
   // Keeps the first bytes; new ones are left uninitialised, for a reader that is about to fill them.
   void resize(std::size_t size);
@@ -48,8 +53,12 @@ private:
     std::size_t size;
   };
 
-  bool isOnHeap() const noexcept;
-  Block block() const noexcept;
+  bool isOnHeap() const noexcept { return tag_ == heapTag; }
+  Block block() const noexcept {
+    Block block;
+    std::memcpy(&block, storage_, sizeof block);
+    return block;
+  }
   void setBlock(Block block) noexcept;
   void takeFrom(Bytes& other) noexcept;
 
