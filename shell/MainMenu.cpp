@@ -3,6 +3,9 @@
 #include "platform/appkit/NSApplication.h"
 #include "platform/foundation/NSLocalizedString.h"
 
+#include <string>
+#include <utility>
+
 namespace tarn {
 
 namespace {
@@ -14,6 +17,22 @@ std::shared_ptr<NSMenu> fileMenu(MainViewController& content) {
   menu->addSeparator();
   menu->addItem(
       localizedString("Quit"), [] { NSApplication::shared().terminate(); }, "Ctrl+Q");
+  return menu;
+}
+
+std::shared_ptr<NSMenu> editMenu() {
+  auto menu = std::make_shared<NSMenu>(localizedString("Edit"));
+  const auto add = [&](std::string title, NSTextAction action, std::string key) {
+    menu->addItem(
+        std::move(title), [action] { NSApplication::shared().sendAction(action); }, std::move(key));
+  };
+  add(localizedString("Undo"), NSTextAction::undo, "Ctrl+Z");
+  add(localizedString("Redo"), NSTextAction::redo, "Ctrl+Shift+Z");
+  menu->addSeparator();
+  add(localizedString("Cut"), NSTextAction::cut, "Ctrl+X");
+  add(localizedString("Copy"), NSTextAction::copy, "Ctrl+C");
+  add(localizedString("Paste"), NSTextAction::paste, "Ctrl+V");
+  add(localizedString("Select All"), NSTextAction::selectAll, "Ctrl+A");
   return menu;
 }
 
@@ -31,6 +50,7 @@ std::shared_ptr<NSMenu> connectionMenu(MainViewController& content) {
 std::shared_ptr<NSMenu> mainMenu(MainViewController& content) {
   auto bar = std::make_shared<NSMenu>("Tarn");
   bar->addSubmenu(fileMenu(content));
+  bar->addSubmenu(editMenu());
   bar->addSubmenu(connectionMenu(content));
   return bar;
 }

@@ -4,6 +4,7 @@
 #include "platform/appkit/ApplicationHost.h"
 #include "platform/appkit/ImageIcon.h"
 #include "platform/appkit/LocalizedLayouts.h"
+#include "platform/appkit/TextInputWidget.h"
 #include "platform/foundation/NSAlert.h"
 
 #include <QWidget>
@@ -75,6 +76,32 @@ void NSApplication::activateIgnoringOtherApps() {
   if (!front) return;
   front->raise();
   front->activateWindow();
+}
+
+bool NSApplication::sendAction(NSTextAction action) {
+  auto* text = dynamic_cast<TextInputWidget*>(QApplication::focusWidget());
+  if (!text) return false;
+  switch (action) {
+    case NSTextAction::undo:
+      text->undo();
+      break;
+    case NSTextAction::redo:
+      text->redo();
+      break;
+    case NSTextAction::cut:
+      text->cut();
+      break;
+    case NSTextAction::copy:
+      text->copy();
+      break;
+    case NSTextAction::paste:
+      text->paste();
+      break;
+    case NSTextAction::selectAll:
+      text->selectAll();
+      break;
+  }
+  return true;
 }
 
 WaitCursor::WaitCursor() {

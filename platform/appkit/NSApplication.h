@@ -7,6 +7,9 @@ namespace tarn {
 
 class NSImage;
 
+// What a text under edit does on request.
+enum class NSTextAction { undo, redo, cut, copy, paste, selectAll };
+
 // The running program: the toolkit's event loop hosting the main run loop. It sees to it that posted blocks run before
 // the next input event, that alerts are modal and close an open menu first, and that no timer fires while an alert is
 // up or a menu is open. Installs the presenter of NSAlert. One per process, made first thing in main().
@@ -34,6 +37,9 @@ public:
 
   // Brings the program's windows to the front.
   void activateIgnoringOtherApps();
+
+  // Sends what the Edit menu asks for to the control that has the keyboard. False if there is none that takes it.
+  bool sendAction(NSTextAction action);
 
 private:
   struct Private;

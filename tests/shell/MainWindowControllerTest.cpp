@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <QMenu>
+#include <QMenuBar>
 #include <QWidget>
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 
@@ -100,6 +103,54 @@ TEST(MainWindowController, TheMenusKeysCloseTheTabAndQuit) {
   NSOperationQueue::mainQueue().addOperationWithBlock([] { press(Qt::Key_Q, Qt::ControlModifier); });
   EXPECT_EQ(NSApplication::shared().run(), 0);
   NSApplication::shared().setShouldTerminate({});
+}
+
+// The menu of the bar takes the keyboard while it is open, by mouse and by key.
+TEST(MainWindowController, TheEditMenuActsOnTheTextThatHadTheKeyboard) {
+  Program program(1);
+  const TabKeeper::Tab tab = program.openTab();
+  ASSERT_TRUE(tab);
+  NSTextField& key = tab->outlets().txtKey;
+  key.becomeFirstResponder();
+  type("name");
+
+  auto& bar = *program.window().findChild<QMenuBar*>();
+  QAction* const edit = bar.actions().at(1);
+  const auto choose = [&](const char* title) {
+    auto* menu = qobject_cast<QMenu*>(openPopUp());
+    ASSERT_NE(menu, nullptr);
+    const auto items = menu->actions();
+    const auto item = std::ranges::find(items, QString(title), &QAction::text);
+    ASSERT_NE(item, items.end());
+    click(*menu, menu->actionGeometry(*item).center());
+  };
+  const auto openByMouse = [&] { click(bar, bar.actionGeometry(edit).center()); };
+  const auto openByKeys = [] {
+    press(Qt::Key_Alt);
+    press(Qt::Key_Right);
+    press(Qt::Key_Down);
+  };
+
+  openByMouse();
+  choose("Select All");
+  openByKeys();
+  choose("Cut");
+  EXPECT_EQ(key.stringValue(), "");
+  openByMouse();
+  choose("Undo");
+  EXPECT_EQ(key.stringValue(), "name");
+  openByMouse();
+  choose("Redo");
+  openByMouse();
+  choose("Paste");
+  EXPECT_EQ(key.stringValue(), "name");
+  EXPECT_TRUE(key.isFirstResponder());
+
+  // Where no text has the keyboard nothing happens.
+  program.content->outlets().serverSelection.becomeFirstResponder();
+  openByMouse();
+  choose("Paste");
+  EXPECT_EQ(key.stringValue(), "name");
 }
 
 }  // namespace tarn::test
