@@ -175,15 +175,16 @@ void TableViewWidget::focusOutEvent(QFocusEvent* event) {
 }
 
 void TableViewWidget::mousePressEvent(QMouseEvent* event) {
+  // Whoever hears of it may show an alert, behind which the table may go.
+  const QPointer<TableViewWidget> self(this);
   // The focus has come here already, which ends an edit; not so in a window without the keyboard.
   editor_.commit();
+  if (!self) return;
   const QPoint position = event->position().toPoint();
   const int row = rowAt(position.y());
   const int column = row < 0 ? -1 : columnAt(position.x());
   const bool left = event->button() == Qt::LeftButton;
   const bool deselects = left && row == selectedRow_ && event->modifiers().testFlag(Qt::ControlModifier);
-  // Whoever hears of it may show an alert, behind which the table may go.
-  const QPointer<TableViewWidget> self(this);
   if (row >= 0 && (left || event->button() == Qt::RightButton)) selectRow(deselects ? -1 : row, true);
   if (!self || !left) return;
   if (TableCell* cell = cells_.at(row, column); cell && cell->isEditable() && !deselects) openCell(*cell);
@@ -330,11 +331,15 @@ void TableViewWidget::placeEditor() {
 
 void TableViewWidget::paintEvent(QPaintEvent* event) {
   QPainter painter(viewport());
-  if (rowCount_ == 0) return paintPlaceholder(painter);
+  if (rowCount_ == 0) paintPlaceholder(painter);
   painter.setFont(cellFont_);
   for (const int row : cells_.rows()) {
     const int top = cellRect(row, 0).y();
     if (top <= event->rect().bottom() && top + rowHeight > event->rect().top()) paintRow(painter, row);
+  }
+  if (isActiveWindow() && hasFocus()) {
+    painter.setPen(palette().color(QPalette::Active, QPalette::Highlight));
+    painter.drawRect(viewport()->rect().adjusted(0, 0, -1, -1));
   }
 }
 
