@@ -4,9 +4,10 @@
 
 #include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/NSTimer.h"
-#include "shell/formatters/RequiredCouldNegativeDoubleFormatter.h"
 #include "workbench/KeyBrowser.h"
 #include "workbench/KeyForm.h"
+#include "workbench/RowActions.h"
+#include "workbench/RowEditing.h"
 #include "workbench/StatusTexts.h"
 #include "workbench/StringPane.h"
 #include "workbench/TabQueue.h"
@@ -21,15 +22,13 @@ namespace tarn {
 
 namespace {
 
-constexpr int scoreEditorTag = 100001;
 constexpr double resizeDelay = 0.1;
 
-// Controls whose work the program can't do yet. One leaves this list, and those of rows go into the table of panes,
-// together with the work behind it.
+// Controls whose work the program can't do yet. One leaves this list together with the work behind it.
 void hideControlsWithoutWork(OperationTabLayout& outlets) {
   for (NSView* control :
        std::initializer_list<NSView*>{&outlets.btnSave, &outlets.btnNew, &outlets.btnDelete,
-                                      &outlets.btnDeleteSelectedRows, &outlets.btnAddRow, &outlets.cliScrollView}) {
+                                      &outlets.cliScrollView}) {
     control->setHidden(true);
   }
 }
@@ -45,6 +44,8 @@ struct OperationTabViewController::Private {
   StringPane string{outlets, state};
   ValuePanes panes{outlets};
   ValueTables tables{outlets, state, queue};
+  RowEditing editing{outlets, state, queue, tables};
+  RowActions rowActions{outlets, state, queue, tables, editing};
   ValueLoader loader{outlets, state, queue, form, string, panes, tables};
   KeyBrowser browser{outlets, state, queue, form};
 };
@@ -73,8 +74,6 @@ OperationTabViewController::OperationTabViewController() : d_(std::make_shared<P
   outlets.popValueDataCharset.addItemsWithTitles(charsetTitles());
   d_->state.oldValueDataCharset = outlets.popValueDataCharset.titleOfSelectedItem();
   outlets.txtViewCli.setString(localizedString("Welcome: "));
-  outlets.sortedSetScoreTextField.setFormatter(std::make_unique<RequiredCouldNegativeDoubleFormatter>());
-  outlets.sortedSetScoreTextField.setTag(scoreEditorTag);
   hideControlsWithoutWork(outlets);
 }
 
@@ -220,8 +219,10 @@ void OperationTabViewController::changeValueDataCharset() {
 
 void OperationTabViewController::translateSlash() {
   d_->form.translateKey();
-  commitEditing();
+  // A text in an open cell was typed while the box said otherwise.
+  d_->editing.endCellEdits(!d_->outlets.chkTranslate.state());
   d_->tables.reloadAllTables();
+  commitEditing();
 }
 
 }  // namespace tarn

@@ -25,6 +25,8 @@ public:
   // The tab that owns all this, for the weak references of blocks. Call it before anything else.
   void setTab(std::weak_ptr<void> tab) { tab_ = std::move(tab); }
   TabPoster poster() const { return TabPoster(tab_); }
+  // Keeps the tab, for an operation that may raise an alert, behind which the tab may be closed.
+  std::shared_ptr<void> tab() const { return tab_.lock(); }
 
   // Queues work that reads or writes keys of the database shown now. Where the wire stands elsewhere when its turn
   // comes, SELECT is sent first, with the running blocks ended and no other started; if that fails, the work is

@@ -7,17 +7,27 @@ namespace tarn {
 
 std::vector<Bytes> ValueColumn::assign(std::vector<Bytes> rows, std::string_view title) {
   setTitle(title);
+  ++revision_;
   return std::exchange(data_, std::move(rows));
 }
 
 void ValueColumn::setTitle(std::string_view title) {
   title_ = title;
   setTexts_.clear();
+  ++generation_;
 }
 
 RowText ValueColumn::row(std::size_t row) const {
   const auto set = std::ranges::lower_bound(setTexts_, row, {}, &SetText::row);
   return set != setTexts_.end() && set->row == row ? set->shown : rowDisplayText(data_[row].view(), title_);
+}
+
+std::vector<std::size_t> ValueColumn::rowsWithSetText() const {
+  std::vector<std::size_t> rows;
+  rows.reserve(setTexts_.size());
+  for (const SetText& set : setTexts_)
+    rows.push_back(set.row);
+  return rows;
 }
 
 void ValueColumn::setRow(std::size_t row, std::string text, Bytes bytes, bool isBase64) {
@@ -32,6 +42,8 @@ void ValueColumn::setData(std::size_t row, Bytes bytes) {
 }
 
 void ValueColumn::insertRow(std::size_t row) {
+  ++revision_;
+  ++generation_;
   data_.insert(data_.begin() + static_cast<std::ptrdiff_t>(row), Bytes());
   for (auto set = std::ranges::lower_bound(setTexts_, row, {}, &SetText::row); set != setTexts_.end(); ++set)
     ++set->row;
@@ -39,6 +51,8 @@ void ValueColumn::insertRow(std::size_t row) {
 }
 
 void ValueColumn::removeRows(const std::vector<std::size_t>& rows) {
+  ++revision_;
+  ++generation_;
   eraseRows(data_, rows);
   std::erase_if(setTexts_, [&](const SetText& set) { return std::binary_search(rows.begin(), rows.end(), set.row); });
   for (SetText& set : setTexts_) {

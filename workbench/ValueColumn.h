@@ -19,6 +19,9 @@ class ValueColumn final {
 public:
   std::size_t rowCount() const { return data_.size(); }
 
+  // Another number whenever rows were rebuilt, came or went, so that a row kept by its number may be another one.
+  int generation() const { return generation_; }
+
   // The rows as the server sent them, shown under `title`: a character set or "Base64". Answers with the rows before.
   std::vector<Bytes> assign(std::vector<Bytes> rows, std::string_view title);
 
@@ -28,8 +31,16 @@ public:
   // What the server sent for each row, or what the last edit or save made of it.
   const std::vector<Bytes>& data() const { return data_; }
 
+  const std::string& title() const { return title_; }
+
+  // Stays as long as each row keeps its place.
+  int revision() const { return revision_; }
+
   // The unescaped text of a row, and its flag.
   RowText row(std::size_t row) const;
+
+  // The rows whose text isn't what their bytes alone would show; ascending.
+  std::vector<std::size_t> rowsWithSetText() const;
 
   // What a hand made of a row.
   void setRow(std::size_t row, std::string text, Bytes bytes, bool isBase64);
@@ -53,6 +64,8 @@ private:
   // Ascending by row.
   std::vector<SetText> setTexts_;
   std::string title_;
+  int generation_ = 0;
+  int revision_ = 0;
 };
 
 // Takes the elements at these ascending places away, all at once.

@@ -125,7 +125,7 @@ void ValueLoader::showKeyType(const std::string& word) {
   state_.currentType = type.empty() ? word : type;
   outlets_.labType.setStringValue(typeText(state_.currentType));
   panes_.showValuePane(type);
-  if (const NSTableView* table = tables_.tableForType(type)) {
+  if (NSTableView* table = tables_.tableForType(type)) {
     state_.currentDataRow = -1;
     tables_.emptyTable(*table);
   } else {

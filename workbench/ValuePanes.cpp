@@ -45,6 +45,9 @@ void ValuePanes::showValuePane(std::string_view type) {
   outlets_.sortedSetValueLabel.setHidden(!sortedSet);
   outlets_.sortedSetScoreTextField.setHidden(!sortedSet);
   outlets_.sortedSetScoreLabel.setHidden(!sortedSet);
+
+  outlets_.btnDeleteSelectedRows.setHidden(!rows && !hash && !sortedSet);
+  outlets_.btnAddRow.setHidden(!rows && !hash && !sortedSet);
 }
 
 void ValuePanes::doResize() {

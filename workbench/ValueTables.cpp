@@ -1,7 +1,10 @@
 #include "workbench/ValueTables.h"
 
+#include <algorithm>
+#include <memory>
 #include <utility>
 
+#include "shell/formatters/RequiredCouldNegativeDoubleFormatter.h"
 #include "workbench/codec/EscapeForms.h"
 
 namespace tarn {
@@ -14,7 +17,7 @@ ValueTables::ValueTables(OperationTabLayout& outlets, TabState& state, TabQueue&
                {4, outlets.valueDataHashTable, 0, state.hashKey, outlets.hashKeyTextView},
                {5, outlets.valueDataHashTable, 1, state.hashVal, outlets.hashValueTextView},
                {6, outlets.valueDataSortedSetTable, 0, state.sortedSetValue, outlets.sortedSetValueTextView}}} {
-  for (const Place& place : places_) {
+  for (const ValuePlace& place : places_) {
     if (place.column > 0) continue;
     place.table.setTag(place.tag);
     place.table.setDataSource(this);
@@ -30,6 +33,39 @@ void ValueTables::setScores(std::vector<std::string> scores) {
   queue_.dispose(std::exchange(state_.sortedSetScore, std::move(scores)));
 }
 
+int ValueTables::cellTag(const NSTableView& table, int column) const {
+  for (const ValuePlace& place : places_) {
+    if (&place.table == &table && place.column == column) return place.tag;
+  }
+  return scoreCellTag;
+}
+
+bool ValueTables::hasRow(const NSTableView& table, int row) const {
+  return row >= 0 && static_cast<std::size_t>(row) < firstPlace(table).rows.rowCount();
+}
+
+int ValueTables::generation(const NSTableView& table) const {
+  return firstPlace(table).rows.generation();
+}
+
+void ValueTables::insertRow(NSTableView& table, std::size_t row) {
+  for (const ValuePlace& place : places_) {
+    if (&place.table == &table) place.rows.insertRow(row);
+  }
+  if (showsScore(table, 1)) {
+    state_.sortedSetScore.insert(state_.sortedSetScore.begin() + static_cast<std::ptrdiff_t>(row), std::string());
+  }
+  table.reloadData();
+}
+
+void ValueTables::removeRows(NSTableView& table, const std::vector<std::size_t>& rows) {
+  for (const ValuePlace& place : places_) {
+    if (&place.table == &table) place.rows.removeRows(rows);
+  }
+  if (showsScore(table, 1)) eraseRows(state_.sortedSetScore, rows);
+  table.reloadData();
+}
+
 NSTableView* ValueTables::tableForType(std::string_view type) {
   if (type == "List" || type == "Set") return &outlets_.valueDataSetTable;
   if (type == "Hash") return &outlets_.valueDataHashTable;
@@ -37,54 +73,62 @@ NSTableView* ValueTables::tableForType(std::string_view type) {
   return nullptr;
 }
 
-void ValueTables::emptyTable(const NSTableView& table) {
-  for (const Place& place : places_) {
-    if (&place.table != &table) continue;
-    setRows(place.rows, {});
-    if (showsScore(table, 1)) setScores({});
-    place.table.reloadData();
+void ValueTables::emptyTable(NSTableView& table) {
+  for (const ValuePlace& place : places_) {
+    if (&place.table == &table) setRows(place.rows, {});
   }
-  showInEditors(table, -1);
+  if (showsScore(table, 1)) setScores({});
+  table.reloadData();
+  showInEditors(table);
 }
 
 void ValueTables::emptyAllTables() {
-  for (const Place& place : places_) {
+  for (const ValuePlace& place : places_) {
     if (place.column == 0) emptyTable(place.table);
   }
 }
 
 void ValueTables::changeCharset(NSTableView& table) {
-  for (const Place& place : places_) {
+  for (const ValuePlace& place : places_) {
     if (&place.table == &table) place.rows.setTitle(outlets_.popValueDataCharset.titleOfSelectedItem());
   }
   table.reloadData();
 }
 
 void ValueTables::reloadAllTables() {
-  for (const Place& place : places_) {
+  for (const ValuePlace& place : places_) {
     if (place.column == 0) place.table.reloadData();
   }
 }
 
+std::string ValueTables::shownText(const std::string& text, bool translate) {
+  return translate ? escapeControlsForCell(text) : text;
+}
+
+void ValueTables::showInCell(const ValuePlace& place, int row) {
+  if (NSTableCellView* cell = place.table.viewAtColumn(place.column, row, false)) showRow(place, row, *cell);
+}
+
+void ValueTables::showSelectedRow(const ValuePlace& place) {
+  const int row = place.table.selectedRow();
+  if (hasRow(place.table, row)) place.editor.setString(place.rows.row(static_cast<std::size_t>(row)).text);
+}
+
+void ValueTables::showSelectedScore() {
+  const int row = outlets_.valueDataSortedSetTable.selectedRow();
+  if (!hasRow(outlets_.valueDataSortedSetTable, row)) return;
+  outlets_.sortedSetScoreTextField.setStringValue(state_.sortedSetScore[static_cast<std::size_t>(row)]);
+}
+
 int ValueTables::numberOfRowsInTableView(const NSTableView& table) {
-  for (const Place& place : places_) {
-    if (&place.table == &table) return static_cast<int>(place.rows.rowCount());
-  }
-  return 0;
+  return static_cast<int>(firstPlace(table).rows.rowCount());
 }
 
 void ValueTables::viewForTableColumn(NSTableView& table, int column, int row, NSTableCellView& cell) {
-  if (row < 0 || row >= numberOfRowsInTableView(table)) return;
-  const auto index = static_cast<std::size_t>(row);
-  if (showsScore(table, column)) {
-    cell.setStringValue(state_.sortedSetScore[index]);
-    return;
-  }
-  for (const Place& place : places_) {
-    if (&place.table != &table || place.column != column || index >= place.rows.rowCount()) continue;
-    const std::string text = place.rows.row(index).text;
-    cell.setStringValue(outlets_.chkTranslate.state() ? escapeControlsForCell(text) : text);
-    cell.setToolTip(text);
+  if (!hasRow(table, row)) return;
+  if (showsScore(table, column)) return showScore(row, cell);
+  for (const ValuePlace& place : places_) {
+    if (&place.table == &table && place.column == column) showRow(place, row, cell);
   }
 }
 
@@ -93,23 +137,41 @@ void ValueTables::tableViewSelectionIsChanging(NSTableView& table) {
 }
 
 void ValueTables::tableViewSelectionDidChange(NSTableView& table) {
-  showInEditors(table, table.selectedRow());
+  showInEditors(table);
 }
 
 bool ValueTables::showsScore(const NSTableView& table, int column) const {
   return &table == &outlets_.valueDataSortedSetTable && column == 1;
 }
 
+const ValuePlace& ValueTables::firstPlace(const NSTableView& table) const {
+  return *std::ranges::find(places_, &table, [](const ValuePlace& place) { return &place.table; });
+}
+
+void ValueTables::showRow(const ValuePlace& place, int row, NSTableCellView& cell) const {
+  const std::string text = place.rows.row(static_cast<std::size_t>(row)).text;
+  cell.setStringValue(shownText(text, outlets_.chkTranslate.state()));
+  cell.setToolTip(text);
+}
+
+void ValueTables::showScore(int row, NSTableCellView& cell) const {
+  cell.setStringValue(state_.sortedSetScore[static_cast<std::size_t>(row)]);
+  cell.setFormatter(std::make_unique<RequiredCouldNegativeDoubleFormatter>());
+  cell.setTag(scoreCellTag);
+  cell.setDelegate(cellDelegate_);
+  cell.setEditable(true);
+}
+
 // Without a valid row the editors become empty.
-void ValueTables::showInEditors(const NSTableView& table, int row) {
-  const bool valid = row >= 0 && row < numberOfRowsInTableView(table);
-  const auto index = static_cast<std::size_t>(row);
-  for (const Place& place : places_) {
-    if (&place.table == &table) place.editor.setString(valid ? place.rows.row(index).text : std::string());
+void ValueTables::showInEditors(const NSTableView& table) {
+  for (const ValuePlace& place : places_) {
+    if (&place.table != &table) continue;
+    place.editor.setString("");
+    showSelectedRow(place);
   }
-  if (showsScore(table, 1)) {
-    outlets_.sortedSetScoreTextField.setStringValue(valid ? state_.sortedSetScore[index] : std::string());
-  }
+  if (!showsScore(table, 1)) return;
+  outlets_.sortedSetScoreTextField.setStringValue("");
+  showSelectedScore();
 }
 
 }  // namespace tarn

@@ -53,7 +53,7 @@ TEST_F(ValueLoadingTest, ShowsAListAndItsSelectedRow) {
   EXPECT_TRUE(outlets().valueDataStringScrollView.isHidden());
   EXPECT_FALSE(outlets().valueDataSetScrollView.isHidden());
   EXPECT_FALSE(outlets().setValueScrollView.isHidden());
-  EXPECT_TRUE(outlets().btnAddRow.isHidden());
+  EXPECT_FALSE(outlets().btnAddRow.isHidden());
 
   NSTableView& table = outlets().valueDataSetTable;
   EXPECT_EQ(texts(table, 0), (Texts{"a\\nb", "\\Bqw==", "\\B/w==", "plain"}));
