@@ -45,6 +45,8 @@ Socket::Connection Socket::startConnect(const sockaddr* address, socklen_t lengt
 }
 
 Socket::Connection Socket::finishConnect(const sockaddr* address, socklen_t length) {
+  // Shutting down before there was a connect to end has ended nothing, and would not wake the wait.
+  if (shutDown_) return Connection::failed;
   using Clock = std::chrono::steady_clock;
   const auto deadline = Clock::now() + std::chrono::milliseconds(5000);
   pollfd waiting{descriptor_, POLLOUT, 0};

@@ -25,12 +25,17 @@ protected:
   struct Failure {
     std::string message;
     Status status;
+    // What the failure's line on standard error begins with.
+    std::string log = {};
   };
 
   // The connect fails as told, leaves nothing open, and the same item connects once the trouble is over.
   static void expectFailure(ServerItem& server, const Failure& expected) {
     const std::size_t before = openDescriptors();
+    testing::internal::CaptureStderr();
     const auto outcome = server.connectToServer();
+    const std::string log = testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(expected.log.empty() ? log.empty() : log.starts_with(expected.log + ": ")) << log;
     EXPECT_FALSE(outcome.ok);
     EXPECT_FALSE(outcome.closed);
     EXPECT_EQ(outcome.message, expected.message);
@@ -78,7 +83,10 @@ TEST_F(Connection, OpensAuthenticatesAndCloses) {
   const auto good = item(server.port(), "s3cret");
   EXPECT_EQ(good->connectionStatus(), Status::notConnected);
   EXPECT_FALSE(good->isAlive());
+  testing::internal::CaptureStdout();
   const auto outcome = good->connectToServer();
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            "IP address:127.0.0.1 port:" + std::to_string(server.port()) + "\nconnecting\nconnected\nBLOCK setted\n");
   EXPECT_TRUE(outcome.ok);
   EXPECT_EQ(good->connectionStatus(), Status::connected);
   EXPECT_EQ(good->keyType("k"_bytes), std::pair(true, std::string("none")));
@@ -128,8 +136,11 @@ TEST_F(Connection, TunesTheSocketAndGoesOnWithoutTheTuning) {
 }
 
 TEST_F(Connection, TellsAnAddressThatCannotBeResolved) {
-  for (const auto& [host, port] : std::vector<std::pair<std::string, int>>{
-           {"", 6379}, {"no such host", 6379}, {"127.0.0.1", -1}, {"127.0.0.1", 65536 + 6379}}) {
+  for (const auto& [host, port] : std::vector<std::pair<std::string, int>>{{"", 6379},
+                                                                           {"no such host", 6379},
+                                                                           {"127.0.0.1", -1},
+                                                                           {"127.0.0.1", 6379 - 65536},
+                                                                           {"127.0.0.1", 65536 + 6379}}) {
     const auto server = item(port);
     server->setServerIp(host);
     expectFailure(*server, {"Can not get IP address or Port.", Status::notConnected});
@@ -140,7 +151,7 @@ TEST_F(Connection, TellsARefusalAndConnectsOnceTheServerIsThere) {
   RedisServer server;
   server.kill();
   const auto client = item(server.port());
-  expectFailure(*client, {"Can not connect to Server(a).", Status::disConnected});
+  expectFailure(*client, {"Can not connect to Server(a).", Status::disConnected, "not connect"});
   server.start();
   EXPECT_TRUE(client->connectToServer().ok);
   client->closeConnection();
@@ -186,13 +197,13 @@ TEST_F(Connection, TellsEachSystemCallThatFails) {
   const auto server = itemWith(calls, peer.port());
   const std::vector<std::pair<std::string, Failure>> cases{
       {"name", {"Not Found IP address for server(a).", Status::disConnected}},
-      {"socket", {"Can not create socket.", Status::disConnected}},
-      {"get1", {"Can not set socket options.", Status::disConnected}},
-      {"set1", {"Can not set socket options.", Status::disConnected}},
-      {"poll", {"Can not connect to Server(a).", Status::disConnected}},
-      {"connect", {"Can not connect to Server(a).", Status::disConnected}},
-      {"get2", {"Can not set socket options.", Status::connected}},
-      {"set2", {"Can not set socket options.", Status::connected}},
+      {"socket", {"Can not create socket.", Status::disConnected, "Failure: creating socket"}},
+      {"get1", {"Can not set socket options.", Status::disConnected, "flags get error"}},
+      {"set1", {"Can not set socket options.", Status::disConnected, "flags set error"}},
+      {"poll", {"Can not connect to Server(a).", Status::disConnected, "not connect"}},
+      {"connect", {"Can not connect to Server(a).", Status::disConnected, "not connect"}},
+      {"get2", {"Can not set socket options.", Status::connected, "flags get error"}},
+      {"set2", {"Can not set socket options.", Status::connected, "flags set error"}},
   };
   for (const auto& [call, expected] : cases) {
     SCOPED_TRACE(call);
@@ -202,9 +213,9 @@ TEST_F(Connection, TellsEachSystemCallThatFails) {
   }
   calls.fails = "connect";
   calls.error = EHOSTUNREACH;
-  expectFailure(*server, {"Can not reach Server((a)).", Status::disConnected});
+  expectFailure(*server, {"Can not reach Server((a)).", Status::disConnected, "host can not reach"});
   server->setConnectionName("");
-  expectFailure(*server, {"Can not reach Server().", Status::disConnected});
+  expectFailure(*server, {"Can not reach Server().", Status::disConnected, "host can not reach"});
 
   calls.fails.clear();
   EXPECT_TRUE(server->connectToServer().ok);
@@ -233,7 +244,7 @@ TEST_F(Connection, TellsThatThereIsNoRoute) {
   std::thread([&] {
     ready =
         ::unshare(CLONE_NEWNET) == 0 && std::system("ip link set lo up && ip route add unreachable 10.9.8.7/32") == 0;
-    if (ready) expectFailure(*server, {"Can not reach Server((a)).", Status::disConnected});
+    if (ready) expectFailure(*server, {"Can not reach Server((a)).", Status::disConnected, "host can not reach"});
   }).join();
   if (!ready) GTEST_SKIP() << "No network namespace can be set up here.";
 }
@@ -268,6 +279,33 @@ TEST_F(Connection, ClosedWhileConnectingStaysClosed) {
     connecting.join();
     EXPECT_FALSE(outcome.ok);
     EXPECT_TRUE(outcome.closed);
+    EXPECT_EQ(server->connectionStatus(), Status::notConnected);
+  }
+  EXPECT_EQ(openDescriptors(), before);
+}
+
+// Closed when there is a socket, but no connect yet that shutting it down could end: nobody waits for the five seconds.
+TEST_F(Connection, ClosedRightBeforeItConnectsDoesNotWait) {
+  class Closing final : public SocketCalls {
+  public:
+    int connect(int descriptor, const sockaddr* address, socklen_t length) override {
+      server->closeConnection();
+      return SocketCalls::connect(descriptor, address, length);
+    }
+    int poll(pollfd* descriptor, int milliseconds) override {
+      ++waits;
+      return SocketCalls::poll(descriptor, milliseconds);
+    }
+    ServerItem* server = nullptr;
+    int waits = 0;
+  } calls;
+  const std::size_t before = openDescriptors();
+  {
+    FullBacklog blackHole;
+    const auto server = itemWith(calls, blackHole.port());
+    calls.server = server.get();
+    EXPECT_TRUE(server->connectToServer().closed);
+    EXPECT_EQ(calls.waits, 0);
     EXPECT_EQ(server->connectionStatus(), Status::notConnected);
   }
   EXPECT_EQ(openDescriptors(), before);
