@@ -52,13 +52,13 @@ Bytes encodeRequest(std::span<const std::string_view> words) {
   return encode(words.size(), [words](std::size_t i) { return words[i]; });
 }
 
-Bytes encodeRequest(RedisCommand command, std::span<const Bytes> args) {
+Bytes encodeRequest(RedisCommand command, std::span<const std::string_view> args) {
   if (command == RedisCommand::clusterNodes) {
     constexpr std::array<std::string_view, 2> words{"cluster", "nodes"};
     return encodeRequest(words);
   }
-  if (command == RedisCommand::raw) return encode(args.size(), [&](std::size_t i) { return args[i].view(); });
-  return encode(args.size() + 1, [&](std::size_t i) { return i == 0 ? commandName(command) : args[i - 1].view(); });
+  if (command == RedisCommand::raw) return encodeRequest(args);
+  return encode(args.size() + 1, [&](std::size_t i) { return i == 0 ? commandName(command) : args[i - 1]; });
 }
 
 }  // namespace tarn

@@ -13,6 +13,6 @@ namespace tarn {
 Bytes encodeRequest(std::span<const std::string_view> words);
 
 // The command's own words and then its arguments.
-Bytes encodeRequest(RedisCommand command, std::span<const Bytes> args);
+Bytes encodeRequest(RedisCommand command, std::span<const std::string_view> args);
 
 }  // namespace tarn

@@ -169,15 +169,15 @@ private:
   void postLivenessTimer(Closings began);
 
   // --- Commands
-  // Borrowed, so that a command with few arguments makes no vector for them.
-  using Arguments = std::span<const Bytes>;
+  // Borrowed, so that a value of a million rows isn't copied into its command.
+  using Arguments = std::span<const std::string_view>;
   ReplyResult exchange(RedisCommand command, Arguments args, std::optional<Closings> began);
   ReplyResult requestAndReply(RedisCommand command, Arguments args, std::optional<Closings> began);
   ReplyResult followRedirect(std::string_view line, RedisCommand command, Arguments args);
   std::shared_ptr<ServerItem> transientItem(const NodeAddress& address) const;
   ReplyResult executeAndShowFailure(RedisCommand command, Arguments args);
-  ReplyResult executeAndShowFailure(RedisCommand command, std::initializer_list<Bytes> args);
-  std::vector<Bytes> listOf(RedisCommand command, std::initializer_list<Bytes> args);
+  ReplyResult executeAndShowFailure(RedisCommand command, std::initializer_list<std::string_view> args);
+  std::vector<Bytes> listOf(RedisCommand command, std::initializer_list<std::string_view> args);
   bool writeThenExpire(RedisCommand command, Arguments args, std::int64_t ttl);
 
   // --- Discovery and scanning

@@ -11,29 +11,27 @@ namespace tarn {
 
 namespace {
 
-Bytes decimal(std::int64_t number) {
-  return Bytes(std::to_string(number));
-}
-
-std::vector<Bytes> keyAndItems(const Bytes& key, const std::vector<Bytes>& items) {
-  std::vector<Bytes> args;
-  args.reserve(items.size() + 1);
-  args.push_back(key);
-  args.insert(args.end(), items.begin(), items.end());
+// One of each in turn behind the key, up to the end of the shorter.
+template <typename First>
+std::vector<std::string_view> keyAndPairs(const Bytes& key, const std::vector<First>& firsts,
+                                          const std::vector<Bytes>& seconds) {
+  const std::size_t count = std::min(firsts.size(), seconds.size());
+  std::vector<std::string_view> args;
+  args.reserve(2 * count + 1);
+  args.push_back(key.view());
+  for (std::size_t i = 0; i < count; ++i) {
+    args.emplace_back(firsts[i].data(), firsts[i].size());
+    args.push_back(seconds[i].view());
+  }
   return args;
 }
 
-// One of each in turn, up to the end of the shorter.
-template <typename First>
-std::vector<Bytes> keyAndPairs(const Bytes& key, const std::vector<First>& firsts, const std::vector<Bytes>& seconds) {
-  const std::size_t count = std::min(firsts.size(), seconds.size());
-  std::vector<Bytes> args;
-  args.reserve(2 * count + 1);
-  args.push_back(key);
-  for (std::size_t i = 0; i < count; ++i) {
-    args.emplace_back(firsts[i]);
-    args.push_back(seconds[i]);
-  }
+std::vector<std::string_view> keyAndItems(const Bytes& key, const std::vector<Bytes>& items) {
+  std::vector<std::string_view> args;
+  args.reserve(items.size() + 1);
+  args.push_back(key.view());
+  for (const Bytes& item : items)
+    args.push_back(item.view());
   return args;
 }
 
@@ -45,26 +43,26 @@ ReplyResult ServerItem::executeAndShowFailure(RedisCommand command, Arguments ar
   return result;
 }
 
-ReplyResult ServerItem::executeAndShowFailure(RedisCommand command, std::initializer_list<Bytes> args) {
+ReplyResult ServerItem::executeAndShowFailure(RedisCommand command, std::initializer_list<std::string_view> args) {
   return executeAndShowFailure(command, Arguments(args.begin(), args.size()));
 }
 
-std::vector<Bytes> ServerItem::listOf(RedisCommand command, std::initializer_list<Bytes> args) {
+std::vector<Bytes> ServerItem::listOf(RedisCommand command, std::initializer_list<std::string_view> args) {
   ReplyResult result = executeAndShowFailure(command, args);
   return result.ok && result.list ? *std::move(result.list) : std::vector<Bytes>();
 }
 
 bool ServerItem::writeThenExpire(RedisCommand command, Arguments args, std::int64_t ttl) {
   if (!executeAndShowFailure(command, args).ok) return false;
-  return ttl < 0 || executeAndShowFailure(RedisCommand::expire, {args.front(), decimal(ttl)}).ok;
+  return ttl < 0 || executeAndShowFailure(RedisCommand::expire, {args.front(), std::to_string(ttl)}).ok;
 }
 
 bool ServerItem::selectDb(int index) {
-  return executeAndShowFailure(RedisCommand::select, {decimal(index)}).ok;
+  return executeAndShowFailure(RedisCommand::select, {std::to_string(index)}).ok;
 }
 
 std::pair<bool, std::string> ServerItem::keyType(const Bytes& key) {
-  ReplyResult result = executeAndShowFailure(RedisCommand::type, Arguments(&key, 1));
+  ReplyResult result = executeAndShowFailure(RedisCommand::type, {key.view()});
   if (!result.ok) return {false, {}};
   if (auto* const word = result.value ? std::get_if<std::string>(&*result.value) : nullptr) {
     return {true, std::move(*word)};
@@ -74,14 +72,14 @@ std::pair<bool, std::string> ServerItem::keyType(const Bytes& key) {
 }
 
 std::pair<bool, std::optional<std::string>> ServerItem::keyTtl(const Bytes& key) {
-  const ReplyResult result = executeAndShowFailure(RedisCommand::ttl, Arguments(&key, 1));
+  const ReplyResult result = executeAndShowFailure(RedisCommand::ttl, {key.view()});
   if (!result.ok) return {false, std::nullopt};
   const auto* const seconds = result.value ? std::get_if<std::int64_t>(&*result.value) : nullptr;
   return {true, seconds != nullptr ? std::optional(std::to_string(*seconds)) : std::nullopt};
 }
 
 std::pair<bool, Bytes> ServerItem::getValue(const Bytes& key) {
-  ReplyResult result = executeAndShowFailure(RedisCommand::get, Arguments(&key, 1));
+  ReplyResult result = executeAndShowFailure(RedisCommand::get, {key.view()});
   if (!result.ok) return {false, {}};
   logLine("get success");
   auto* const value = result.value ? std::get_if<Bytes>(&*result.value) : nullptr;
@@ -89,21 +87,22 @@ std::pair<bool, Bytes> ServerItem::getValue(const Bytes& key) {
 }
 
 std::vector<Bytes> ServerItem::lrangeAll(const Bytes& key) {
-  return listOf(RedisCommand::lrange, {key, "0"_bytes, "-1"_bytes});
+  return listOf(RedisCommand::lrange, {key.view(), "0", "-1"});
 }
 
 std::vector<Bytes> ServerItem::zrangeAll(const Bytes& key) {
-  return listOf(RedisCommand::zrange, {key, "0"_bytes, "-1"_bytes, "withscores"_bytes});
+  return listOf(RedisCommand::zrange, {key.view(), "0", "-1", "withscores"});
 }
 
 bool ServerItem::deleteKey(const Bytes& key) {
-  return executeAndShowFailure(RedisCommand::del, Arguments(&key, 1)).ok;
+  return executeAndShowFailure(RedisCommand::del, {key.view()}).ok;
 }
 
 bool ServerItem::setValue(const Bytes& key, const Bytes& value, std::int64_t ttl) {
-  if (ttl >= 0) return executeAndShowFailure(RedisCommand::set, {key, value, "EX"_bytes, decimal(ttl)}).ok;
-  return executeAndShowFailure(RedisCommand::persist, Arguments(&key, 1)).ok &&
-         executeAndShowFailure(RedisCommand::set, {key, value}).ok;
+  if (ttl >= 0)
+    return executeAndShowFailure(RedisCommand::set, {key.view(), value.view(), "EX", std::to_string(ttl)}).ok;
+  return executeAndShowFailure(RedisCommand::persist, {key.view()}).ok &&
+         executeAndShowFailure(RedisCommand::set, {key.view(), value.view()}).ok;
 }
 
 bool ServerItem::addSetMembers(const Bytes& key, const std::vector<Bytes>& members, std::int64_t ttl) {

@@ -46,7 +46,7 @@ ServerItem::Outcome ServerItem::connectToServer(Closings began) {
   }
   Outcome outcome{.ok = true, .message = {}, .closed = false};
   if (!password.empty()) {
-    const Bytes word(password);
+    const std::string_view word = password;
     ReplyResult reply = exchange(RedisCommand::auth, {&word, 1}, began);
     outcome = {.ok = reply.ok, .message = std::move(reply.message), .closed = false};
   }

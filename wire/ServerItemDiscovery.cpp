@@ -35,7 +35,7 @@ std::int64_t sumWithoutOverflow(std::int64_t sum, std::int64_t more) {
 
 void ServerItem::loadDatabases() {
   const Closings began = closings();
-  const ReplyResult reply = executeAndShowFailure(RedisCommand::config, {"get"_bytes, "databases"_bytes});
+  const ReplyResult reply = executeAndShowFailure(RedisCommand::config, {"get", "databases"});
   if (!reply.ok) return;
   if (!reply.list) return showBareAlert(localizedString("Can not cover database count string to Int(907)"));
   if (reply.list->size() < 2) return showBareAlert(localizedString("Can not cover database count string to Int(915)"));

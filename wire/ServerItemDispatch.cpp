@@ -26,7 +26,11 @@ bool isRedirect(const ReplyResult& result) {
 }  // namespace
 
 ReplyResult ServerItem::execute(RedisCommand command, const std::vector<Bytes>& args) {
-  return exchange(command, args, std::nullopt);
+  std::vector<std::string_view> words;
+  words.reserve(args.size());
+  for (const Bytes& arg : args)
+    words.push_back(arg.view());
+  return exchange(command, words, std::nullopt);
 }
 
 // With `began`, a closeConnection since then keeps the status that it set.
@@ -36,7 +40,7 @@ ReplyResult ServerItem::exchange(RedisCommand command, Arguments args, std::opti
   while (isRedirect(result))
     result = followRedirect(result.message, command, args);
   if (command == RedisCommand::select && result.ok && !args.empty()) {
-    const auto index = decimalInteger(args.front().view());
+    const auto index = decimalInteger(args.front());
     const std::lock_guard stateLock(stateMutex_);
     currentDbIdx_ = static_cast<int>(index.value_or(0));
   }

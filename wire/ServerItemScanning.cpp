@@ -82,8 +82,11 @@ std::vector<Bytes> ServerItem::scanToTheEnd(RedisCommand command, std::vector<By
                                             std::int64_t limit) {
   std::vector<Bytes> found;
   for (;;) {
-    ReplyResult reply = executeAndShowFailure(command, args);
-    if (!reply.ok) return {};
+    ReplyResult reply = execute(command, args);
+    if (!reply.ok) {
+      showServerError(std::move(reply.message));
+      return {};
+    }
     if (reply.list && reply.list->size() > 1) {
       appendUpTo(limit, found, reply.list->begin() + 1, reply.list->end());
     }

@@ -33,4 +33,19 @@ std::string replacingPlaceholder(std::string text, std::string_view placeholder,
   return text;
 }
 
+std::string replacingPlaceholders(std::string_view text, std::string_view first, std::string_view second) {
+  std::string replaced;
+  while (!text.empty()) {
+    const bool isFirst = text.starts_with("{0}");
+    if (isFirst || text.starts_with("{1}")) {
+      replaced += isFirst ? first : second;
+      text.remove_prefix(3);
+    } else {
+      replaced += text.front();
+      text.remove_prefix(1);
+    }
+  }
+  return replaced;
+}
+
 }  // namespace tarn

@@ -16,4 +16,7 @@ std::string localizedString(const char* english);
 // Every `placeholder` ("{0}", "{1}") in `text` replaced by `value`, as plain text.
 std::string replacingPlaceholder(std::string text, std::string_view placeholder, std::string_view value);
 
+// "{0}" and "{1}" replaced at once, so that neither is looked for in the other's text.
+std::string replacingPlaceholders(std::string_view text, std::string_view first, std::string_view second);
+
 }  // namespace tarn

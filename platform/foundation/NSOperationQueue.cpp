@@ -1,5 +1,6 @@
 #include "platform/foundation/NSOperationQueue.h"
 
+#include <condition_variable>
 #include <deque>
 #include <mutex>
 #include <optional>
@@ -30,8 +31,8 @@ struct NSOperationQueue::State : std::enable_shared_from_this<State> {
 
   // With the lock held. The next operation, marked as running, if one may start now.
   std::optional<Operation> takeStartable() {
-    if (waiting.empty() || barrierRuns || running >= maxConcurrent) return std::nullopt;
-    if (waiting.front().isBarrier && running > 0) return std::nullopt;
+    if (waiting.empty() || barrierRuns || callersAsBarrier > 0 || running >= maxConcurrent) return std::nullopt;
+    if (waiting.front().isBarrier && running + callersBeside > 0) return std::nullopt;
     Operation operation = std::move(waiting.front());
     waiting.pop_front();
     barrierRuns = operation.isBarrier;
@@ -64,9 +65,36 @@ struct NSOperationQueue::State : std::enable_shared_from_this<State> {
       const std::lock_guard lock(mutex);
       --running;
       barrierRuns = false;
+      ended.notify_all();
       operation = takeStartable();
       startThreads();
     }
+  }
+
+  void performBeside(const Block& block) {
+    std::unique_lock lock(mutex);
+    ended.wait(lock, [this] { return !barrierRuns && callersAsBarrier == 0; });
+    ++callersBeside;
+    lock.unlock();
+    block();
+    lock.lock();
+    --callersBeside;
+    ended.notify_all();
+    startThreads();
+  }
+
+  void performAsBarrier(const Block& block) {
+    std::unique_lock lock(mutex);
+    ++callersAsBarrier;
+    ended.wait(lock, [this] { return !barrierRuns && running + callersBeside == 0; });
+    barrierRuns = true;
+    lock.unlock();
+    block();
+    lock.lock();
+    barrierRuns = false;
+    --callersAsBarrier;
+    ended.notify_all();
+    startThreads();
   }
 
   void cancelWaiting() {
@@ -80,6 +108,10 @@ struct NSOperationQueue::State : std::enable_shared_from_this<State> {
   std::deque<Operation> waiting;
   std::size_t running = 0;
   bool barrierRuns = false;
+  // Threads from outside that run a block between the queue's own, or wait for their turn.
+  std::size_t callersBeside = 0;
+  std::size_t callersAsBarrier = 0;
+  std::condition_variable ended;
 };
 
 NSOperationQueue::NSOperationQueue(std::size_t maxConcurrentOperationCount)
@@ -95,6 +127,16 @@ void NSOperationQueue::addOperationWithBlock(Block block) {
 
 void NSOperationQueue::addBarrierBlock(Block block) {
   state_->add({std::move(block), true});
+}
+
+void NSOperationQueue::performBesideOperations(const Block& block) {
+  const auto state = state_;
+  state->performBeside(block);
+}
+
+void NSOperationQueue::performAsBarrier(const Block& block) {
+  const auto state = state_;
+  state->performAsBarrier(block);
 }
 
 std::size_t NSOperationQueue::operationCount() const {

@@ -26,6 +26,13 @@ public:
   // Starts when all blocks added before have ended; none added later starts before it has ended.
   void addBarrierBlock(Block block);
 
+  // Both run the block on the calling thread, which none of the queue's blocks may wait for, and return when it has
+  // ended. It is no operation of the queue, so it isn't counted, and waits for none that hasn't started. The first waits
+  // for a barrier that runs, and no other starts before it has ended; the second is such a barrier itself: it waits for
+  // all that runs, and nothing starts before it has ended.
+  void performBesideOperations(const Block& block);
+  void performAsBarrier(const Block& block);
+
   // What waits and what runs.
   std::size_t operationCount() const;
 

@@ -10,7 +10,10 @@ namespace tarn::test {
 namespace {
 
 Bytes encoded(RedisCommand command, std::vector<Bytes> args) {
-  return encodeRequest(command, args);
+  std::vector<std::string_view> words;
+  for (const Bytes& arg : args)
+    words.push_back(arg.view());
+  return encodeRequest(command, words);
 }
 
 TEST(RequestEncoder, SendsTheMultiBulkForm) {

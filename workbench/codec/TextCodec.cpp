@@ -209,6 +209,11 @@ std::optional<Bytes> textToBytes(std::string_view text, CharsetEnum charset) {
   }
 }
 
+bool isPlainAscii(std::string_view bytes, CharsetEnum charset) {
+  if (charset == CharsetEnum::utf16 || charset == CharsetEnum::utf32) return bytes.empty();
+  return isPlain(bytes, conversionOf(charset));
+}
+
 RowText rowDisplayText(std::string_view bytes, std::string_view title) {
   if (title != base64Title) {
     if (auto text = bytesToText(bytes, charsetForTitle(title))) return {std::move(*text), false};

@@ -17,9 +17,16 @@ std::optional<std::string> bytesToText(std::string_view bytes, CharsetEnum chars
 // Nothing when a character has no form in the character set: never lossy.
 std::optional<Bytes> textToBytes(std::string_view text, CharsetEnum charset);
 
+// True if the bytes are ASCII that the character set reads and writes as it is: a quick look, where only that matters.
+bool isPlainAscii(std::string_view bytes, CharsetEnum charset);
+
 // Names of the codec for the Base64 of platform/foundation.
-inline std::string bytesToBase64(std::string_view bytes) { return base64Encode(bytes); }
-inline std::optional<Bytes> base64ToBytes(std::string_view text) { return base64Decode(text); }
+inline std::string bytesToBase64(std::string_view bytes) {
+  return base64Encode(bytes);
+}
+inline std::optional<Bytes> base64ToBytes(std::string_view text) {
+  return base64Decode(text);
+}
 
 // The two characters in front of Base64 text: how bytes that don't decode are shown and typed.
 inline constexpr std::string_view base64Marker = "\\B";
