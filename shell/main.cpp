@@ -2,6 +2,7 @@
 
 #include "favourites/MainViewController.h"
 #include "platform/appkit/NSApplication.h"
+#include "platform/foundation/Log.h"
 #include "platform/foundation/NSLocalizedString.h"
 #include "resources/Images.h"
 #include "shell/AppDelegate.h"
@@ -9,6 +10,7 @@
 
 int main(int argc, char** argv) {
   using namespace tarn;
+  outliveLogReader();
   NSApplication application(argc, argv);
   useTranslations(TARN_LOCALE_FOLDER);
   if (!loadResources()) return 1;

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <mutex>
 #include <string>
 
@@ -20,6 +21,10 @@ void logLine(std::string_view text) {
     if (written < 0) return;
     rest.remove_prefix(static_cast<std::size_t>(written));
   }
+}
+
+void outliveLogReader() {
+  std::signal(SIGPIPE, SIG_IGN);
 }
 
 }  // namespace tarn

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <array>
 #include <clocale>
 #include <cstdlib>
 #include <filesystem>
@@ -114,6 +116,19 @@ TEST(Log, WritesWholeLinesFromManyThreads) {
     EXPECT_EQ(line, std::string(50, line[0]));
   }
   EXPECT_EQ(count, 1600);
+}
+
+TEST(LogDeathTest, GoesOnWhenNobodyReadsIt) {
+  testing::GTEST_FLAG(death_test_style) = "threadsafe";
+  const auto logIntoNothing = [] {
+    std::array<int, 2> ends{};
+    if (pipe(ends.data()) != 0 || dup2(ends[1], STDOUT_FILENO) < 0) std::exit(1);
+    close(ends[0]);
+    outliveLogReader();
+    logLine("unread");
+    std::exit(0);
+  };
+  EXPECT_EXIT(logIntoNothing(), testing::ExitedWithCode(0), "");
 }
 
 TEST(Utf8, IsValidInItsShortestFormsOnly) {
