@@ -46,15 +46,22 @@ void KeyBrowser::search() {
     return;
   }
   const std::int64_t limit = limitFromTitle(outlets_.popLimit.titleOfSelectedItem());
-  queue_.addInShownDatabase([this, glob = pattern.value(), limit](ServerItem& server, const TabPoster& tab) {
-    tab.post([this] { queue_.updateDealingQueueLabel(); });
-    tab.post([this, keys = server.scanKeys(glob, limit, false)]() mutable {
-      const std::size_t count = keys.size();
-      showKeys(std::move(keys));
-      queue_.updateDealingQueueLabel();
-      outlets_.tableKeys.tableColumn(0).setHeaderToolTip(countShownText(count));
-    });
-  });
+  queue_.addInShownDatabase(
+      [this, glob = pattern.value(), limit, database = state_.database](ServerItem& server, const TabPoster& tab) {
+        tab.post([this] { queue_.updateDealingQueueLabel(); });
+        tab.post([this, database, keys = server.scanKeys(glob, limit, false)]() mutable {
+          // The keys of another database never stand under the name of this one, not even if this one can't be
+          // selected.
+          if (database == state_.database) showFoundKeys(std::move(keys));
+          queue_.updateDealingQueueLabel();
+        });
+      });
+}
+
+void KeyBrowser::showFoundKeys(std::vector<Bytes> keys) {
+  const std::size_t count = keys.size();
+  showKeys(std::move(keys));
+  outlets_.tableKeys.tableColumn(0).setHeaderToolTip(countShownText(count));
 }
 
 void KeyBrowser::clearSearchKey() {
@@ -62,7 +69,8 @@ void KeyBrowser::clearSearchKey() {
 }
 
 void KeyBrowser::changeDb() {
-  state_.database = outlets_.popDatabase.indexOfSelectedItem();
+  const int before = std::exchange(state_.database, outlets_.popDatabase.indexOfSelectedItem());
+  if (before != state_.database) showKeys({});
   queue_.addSelectOfShownDatabase([this](ServerItem&, const TabPoster& tab) { tab.post([this] { search(); }); });
 }
 

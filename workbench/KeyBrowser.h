@@ -32,6 +32,8 @@ public:
   void tableViewSelectionDidChange(NSTableView& table) override;
 
 private:
+  void showFoundKeys(std::vector<Bytes> keys);
+
   OperationTabLayout& outlets_;
   TabState& state_;
   TabQueue& queue_;

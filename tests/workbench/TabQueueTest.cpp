@@ -94,6 +94,22 @@ TEST_F(TabQueueTest, WorkEndsWhereItsDatabaseIsRefused) {
   EXPECT_EQ(outlets().labType.stringValue(), "Type:");
 }
 
+TEST_F(TabQueueTest, KeysOfADatabaseThatWasLeftAreNotListed) {
+  open();
+  search("");
+  EXPECT_EQ(outlets().tableKeys.numberOfRows(), 2);
+  hold = true;
+  tab->search();
+  ASSERT_TRUE(waitUntil([&] { return sent().size() == 2; }));
+  hold = false;
+  refuseSelect = true;
+  choose(*outlets().popDatabase.widget(), 1);
+  held.set_value();
+  waitUntilIdle();
+  EXPECT_EQ(sent().back(), "SELECT 1");
+  EXPECT_EQ(outlets().tableKeys.numberOfRows(), 0);
+}
+
 TEST_F(TabQueueTest, AnOlderLoadRunsOnButFillsNothing) {
   open();
   search("");
