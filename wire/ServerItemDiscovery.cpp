@@ -70,12 +70,14 @@ std::int64_t ServerItem::infoFromServer(bool topLevel) {
   // This very block is the one operation counted: a refresh never waits behind the user's work, nor delays it.
   if (topLevel && operationQueue_.operationCount() != 1) return 0;
 
+  const Closings began = closings();
   const ReplyResult nodes = execute(RedisCommand::clusterNodes, {});
   if (nodes.ok && !topLevel) return keysOfThisNode();
   if (nodes.ok) {
     const auto text = textOf(nodes);
     if (!text) return 0;
     const std::int64_t sum = keysOfMasters(*text);
+    if (wasClosedSince(began)) return 0;
     if (const auto databases = dbs(); !databases->empty()) {
       databases->front()->setKeysCount("(" + std::to_string(sum) + ")");
     }
@@ -96,8 +98,10 @@ std::int64_t ServerItem::keysOfThisNode() {
 }
 
 std::int64_t ServerItem::keysOfMasters(std::string_view nodes) {
+  const Closings began = closings();
   std::int64_t sum = 0;
   for (const NodeAddress& address : mastersIn(nodes)) {
+    if (wasClosedSince(began)) break;
     const auto master = transientItem(address);
     if (master->connectToServer().ok) sum = sumWithoutOverflow(sum, master->infoFromServer(false));
     master->closeConnection();

@@ -81,8 +81,9 @@ ReplyResult ServerItem::followRedirect(std::string_view line, RedisCommand comma
   node->redirectHops_ = redirectHops_ + 1;
   if (!node->connectToServer().ok) {
     std::string message = localizedString("Can not connect to cluster node server({0}:{1})");
-    message = replacingPlaceholder(std::move(message), "{0}", target->host);
-    return failedCommand(replacingPlaceholder(std::move(message), "{1}", std::to_string(target->port)));
+    // The host is the peer's word, and may hold anything, so it comes last.
+    message = replacingPlaceholder(std::move(message), "{1}", std::to_string(target->port));
+    return failedCommand(replacingPlaceholder(std::move(message), "{0}", target->host));
   }
   ReplyResult result = node->exchange(command, args, std::nullopt);
   node->closeConnection();

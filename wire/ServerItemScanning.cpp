@@ -51,10 +51,14 @@ std::vector<Bytes> ServerItem::scanKeys(const Bytes& match, std::int64_t limit, 
 
 std::vector<Bytes> ServerItem::scanMasters(std::string_view nodes, const Bytes& match, std::int64_t limit) {
   logLine(nodes);
+  const Closings began = closings();
   std::vector<Bytes> keys;
   for (const NodeAddress& address : mastersIn(nodes)) {
     const auto master = transientItem(address);
-    if (master->connectToServer().ok) {
+    const bool isConnected = master->connectToServer().ok;
+    // Each master that is down takes five seconds; nobody waits for the keys of a connection that was closed.
+    if (wasClosedSince(began)) return {};
+    if (isConnected) {
       std::vector<Bytes> more = master->scanKeys(match, limit, true);
       appendUpTo(limit, keys, more.begin(), more.end());
     } else {

@@ -102,5 +102,42 @@ TEST_F(Scanning, SearchesEveryMasterOfACluster) {
   client->closeConnection();
 }
 
+// Two masters that are down: with the connection closed while the first is tried, the second isn't, and nothing is
+// told.
+TEST_F(Scanning, LeavesTheOtherMastersWhenTheConnectionIsClosed) {
+  class Closing final : public SocketCalls {
+  public:
+    int connect(int descriptor, const sockaddr* address, socklen_t length) override {
+      if (++connects == 2) server->closeConnection();
+      return SocketCalls::connect(descriptor, address, length);
+    }
+    ServerItem* server = nullptr;
+    int connects = 0;
+  };
+  RedisServer dead;
+  dead.kill();
+  const std::string line = "n 127.0.0.1:" + std::to_string(dead.port()) + "@1 master\n";
+  ScriptedServer peer(answering({bulk(line + line)}));
+  for (const bool scans : {true, false}) {
+    SCOPED_TRACE(scans);
+    Closing calls;
+    const auto client = itemWith(calls, peer.port());
+    calls.server = client.get();
+    // The connect in progress counts twice: it is asked how it ended.
+    calls.connects = -1;
+    ASSERT_TRUE(client->connectToServer().ok);
+    ASSERT_EQ(calls.connects, 1);
+    if (scans) {
+      EXPECT_TRUE(client->scanKeys("*"_bytes, noLimit, false).empty());
+    } else {
+      client->infoFromServerMain();
+      waitUntil([&] { return client->operationQueue().operationCount() == 0; });
+    }
+    EXPECT_LE(calls.connects, 3);
+    EXPECT_EQ(client->connectionStatus(), ConnectionStatus::notConnected);
+    EXPECT_EQ(alerts(), Messages{});
+  }
+}
+
 }  // namespace
 }  // namespace tarn::test
