@@ -5,7 +5,9 @@
 #include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/NSTimer.h"
 #include "workbench/KeyBrowser.h"
+#include "workbench/KeyDeleter.h"
 #include "workbench/KeyForm.h"
+#include "workbench/KeySaver.h"
 #include "workbench/RowActions.h"
 #include "workbench/RowEditing.h"
 #include "workbench/StatusTexts.h"
@@ -26,11 +28,8 @@ constexpr double resizeDelay = 0.1;
 
 // Controls whose work the program can't do yet. One leaves this list together with the work behind it.
 void hideControlsWithoutWork(OperationTabLayout& outlets) {
-  for (NSView* control :
-       std::initializer_list<NSView*>{&outlets.btnSave, &outlets.btnNew, &outlets.btnDelete,
-                                      &outlets.cliScrollView}) {
+  for (NSView* control : std::initializer_list<NSView*>{&outlets.cliScrollView})
     control->setHidden(true);
-  }
 }
 
 }  // namespace
@@ -48,6 +47,8 @@ struct OperationTabViewController::Private {
   RowActions rowActions{outlets, state, queue, tables, editing};
   ValueLoader loader{outlets, state, queue, form, string, panes, tables};
   KeyBrowser browser{outlets, state, queue, form};
+  KeySaver saver{outlets, state, queue, form, string, editing};
+  KeyDeleter deleter{outlets, state, queue, form, string, panes};
 };
 
 OperationTabViewController::OperationTabViewController() : d_(std::make_shared<Private>()) {
@@ -62,6 +63,13 @@ OperationTabViewController::OperationTabViewController() : d_(std::make_shared<P
   });
   outlets.btnNew.setAction([] {
     if (WorkbenchHost* host = WorkbenchHost::installed()) host->openTypeDialog();
+  });
+  // Both ask, and the tab may be closed behind a question.
+  outlets.btnSave.setAction([tab = std::weak_ptr(d_)] {
+    if (const auto alive = tab.lock()) alive->saver.save();
+  });
+  outlets.btnDelete.setAction([tab = std::weak_ptr(d_)] {
+    if (const auto alive = tab.lock()) alive->deleter.deleteKey();
   });
   outlets.popKeyDataCharset.setAction([this] { changeKeyDataCharset(); });
   outlets.popValueDataCharset.setAction([this] { changeValueDataCharset(); });
@@ -164,7 +172,7 @@ void OperationTabViewController::resetFormForNewKey() {
   d_->loader.dropRunningLoads();
   d_->form.emptyKey();
   d_->form.showTtl("-1", ttlToolTip("-1"));
-  d_->string.empty();
+  d_->string.blank();
   d_->tables.emptyAllTables();
   doResizeLater();
   d_->form.showSizesUnknown();

@@ -1,5 +1,6 @@
 #include "workbench/TabQueue.h"
 
+#include "platform/appkit/NSApplication.h"
 #include "workbench/StatusTexts.h"
 
 namespace tarn {
@@ -7,9 +8,9 @@ namespace tarn {
 TabQueue::TabQueue(OperationTabLayout& outlets, const TabState& state)
     : outlets_(outlets), state_(state), activity_(outlets.activityBar) {}
 
-void TabQueue::addInShownDatabase(Work work) {
+void TabQueue::addInDatabase(int database, Work work) {
   if (!state_.server) return;
-  const auto run = [this, work = std::move(work), server = state_.server, database = state_.database, tab = poster(),
+  const auto run = [this, work = std::move(work), server = state_.server, database, tab = poster(),
                     token = beginWork()] {
     // While this runs no SELECT can start, so the answer stays true until the work has ended.
     if (server->currentDbIdx() == database) return work(*server, tab);
@@ -19,6 +20,21 @@ void TabQueue::addInShownDatabase(Work work) {
     });
   };
   state_.server->operationQueue().addOperationWithBlock(run);
+}
+
+void TabQueue::performInDatabase(int database, const std::function<void(ServerItem& server)>& work) {
+  const std::shared_ptr<ServerItem> server = state_.server;
+  if (!server) return;
+  const WaitCursor cursor;
+  bool isElsewhere = false;
+  server->operationQueue().performBesideOperations([&] {
+    isElsewhere = server->currentDbIdx() != database;
+    if (!isElsewhere) work(*server);
+  });
+  if (!isElsewhere) return;
+  server->operationQueue().performAsBarrier([&] {
+    if (server->currentDbIdx() == database || server->selectDb(database)) work(*server);
+  });
 }
 
 void TabQueue::addSelectOfShownDatabase(Work selected) {

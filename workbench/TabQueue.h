@@ -31,7 +31,14 @@ public:
   // Queues work that reads or writes keys of the database shown now. Where the wire stands elsewhere when its turn
   // comes, SELECT is sent first, with the running blocks ended and no other started; if that fails, the work is
   // dropped. Without a server nothing happens.
-  void addInShownDatabase(Work work);
+  void addInShownDatabase(Work work) { addInDatabase(state_.database, std::move(work)); }
+  // The same for the database that was shown when the work was asked for.
+  void addInDatabase(int database, Work work);
+
+  // Does such work here and now, between the queue's blocks, and under a wait cursor; no SELECT of theirs comes between.
+  // Where the wire stands elsewhere, SELECT is sent first, when the running blocks have ended; if that fails, the work is
+  // dropped.
+  void performInDatabase(int database, const std::function<void(ServerItem& server)>& work);
 
   // Queues a SELECT of the database shown now, behind the running blocks and before all others, then `selected` if the
   // server took it.

@@ -7,6 +7,10 @@ namespace {
 
 using Text = std::optional<std::string>;
 
+Text retitled(std::string_view shown, std::string_view oldTitle, std::string_view newTitle, std::string_view value) {
+  return stringTextUnderNewTitle(shown, oldTitle, newTitle, value).text;
+}
+
 TEST(StringPane, ShowsBytesUnderATitle) {
   EXPECT_EQ(stringText("\xD6\xD0", "GBK"), Text("中"));
   EXPECT_EQ(stringText("\xD6\xD0", "utf8"), Text());
@@ -15,18 +19,18 @@ TEST(StringPane, ShowsBytesUnderATitle) {
 }
 
 TEST(StringPane, KeepsWhatWasTypedOverAChangeOfTitle) {
-  EXPECT_EQ(stringTextUnderNewTitle("中x", "GBK", "Base64", "old"), Text("1tB4"));
-  EXPECT_EQ(stringTextUnderNewTitle("1tB4", "Base64", "GBK", "old"), Text("中x"));
-  EXPECT_EQ(stringTextUnderNewTitle("é", "utf8", "iso_8859_1", "old"), Text("Ã©"));
+  EXPECT_EQ(retitled("中x", "GBK", "Base64", "old"), Text("1tB4"));
+  EXPECT_EQ(retitled("1tB4", "Base64", "GBK", "old"), Text("中x"));
+  EXPECT_EQ(retitled("é", "utf8", "iso_8859_1", "old"), Text("Ã©"));
 }
 
 TEST(StringPane, FallsBackOnTheValueAndThenOnNothing) {
-  EXPECT_EQ(stringTextUnderNewTitle("", "utf8", "GBK", "\xD6\xD0"), Text("中"));
-  EXPECT_EQ(stringTextUnderNewTitle("no Base64", "Base64", "utf8", "old"), Text("old"));
-  EXPECT_EQ(stringTextUnderNewTitle("中", "iso_8859_1", "utf8", "old"), Text("old"));
-  EXPECT_EQ(stringTextUnderNewTitle("中", "GBK", "utf8", "old"), Text("old"));
-  EXPECT_EQ(stringTextUnderNewTitle("1tA=", "Base64", "utf8", "old"), Text());
-  EXPECT_EQ(stringTextUnderNewTitle("中", "GBK", "utf8", "\xFF"), Text());
+  EXPECT_EQ(retitled("", "utf8", "GBK", "\xD6\xD0"), Text("中"));
+  EXPECT_EQ(retitled("no Base64", "Base64", "utf8", "old"), Text("old"));
+  EXPECT_EQ(retitled("中", "iso_8859_1", "utf8", "old"), Text("old"));
+  EXPECT_EQ(retitled("中", "GBK", "utf8", "old"), Text("old"));
+  EXPECT_EQ(retitled("1tA=", "Base64", "utf8", "old"), Text());
+  EXPECT_EQ(retitled("中", "GBK", "utf8", "\xFF"), Text());
 }
 
 }  // namespace
