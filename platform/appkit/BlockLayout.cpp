@@ -12,6 +12,8 @@ namespace tarn {
 namespace {
 
 constexpr double unlimited = 1e6;
+// Where a row is that isn't to be drawn.
+constexpr double outOfSight = 1e6;
 constexpr int tabColumns = 8;
 
 }  // namespace
@@ -47,6 +49,7 @@ BlockLayout::BlockLayout(const Request& request) : request_(request), layout_(re
     line.setPosition(QPointF(0, line.lineNumber() * height + std::round(metrics.ascent()) - line.ascent() + 1));
   }
   layout_.endLayout();
+  if (request.lastRowGoesOn) layout_.lineAt(rows()).setPosition(QPointF(0, outOfSight));
 }
 
 int BlockLayout::rowHeight(const QFont& font) {
@@ -65,7 +68,7 @@ int BlockLayout::exact(int laidOut) const {
 
 int BlockLayout::rowAt(int position) const {
   const QTextLine line = layout_.lineForTextPosition(laidOut(position));
-  return line.isValid() ? line.lineNumber() : std::max(0, rows() - 1);
+  return line.isValid() ? std::min(line.lineNumber(), std::max(0, rows() - 1)) : std::max(0, rows() - 1);
 }
 
 int BlockLayout::rowStart(int row) const {
@@ -103,7 +106,7 @@ void BlockLayout::draw(QPainter& painter, const QPointF& top, int selected, int 
     const int start = laidOut(selected);
     selections.append({start, laidOut(selectedEnd) - start, format});
   }
-  layout_.draw(&painter, top, selections);
+  layout_.draw(&painter, top, selections, painter.clipBoundingRect());
 }
 
 std::shared_ptr<const BlockLayout> BlockLayoutCache::layout(const BlockLayout::Request& request) {

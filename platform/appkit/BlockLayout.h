@@ -26,6 +26,8 @@ public:
     QFont font;
     QColor markColor;
     std::optional<double> width;
+    // The line goes on behind the block: its last row waits for what follows, and isn't one of this layout's.
+    bool lastRowGoesOn = false;
     // Text that the input method is composing, and where.
     QString preedit;
     int preeditPosition = 0;
@@ -38,11 +40,12 @@ public:
   BlockLayout& operator=(const BlockLayout&) = delete;
 
   const Request& request() const { return request_; }
-  int rows() const { return layout_.lineCount(); }
+  int rows() const { return layout_.lineCount() - (request_.lastRowGoesOn ? 1 : 0); }
   // Of the first row.
   double width() const;
 
   int rowAt(int position) const;
+  // Also of the row behind the last one, if that one goes on.
   int rowStart(int row) const;
   int rowEnd(int row) const;
   double xAt(int position, int preeditCaret) const;

@@ -20,6 +20,9 @@ int widthOf(const QString& text, const QFont& font) {
   return static_cast<int>(std::ceil(QFontMetricsF(font).horizontalAdvance(text)));
 }
 
+// A text of no more average characters is never cut.
+constexpr int columnsKept = 16;
+
 // More than any screen shows of one line.
 constexpr qsizetype longestShown = 2000;
 
@@ -44,7 +47,7 @@ QSize LabelWidget::sizeHint() const {
 QSize LabelWidget::minimumSizeHint() const {
   if (wordWrap()) return QLabel::minimumSizeHint();
   const QSize whole = sizeHint();
-  return {std::min(whole.width(), fontMetrics().horizontalAdvance(QStringLiteral("xxx…"))), whole.height()};
+  return {std::min(whole.width(), columnsKept * fontMetrics().horizontalAdvance(u'x')), whole.height()};
 }
 
 bool LabelWidget::isElided() const {

@@ -4,8 +4,10 @@
 
 namespace tarn {
 
-// A label of plain text. A line that doesn't fit ends in an ellipsis, and the whole shows in the tool tip unless the
-// label has one of its own; it never makes its window wider. With wordWrap on it is an ordinary label.
+// A label of plain text. It asks for room for its whole line, and is made narrower only where its layout has no room,
+// a short text not at all, so that a long one never makes its window wider. A line that doesn't fit ends in an
+// ellipsis, and the whole shows in the tool tip unless the label has one of its own. With wordWrap on it is an ordinary
+// label.
 class LabelWidget final : public QLabel {
   Q_OBJECT
 

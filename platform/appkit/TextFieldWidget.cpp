@@ -73,7 +73,7 @@ bool TextFieldWidget::mayChange(std::size_t position, std::size_t length, const 
 
 void TextFieldWidget::textChanged(std::size_t, std::size_t, std::size_t) {}
 
-void TextFieldWidget::textSet(bool) {
+void TextFieldWidget::textSet(std::size_t) {
   showCaret();
 }
 

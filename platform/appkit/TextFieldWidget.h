@@ -53,7 +53,7 @@ protected:
   bool isReadable() const override { return !secure_; }
   TabsShow tabsShow() const override { return TabsShow::asMark; }
   void textChanged(std::size_t position, std::size_t removed, std::size_t inserted) override;
-  void textSet(bool onlyAppended) override;
+  void textSet(std::size_t kept) override;
   QRect caretRect() const override;
   void showCaret() override;
   std::size_t rowEdge(bool atEnd) const override;

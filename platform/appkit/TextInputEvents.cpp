@@ -263,7 +263,7 @@ void TextInputWidget::focusOutEvent(QFocusEvent* event) {
   QFrame::focusOutEvent(event);
   blinking_.stop();
   caretOn_ = false;
-  preedit_.clear();
+  setComposed({});
   history_.closeStep();
   update();
   // The window lost the keyboard or a menu took it: the edit goes on afterwards.
@@ -275,7 +275,7 @@ void TextInputWidget::focusOutEvent(QFocusEvent* event) {
 
 void TextInputWidget::inputMethodEvent(QInputMethodEvent* event) {
   const QPointer<TextInputWidget> self(this);
-  preedit_.clear();
+  setComposed({});
   const bool replaces = event->replacementLength() > 0;
   if (replaces || !event->commitString().isEmpty()) {
     const std::ptrdiff_t from = std::ptrdiff_t(caret_) + event->replacementStart();
@@ -284,7 +284,7 @@ void TextInputWidget::inputMethodEvent(QInputMethodEvent* event) {
     replaceByHand(start, length, event->commitString());
     if (!self) return;
   }
-  preedit_ = event->preeditString();
+  setComposed(event->preeditString());
   preeditCaret_ = int(preedit_.size());
   for (const QInputMethodEvent::Attribute& attribute : event->attributes()) {
     if (attribute.type == QInputMethodEvent::Cursor) preeditCaret_ = std::clamp(attribute.start, 0, preeditCaret_);

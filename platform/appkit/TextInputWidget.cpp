@@ -27,13 +27,14 @@ TextInputWidget::TextInputWidget(TextStore::Lines lines, QWidget* parent) : QFra
 
 void TextInputWidget::setUtf8(std::string_view text) {
   stopComposing();
-  const bool onlyAppended = store_.set(text);
+  const std::size_t before = store_.length();
+  const std::size_t kept = store_.set(text) ? before : 0;
   history_.clear();
   edited_ = false;
   began_ = false;
   ++revision_;
   caret_ = anchor_ = store_.length();
-  textSet(onlyAppended);
+  textSet(kept);
   announceCaret();
   update();
 }
@@ -150,9 +151,15 @@ void TextInputWidget::moveCaret(std::size_t position, bool select) {
   showCaret();
 }
 
+void TextInputWidget::setComposed(const QString& text) {
+  if (preedit_ == text) return;
+  preedit_ = text;
+  composedChanged();
+}
+
 void TextInputWidget::stopComposing() {
   if (preedit_.isEmpty()) return;
-  preedit_.clear();
+  setComposed({});
   QGuiApplication::inputMethod()->reset();
 }
 
@@ -171,7 +178,7 @@ void TextInputWidget::restartBlinking() {
 }
 
 std::shared_ptr<const BlockLayout> TextInputWidget::layoutBlock(const TextStore::Block& block,
-                                                                std::optional<double> width) const {
+                                                                std::optional<double> width, bool lastRowGoesOn) const {
   BlockLayout::Request request;
   const std::size_t content = block.length - block.ending;
   // A line's end shows unless it is the usual one.
@@ -190,7 +197,11 @@ std::shared_ptr<const BlockLayout> TextInputWidget::layoutBlock(const TextStore:
   request.font = font();
   request.markColor = palette().color(QPalette::PlaceholderText);
   request.width = width;
-  if (!preedit_.isEmpty() && caret_ >= block.start && store_.blockAt(caret_).start == block.start) {
+  request.lastRowGoesOn = lastRowGoesOn;
+  // A caret between two blocks is the later one's.
+  const bool isLast = block.ending == 0 && block.end() == store_.length();
+  const bool holdsCaret = caret_ >= block.start && (caret_ < block.end() || isLast) && caret_ <= block.contentEnd();
+  if (!preedit_.isEmpty() && holdsCaret) {
     request.preedit = isReadable() ? displayText(preedit_, tabsShow()) : QString(preedit_.size(), QChar(u'●'));
     request.preeditPosition = int(std::min(caret_ - block.start, content));
   }

@@ -93,8 +93,10 @@ protected:
   virtual TabsShow tabsShow() const = 0;
   // A hand has changed the text: at `position`, by so many code units removed and inserted.
   virtual void textChanged(std::size_t position, std::size_t removed, std::size_t inserted) = 0;
-  // Code has set the text.
-  virtual void textSet(bool onlyAppended) = 0;
+  // Code has set the text. The first `kept` code units are the same as before.
+  virtual void textSet(std::size_t kept) = 0;
+  // The text that the input method shows at the caret is another one.
+  virtual void composedChanged() {}
   virtual QRect caretRect() const = 0;
   virtual void showCaret() = 0;
   // The start or the end of the row that the caret is in.
@@ -120,8 +122,10 @@ protected:
 
   // Moves the caret, with the selection's other end left behind or not.
   void moveCaret(std::size_t position, bool select);
-  // The layout of one block, from a small cache. Without a width it is one row.
-  std::shared_ptr<const BlockLayout> layoutBlock(const TextStore::Block& block, std::optional<double> width) const;
+  // The layout of one block, from a small cache. Without a width it is one row. The block may have been made to start
+  // or end elsewhere than the store's.
+  std::shared_ptr<const BlockLayout> layoutBlock(const TextStore::Block& block, std::optional<double> width,
+                                                 bool lastRowGoesOn = false) const;
   // Where the caret is in its block's layout.
   double caretX(const BlockLayout& layout, const TextStore::Block& block) const;
   void drawBlock(QPainter& painter, const QPointF& top, const BlockLayout& layout, const TextStore::Block& block) const;
@@ -140,6 +144,7 @@ private:
   void insertMimeText(const QMimeData* data);
   void publishPrimarySelection() const;
   void restartBlinking();
+  void setComposed(const QString& text);
   void stopComposing();
   // What the screen reader and the input method hear of.
   void announceCaret();

@@ -37,7 +37,7 @@ public:
   };
 
   // No block is longer.
-  static constexpr std::size_t longestBlock = 2000;
+  static constexpr std::size_t longestBlock = 1000;
 
   explicit TextStore(Lines lines);
 

@@ -10,6 +10,7 @@
 #include <QWheelEvent>
 
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 
 namespace tarn {
@@ -19,6 +20,8 @@ namespace {
 constexpr int margin = 4;
 constexpr double rowsAWheelStep = 3;
 constexpr double angleAWheelStep = 120;
+// No row of visible text is longer. What takes no place, as combining marks do, could go on for ever.
+constexpr std::size_t longestCarry = 4 * TextStore::longestBlock;
 
 int clampedInt(std::size_t value) {
   return int(std::min<std::size_t>(value, std::size_t(std::numeric_limits<int>::max())));
@@ -58,48 +61,99 @@ int TextViewWidget::rowsInSight() const {
   return std::max(1, contents().height() / rowHeight());
 }
 
-std::shared_ptr<const BlockLayout> TextViewWidget::layoutOf(const TextStore::Block& block) const {
-  return layoutBlock(block, double(contents().width()));
+CarriedRows::Start TextViewWidget::firstRow(const TextStore::Block& block) const {
+  // How far back a jump into a long line looks for a start that is known. Farther than what is in sight, so that the
+  // place where the rows are a guess isn't seen at once.
+  constexpr int reach = 16;
+  const auto startsLine = [&](const TextStore::Block& at) {
+    return !store().hasPrevious(at) || store().previous(at).ending > 0;
+  };
+  if (startsLine(block)) return {block.start, true};
+  if (const auto known = carried_.start(block.start)) return *known;
+  TextStore::Block from = block;
+  for (int i = 0; i < reach && !startsLine(from) && !carried_.start(from.start); ++i)
+    from = store().previous(from);
+  if (!startsLine(from) && !carried_.start(from.start)) carried_.guess(from.start);
+  for (; from.start < block.start; from = store().next(from))
+    spanOf(from);
+  return carried_.start(block.start).value_or(CarriedRows::Start{block.start});
+}
+
+TextViewWidget::Span TextViewWidget::spanOf(const TextStore::Block& block) const {
+  const double width = contents().width();
+  const CarriedRows::Start first = firstRow(block);
+  Span span{block, block.end(), nullptr};
+  span.block.start = first.position;
+  span.block.length = block.end() - first.position;
+  if (!goesOn(block)) {
+    span.layout = layoutBlock(span.block, width);
+    return span;
+  }
+  if (const auto next = carried_.next(block.end(), first)) {
+    span.end = next->position;
+    const bool isOwn = next->carriedFrom == first.position;
+    if (!isOwn) span.block.length = span.end - first.position;
+    span.layout = layoutBlock(span.block, width, isOwn);
+    return span;
+  }
+  span.layout = layoutBlock(span.block, width, true);
+  span.end = first.position + std::size_t(span.layout->rowStart(span.layout->rows()));
+  if (block.end() - span.end > longestCarry) {
+    span.end = block.end();
+    span.layout = layoutBlock(span.block, width);
+    carried_.set(block.end(), {span.end, first.isExact});
+  } else {
+    carried_.set(block.end(), {span.end, first.isExact, first.position});
+  }
+  return span;
 }
 
 std::size_t TextViewWidget::startOf(const Row& row) const {
-  return row.block.start + std::size_t(layoutOf(row.block)->rowStart(row.row));
+  const Span span = spanOf(row.block);
+  return span.block.start + std::size_t(span.layout->rowStart(row.row));
 }
 
 TextViewWidget::Row TextViewWidget::rowOf(std::size_t position) const {
-  const TextStore::Block block = store().blockAt(position);
-  const std::size_t offset = std::min(position, block.contentEnd()) - block.start;
-  return {block, layoutOf(block)->rowAt(int(offset))};
+  TextStore::Block block = store().blockAt(position);
+  Span span = spanOf(block);
+  while (position >= span.end && goesOn(block)) {
+    block = store().next(block);
+    span = spanOf(block);
+  }
+  const std::size_t offset = std::min(position, block.contentEnd()) - span.block.start;
+  return {block, span.layout->rowAt(int(offset))};
 }
 
 TextViewWidget::Row TextViewWidget::moved(Row row, std::ptrdiff_t rows) const {
   std::ptrdiff_t to = row.row + rows;
   while (to < 0 && store().hasPrevious(row.block)) {
     row.block = store().previous(row.block);
-    to += layoutOf(row.block)->rows();
+    to += rowsOf(row.block);
   }
-  std::ptrdiff_t count = layoutOf(row.block)->rows();
+  to = std::max<std::ptrdiff_t>(to, 0);
+  std::ptrdiff_t count = rowsOf(row.block);
   while (to >= count && store().hasNext(row.block)) {
     to -= count;
     row.block = store().next(row.block);
-    count = layoutOf(row.block)->rows();
+    count = rowsOf(row.block);
   }
-  row.row = int(std::clamp<std::ptrdiff_t>(to, 0, count - 1));
+  row.row = int(std::min<std::ptrdiff_t>(to, count - 1));
   return row;
 }
 
 std::size_t TextViewWidget::lastPositionIn(const Row& row, std::size_t position) const {
-  const std::size_t end = row.block.start + std::size_t(layoutOf(row.block)->rowEnd(row.row));
+  const Span span = spanOf(row.block);
+  const std::size_t end = span.block.start + std::size_t(span.layout->rowEnd(row.row));
   if (position < end && position < row.block.contentEnd()) return position;
   // At its very end a wrapped row's caret would show in the next one.
-  const bool goesOn =
-      row.row + 1 < layoutOf(row.block)->rows() || (row.block.ending == 0 && store().hasNext(row.block));
-  if (goesOn) return std::max(previousCharacter(store(), std::min(position, end)), startOf(row));
+  if (row.row + 1 < span.layout->rows() || goesOn(row.block))
+    return std::max(previousCharacter(store(), std::min(position, end)), startOf(row));
   return std::min(position, row.block.contentEnd());
 }
 
 std::size_t TextViewWidget::positionIn(const Row& row, double x) const {
-  return lastPositionIn(row, row.block.start + std::size_t(layoutOf(row.block)->positionAt(row.row, x)));
+  const Span span = spanOf(row.block);
+  return lastPositionIn(row, span.block.start + std::size_t(span.layout->positionAt(row.row, x)));
 }
 
 std::size_t TextViewWidget::positionAt(const QPoint& point) const {
@@ -123,12 +177,13 @@ QRect TextViewWidget::caretRect() const {
   int y = area.y() - row.row * rowHeight();
   TextStore::Block block = row.block;
   while (block.start < at.block.start && y <= area.bottom()) {
-    y += layoutOf(block)->rows() * rowHeight();
+    y += rowsOf(block) * rowHeight();
     block = store().next(block);
   }
   if (block.start != at.block.start)
     return {area.x(), at.block.start < block.start ? -rowHeight() : height(), width, 1};
-  const double x = area.x() + caretX(*layoutOf(block), block);
+  const Span span = spanOf(block);
+  const double x = area.x() + caretX(*span.layout, span.block);
   return {std::min(int(std::lround(x)), area.right() + margin), y + at.row * rowHeight(), width, rowHeight()};
 }
 
@@ -154,9 +209,12 @@ void TextViewWidget::setTop(Row row) {
 
 void TextViewWidget::scrollBarMoved(int value) {
   if (value >= scrollBar_->maximum()) return setTop(rowOf(store().length()));
+  // Rows that were never laid out are estimates: small steps don't go by them.
+  const std::ptrdiff_t step = value - barValue_;
+  if (std::abs(step) <= rowsInSight()) return setTop(moved(rowOf(top_), step));
   std::size_t row = std::size_t(std::max(value, 0));
   const TextStore::Block block = store().blockAtRow(row);
-  setTop({block, std::min(int(row), layoutOf(block)->rows() - 1)});
+  setTop(moved({block, 0}, std::clamp<std::ptrdiff_t>(std::ptrdiff_t(row), 0, std::max(rowsOf(block) - 1, 0))));
 }
 
 void TextViewWidget::settle() {
@@ -165,9 +223,10 @@ void TextViewWidget::settle() {
   const Row top = rowOf(top_);
   int rows = -top.row;
   for (TextStore::Block block = top.block;; block = store().next(block)) {
-    const int count = layoutOf(block)->rows();
+    const int count = rowsOf(block);
     store().setRows(block, std::size_t(count));
     rows += count;
+    carried_.setShown(top.block.start, block.start);
     if (rows > rowsInSight() || !store().hasNext(block)) break;
   }
   const QSignalBlocker blocker(scrollBar_);
@@ -176,6 +235,7 @@ void TextViewWidget::settle() {
   scrollBar_->setPageStep(rowsInSight());
   scrollBar_->setValue(clampedInt(store().rowsBefore(top.block) + std::size_t(top.row)));
   scrollBar_->setVisible(scrollBar_->maximum() > 0);
+  barValue_ = scrollBar_->value();
 }
 
 void TextViewWidget::showEvent(QShowEvent* event) {
@@ -194,6 +254,7 @@ void TextViewWidget::resizeEvent(QResizeEvent* event) {
 
 void TextViewWidget::updateColumns() {
   const double column = QFontMetricsF(font()).averageCharWidth();
+  carried_.clear();
   const auto columns = std::size_t(std::max(1.0, contents().width() / std::max(1.0, column)));
   if (columns != store().columns()) store().setColumns(columns);
 }
@@ -223,6 +284,7 @@ bool TextViewWidget::mayChange(std::size_t position, std::size_t length, const Q
 }
 
 void TextViewWidget::textChanged(std::size_t position, std::size_t removed, std::size_t inserted) {
+  carried_.forgetFrom(position);
   // The same text stays at the top.
   if (top_ >= position + removed) {
     top_ = top_ - removed + inserted;
@@ -231,14 +293,22 @@ void TextViewWidget::textChanged(std::size_t position, std::size_t removed, std:
   }
 }
 
-void TextViewWidget::textSet(bool onlyAppended) {
-  if (!onlyAppended) top_ = 0;
+void TextViewWidget::textSet(std::size_t kept) {
+  carried_.forgetFrom(kept);
+  if (kept == 0) top_ = 0;
   settle();
+}
+
+void TextViewWidget::composedChanged() {
+  carried_.forgetFrom(store().blockAt(caret()).start + 1);
 }
 
 void TextViewWidget::moveVertically(std::ptrdiff_t rows, bool select) {
   const Row from = rowOf(caret());
-  if (goalCaret_ != caret()) goalX_ = caretX(*layoutOf(from.block), from.block);
+  if (goalCaret_ != caret()) {
+    const Span span = spanOf(from.block);
+    goalX_ = caretX(*span.layout, span.block);
+  }
   const Row to = moved(from, rows);
   const bool stays = to.block.start == from.block.start && to.row == from.row;
   const std::size_t edge = rows < 0 ? 0 : store().length();
@@ -299,9 +369,9 @@ void TextViewWidget::paintEvent(QPaintEvent* event) {
   const Row top = rowOf(top_);
   int y = area.y() - top.row * rowHeight();
   for (TextStore::Block block = top.block;; block = store().next(block)) {
-    const auto layout = layoutOf(block);
-    drawBlock(painter, QPointF(area.x(), y), *layout, block);
-    y += layout->rows() * rowHeight();
+    const Span span = spanOf(block);
+    drawBlock(painter, QPointF(area.x(), y), *span.layout, span.block);
+    y += span.layout->rows() * rowHeight();
     if (y > area.bottom() || !store().hasNext(block)) break;
   }
   drawCaret(painter);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/appkit/CarriedRows.h"
 #include "platform/appkit/TextInputWidget.h"
 
 #include <cstddef>
@@ -42,7 +43,8 @@ protected:
   bool mayChange(std::size_t position, std::size_t length, const QString& replacement) override;
   TabsShow tabsShow() const override { return TabsShow::asGap; }
   void textChanged(std::size_t position, std::size_t removed, std::size_t inserted) override;
-  void textSet(bool onlyAppended) override;
+  void textSet(std::size_t kept) override;
+  void composedChanged() override;
   QRect caretRect() const override;
   void showCaret() override;
   std::size_t rowEdge(bool atEnd) const override;
@@ -53,11 +55,24 @@ private:
     TextStore::Block block;
     int row = 0;
   };
+  // The rows of a block: those that begin in it, and the one that the block before it left unfinished.
+  struct Span {
+    // From the first row's start.
+    TextStore::Block block;
+    // Behind the last row. From here on the text is the next block's.
+    std::size_t end = 0;
+    std::shared_ptr<const BlockLayout> layout;
+  };
 
   QRect contents() const;
   int rowHeight() const;
   int rowsInSight() const;
-  std::shared_ptr<const BlockLayout> layoutOf(const TextStore::Block& block) const;
+  // True if the block's line goes on in the next one.
+  bool goesOn(const TextStore::Block& block) const { return block.ending == 0 && store().hasNext(block); }
+  // Where the first of the block's rows starts; finds it from the blocks before it if it isn't known.
+  CarriedRows::Start firstRow(const TextStore::Block& block) const;
+  Span spanOf(const TextStore::Block& block) const;
+  int rowsOf(const TextStore::Block& block) const { return spanOf(block).layout->rows(); }
   std::size_t startOf(const Row& row) const;
   Row rowOf(std::size_t position) const;
   // As many rows further, up to the ends of the text.
@@ -73,6 +88,8 @@ private:
   void moveVertically(std::ptrdiff_t rows, bool select);
 
   ShouldChange shouldChange_;
+  // What the layouts made so far have found out.
+  mutable CarriedRows carried_;
   QScrollBar* scrollBar_;
   // The first character of the top row.
   std::size_t top_ = 0;
@@ -80,6 +97,8 @@ private:
   double goalX_ = 0;
   std::optional<std::size_t> goalCaret_;
   double wheelRest_ = 0;
+  // What the scroll bar was last set to.
+  int barValue_ = 0;
 };
 
 }  // namespace tarn
