@@ -337,8 +337,13 @@ TEST_F(Connection, RefreshesEveryThreeSecondsUntilItIsClosed) {
   const auto server = connectedItem(peer.port());
   auto& loop = NSRunLoop::mainRunLoop();
   EXPECT_FALSE(loop.nextFireDate());
+  const auto before = NSRunLoop::Clock::now();
   NSOperationQueue::mainQueue().drain();
   ASSERT_TRUE(loop.nextFireDate());
+  EXPECT_GE(*loop.nextFireDate(), before + std::chrono::seconds(3));
+  EXPECT_LE(*loop.nextFireDate(), NSRunLoop::Clock::now() + std::chrono::seconds(3));
+  // In place of the one that runs, not beside it.
+  server->startLivenessTimer();
   server->infoFromServerMain();
   waitUntil([&] { return server->operationQueue().operationCount() == 0; });
   EXPECT_EQ(peer.received().front(), "*2\r\n$7\r\ncluster\r\n$5\r\nnodes\r\n*1\r\n$4\r\ninfo\r\n");
@@ -349,6 +354,12 @@ TEST_F(Connection, RefreshesEveryThreeSecondsUntilItIsClosed) {
   EXPECT_TRUE(server->connectToServer().ok);
   server->closeConnection();
   NSOperationQueue::mainQueue().drain();
+  EXPECT_FALSE(loop.nextFireDate());
+
+  // Nor does it stay when the server goes.
+  connectedItem(peer.port());
+  NSOperationQueue::mainQueue().drain();
+  connectedItem(peer.port())->startLivenessTimer();
   EXPECT_FALSE(loop.nextFireDate());
 
   const auto transient = std::make_shared<ServerItem>(ServerItem::Life::transient);
