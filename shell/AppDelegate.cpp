@@ -45,11 +45,10 @@ NSPersistentContainer& AppDelegate::persistentContainer() {
     persistentContainer_.emplace("ServerItemModel", managedObjectModel());
     if (const auto error = persistentContainer_->loadPersistentStores()) {
       logLine("Unresolved error " + error->description() + ", " + error->userInfo());
-      std::string message = localizedString(
-          "The favourites in '{0}' can not be opened: {1}. The file is left as it is, and until this is mended no "
-          "favourite can be shown or saved.");
-      message = replacingPlaceholder(std::move(message), "{1}", error->reason);
-      tellLater(replacingPlaceholder(std::move(message), "{0}", error->file));
+      tellLater(replacingPlaceholders(
+          localizedString("The favourites in '{0}' can not be opened: {1}. The file is left as it is, and until this "
+                          "is mended no favourite can be shown or saved."),
+          error->file, error->reason));
     }
   }
   return *persistentContainer_;
@@ -63,9 +62,8 @@ void AppDelegate::saveContext() {
   const auto error = context().save();
   if (!error) return;
   logLine("Failure to save context: " + error->description());
-  std::string message = localizedString("The change of your favourites could not be saved in '{0}': {1}.");
-  message = replacingPlaceholder(std::move(message), "{1}", error->reason);
-  showAlert(replacingPlaceholder(std::move(message), "{0}", error->file));
+  showAlert(replacingPlaceholders(localizedString("The change of your favourites could not be saved in '{0}': {1}."),
+                                  error->file, error->reason));
 }
 
 }  // namespace tarn

@@ -80,10 +80,8 @@ ReplyResult ServerItem::followRedirect(std::string_view line, RedisCommand comma
   const auto node = transientItem(*target);
   node->redirectHops_ = redirectHops_ + 1;
   if (!node->connectToServer().ok) {
-    std::string message = localizedString("Can not connect to cluster node server({0}:{1})");
-    // The host is the peer's word, and may hold anything, so it comes last.
-    message = replacingPlaceholder(std::move(message), "{1}", std::to_string(target->port));
-    return failedCommand(replacingPlaceholder(std::move(message), "{0}", target->host));
+    return failedCommand(replacingPlaceholders(localizedString("Can not connect to cluster node server({0}:{1})"),
+                                               target->host, std::to_string(target->port)));
   }
   ReplyResult result = node->exchange(command, args, std::nullopt);
   node->closeConnection();

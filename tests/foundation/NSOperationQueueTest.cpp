@@ -137,6 +137,76 @@ TEST(NSOperationQueue, LetsABarrierRunAlone) {
   EXPECT_EQ(after, 10);
 }
 
+TEST(NSOperationQueue, LetsTheCallerWorkBesideItsBlocksButNotBesideABarrier) {
+  NSOperationQueue queue(2);
+  Gate block;
+  queue.addOperationWithBlock(block.block());
+  bool ran = false;
+  std::atomic<bool> barrierRan = false;
+  queue.performBesideOperations([&] {
+    // The barrier waits for the caller too, though the block has ended.
+    queue.addBarrierBlock([&] { barrierRan = true; });
+    block.open();
+    while (queue.operationCount() > 1)
+      std::this_thread::yield();
+    std::this_thread::sleep_for(5ms);
+    ran = !barrierRan && queue.operationCount() == 1;
+  });
+  EXPECT_TRUE(ran);
+  ASSERT_TRUE(waitFor([&] { return queue.operationCount() == 0; }));
+  EXPECT_TRUE(barrierRan);
+
+  std::atomic<bool> barrierStarted = false;
+  std::atomic<bool> barrierEnded = false;
+  queue.addBarrierBlock([&] {
+    barrierStarted = true;
+    std::this_thread::sleep_for(5ms);
+    barrierEnded = true;
+  });
+  ASSERT_TRUE(waitFor([&] { return barrierStarted.load(); }));
+  queue.performBesideOperations([&] { ran = barrierEnded; });
+  EXPECT_TRUE(ran);
+  ASSERT_TRUE(waitFor([&] { return queue.operationCount() == 0; }));
+}
+
+TEST(NSOperationQueue, LetsTheCallerWorkAlone) {
+  NSOperationQueue queue(2);
+  std::atomic<int> running = 0;
+  const auto busy = [&] {
+    ++running;
+    std::this_thread::sleep_for(1ms);
+    --running;
+  };
+  // Callers of either kind among blocks and barriers: one that is to work alone does so, and all that waits gets its
+  // turn afterwards.
+  std::atomic<int> seen = 0;
+  std::atomic<int> turns = 0;
+  std::vector<std::thread> callers;
+  for (int caller = 0; caller < 3; ++caller) {
+    callers.emplace_back([&] {
+      for (int round = 0; round < 20; ++round) {
+        queue.addOperationWithBlock(busy);
+        queue.addBarrierBlock([&] {
+          seen += running;
+          ++turns;
+        });
+        queue.performBesideOperations(busy);
+        queue.performAsBarrier([&] {
+          seen += running++;
+          std::this_thread::yield();
+          seen += --running;
+          ++turns;
+        });
+      }
+    });
+  }
+  for (std::thread& caller : callers)
+    caller.join();
+  ASSERT_TRUE(waitFor([&] { return queue.operationCount() == 0; }));
+  EXPECT_EQ(seen, 0);
+  EXPECT_EQ(turns, 120);
+}
+
 TEST(NSOperationQueue, NeedsNoThreadWhileIdle) {
   // A sanitizer starts a thread of its own beside the first one.
   std::thread([] {}).join();
