@@ -54,11 +54,11 @@ void RowActions::deleteRows(NSTableView& table) {
 
 void RowActions::addRow(NSTableView& table) {
   const std::shared_ptr<void> tab = queue_.tab();
-  const int generation = tables_.generation(table);
+  const int revision = tables_.revision(table);
   editing_.commitEditableCells(table);
   editing_.endEditorEdits(table);
   // Behind an alert another value may have come.
-  if (tables_.generation(table) != generation) return;
+  if (tables_.revision(table) != revision) return;
 
   const int selected = &table == &outlets_.valueDataSetTable ? table.selectedRow() : -1;
   const int row = tables_.hasRow(table, selected) ? selected + 1 : tables_.numberOfRowsInTableView(table);

@@ -62,9 +62,9 @@ void RowEditing::openNewRow(NSTableView& table, int row) {
 }
 
 void RowEditing::openAgainLater(NSTableView& table, int row, int column) {
-  const auto open = [this, &table, row, column, generation = tables_.generation(table)] {
+  const auto open = [this, &table, row, column, revision = tables_.revision(table)] {
     // Nor may it take the keyboard from another control that a hand has gone to since.
-    if (tables_.generation(table) != generation || !table.isFirstResponder()) return;
+    if (tables_.revision(table) != revision || !table.isFirstResponder()) return;
     prepareCell(table, row, column, true);
     if (NSTableCellView* cell = table.viewAtColumn(column, row, false)) cell->becomeFirstResponder();
   };
@@ -110,9 +110,9 @@ void RowEditing::controlTextDidEndEditing(const TextEdit& edit) {
   if (edit.tag == scoreEditorTag) return commitScoreEditor(edit.text);
   if (!edit.table) return;
   const bool translate = outlets_.chkTranslate.state();
-  queue_.poster().post([this, edit, translate, generation = tables_.generation(*edit.table)] {
+  queue_.poster().post([this, edit, translate, revision = tables_.revision(*edit.table)] {
     // The row that was edited may be gone, or have another number.
-    if (tables_.generation(*edit.table) != generation) return;
+    if (tables_.revision(*edit.table) != revision) return;
     if (edit.tag == ValueTables::scoreCellTag) return endScoreCellEdit(edit.row, edit.text);
     for (const ValuePlace& place : tables_.places()) {
       if (place.tag == edit.tag) endCellEdit(place, edit.row, edit.text, translate);

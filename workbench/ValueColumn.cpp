@@ -14,7 +14,6 @@ std::vector<Bytes> ValueColumn::assign(std::vector<Bytes> rows, std::string_view
 void ValueColumn::setTitle(std::string_view title) {
   title_ = title;
   setTexts_.clear();
-  ++generation_;
 }
 
 RowText ValueColumn::row(std::size_t row) const {
@@ -43,7 +42,6 @@ void ValueColumn::setData(std::size_t row, Bytes bytes) {
 
 void ValueColumn::insertRow(std::size_t row) {
   ++revision_;
-  ++generation_;
   data_.insert(data_.begin() + static_cast<std::ptrdiff_t>(row), Bytes());
   for (auto set = std::ranges::lower_bound(setTexts_, row, {}, &SetText::row); set != setTexts_.end(); ++set)
     ++set->row;
@@ -52,7 +50,6 @@ void ValueColumn::insertRow(std::size_t row) {
 
 void ValueColumn::removeRows(const std::vector<std::size_t>& rows) {
   ++revision_;
-  ++generation_;
   eraseRows(data_, rows);
   std::erase_if(setTexts_, [&](const SetText& set) { return std::binary_search(rows.begin(), rows.end(), set.row); });
   for (SetText& set : setTexts_) {

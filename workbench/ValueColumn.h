@@ -19,9 +19,6 @@ class ValueColumn final {
 public:
   std::size_t rowCount() const { return data_.size(); }
 
-  // Another number whenever rows were rebuilt, came or went, so that a row kept by its number may be another one.
-  int generation() const { return generation_; }
-
   // The rows as the server sent them, shown under `title`: a character set or "Base64". Answers with the rows before.
   std::vector<Bytes> assign(std::vector<Bytes> rows, std::string_view title);
 
@@ -33,7 +30,7 @@ public:
 
   const std::string& title() const { return title_; }
 
-  // Stays as long as each row keeps its place.
+  // Stays as long as each row keeps its place: whoever keeps a row's number across events compares it.
   int revision() const { return revision_; }
 
   // The unescaped text of a row, and its flag.
@@ -64,7 +61,6 @@ private:
   // Ascending by row.
   std::vector<SetText> setTexts_;
   std::string title_;
-  int generation_ = 0;
   int revision_ = 0;
 };
 

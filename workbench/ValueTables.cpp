@@ -44,8 +44,12 @@ bool ValueTables::hasRow(const NSTableView& table, int row) const {
   return row >= 0 && static_cast<std::size_t>(row) < firstPlace(table).rows.rowCount();
 }
 
-int ValueTables::generation(const NSTableView& table) const {
-  return firstPlace(table).rows.generation();
+int ValueTables::revision(const NSTableView& table) const {
+  int sum = 0;
+  for (const ValuePlace& place : places_) {
+    if (&place.table == &table) sum += place.rows.revision();
+  }
+  return sum;
 }
 
 void ValueTables::insertRow(NSTableView& table, std::size_t row) {

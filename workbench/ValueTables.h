@@ -42,8 +42,8 @@ public:
   // The table that shows this type; nothing for a String and for what no table knows.
   NSTableView* tableForType(std::string_view type);
   bool hasRow(const NSTableView& table, int row) const;
-  // Changes whenever the table's rows are rebuilt, come or go: who keeps a row's number across events compares it.
-  int generation(const NSTableView& table) const;
+  // Of all its columns: see ValueColumn.
+  int revision(const NSTableView& table) const;
 
   // A row without text and bytes, in front of the one at `row` or behind the last.
   void insertRow(NSTableView& table, std::size_t row);
