@@ -182,7 +182,17 @@ bool ReplyScanner::skipPayload() {
 }
 
 bool ReplyScanner::skipUnknown() {
-  return typeByte_ == '!' ? skipPayload() : line().has_value();
+  return unknownLine().has_value();
+}
+
+std::optional<std::string> ReplyScanner::unknownLine() {
+  if (typeByte_ != '!') {
+    const auto text = line();
+    return text ? std::optional<std::string>(*text) : std::nullopt;
+  }
+  const auto size = length();
+  if (!size || (*size >= 0 && !skipBytes(static_cast<std::size_t>(*size) + 2))) return std::nullopt;
+  return std::to_string(*size);
 }
 
 bool ReplyScanner::skipElements(ReplyType type, std::int64_t count, int depth) {

@@ -66,6 +66,8 @@ public:
   bool skipElements(ReplyType type, std::int64_t count, int depth);
   // Drops what belongs to a byte that begins no reply.
   bool skipUnknown();
+  // The same, and gives the text behind the byte, up to CR LF.
+  std::optional<std::string> unknownLine();
 
 private:
   // Bytes parsed one at a time: the fast road is in the header, where the next one has arrived already.

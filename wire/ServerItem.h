@@ -85,7 +85,9 @@ public:
   void setDbs(Databases dbs);
 
   // The database that the connection's server-side state stands on: 0 on a new socket, then what the last successful
-  // SELECT said.
+  // SELECT said; inside a transaction that a console line has opened, the one in which the next command will run.
+  // `unknownDatabase` where a transaction has left it open.
+  static constexpr int unknownDatabase = -1;
   int currentDbIdx() const;
 
   NSOperationQueue& operationQueue() { return operationQueue_; }
@@ -98,8 +100,10 @@ public:
 
   // Resolves, connects within 5 seconds, authenticates, and has the refresh start. With a refused password the status is
   // `connected` all the same. Fails if closeConnection has run since `began` was read, which is when the user asked.
+  // A database other than the first is selected before any other command gets to the new connection; where the server
+  // refuses it, currentDbIdx tells.
   Outcome connectToServer() { return connectToServer(closings()); }
-  Outcome connectToServer(Closings began);
+  Outcome connectToServer(Closings began, int database = 0);
 
   // Any thread, without waiting: cancels what waits in the queue, shuts the connection down, status `notConnected`, no
   // databases, no timer. A connect under way fails, and leaves the status as set here.
@@ -120,6 +124,13 @@ public:
 
   // Tree row, status label and one alert for a failed command. Any thread; it happens on the main queue, later.
   void showServerError(std::string message);
+
+  // Main queue. Sends a line as the user typed it and answers with the text to show: the reply, or what went wrong.
+  // Empty if there was nothing to send. Follows no redirect. A lost connection is made anew, on the same database. A
+  // SELECT or RESET carries currentDbIdx along, and the tab is told.
+  std::string executeConsoleCommand(std::string_view line);
+  // True for a line that may move the connection to another database, and so may run with no block of the queue only.
+  static bool mayMoveDatabase(std::string_view line);
 
   // Each of these shows its own failure.
   void loadDatabases();
@@ -180,6 +191,17 @@ private:
   std::vector<Bytes> listOf(RedisCommand command, std::initializer_list<std::string_view> args);
   bool writeThenExpire(RedisCommand command, Arguments args, std::int64_t ttl);
 
+  // --- Console
+  std::shared_ptr<Socket> sendConsoleRequest(const std::vector<std::string>& tokens);
+  bool followConsoleReply(const std::vector<std::string>& tokens, ReplyType type, std::string_view text);
+  void endTransaction(bool executed);
+  bool selectLocked(int index);
+  bool hasOpenTransaction() const;
+  void showDatabaseUnless(int database);
+  void reconnectFromConsole(const std::string& message, Closings began, int database);
+  void renewConnection(Closings began, int database);
+  void reconnectInBackground(Closings began, int database);
+
   // --- Discovery and scanning
   void replaceDbs(int count, Closings began);
   std::int64_t keysOfThisNode();
@@ -209,6 +231,10 @@ private:
   ConnectionStatus connectionStatus_ = ConnectionStatus::notConnected;
   std::shared_ptr<const Databases> dbs_ = std::make_shared<const Databases>();
   int currentDbIdx_ = 0;
+  // Of a transaction that a console line has opened: the database before it, and whether more than its reply follows
+  // its end.
+  std::optional<int> databaseAtMulti_;
+  bool moreAfterExec_ = false;
   std::shared_ptr<Socket> socket_;
   Closings closings_ = 0;
   std::shared_ptr<NSTimer> timer_;

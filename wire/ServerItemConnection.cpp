@@ -38,17 +38,18 @@ AddressList resolve(const std::string& host, int port) {
 
 }  // namespace
 
-ServerItem::Outcome ServerItem::connectToServer(Closings began) {
+ServerItem::Outcome ServerItem::connectToServer(Closings began, int database) {
   const std::string password = auth();
+  Outcome outcome{.ok = true, .message = {}, .closed = false};
   {
     const std::lock_guard lock(commandLocker_);
     if (auto failure = openConnection(began)) return *std::move(failure);
-  }
-  Outcome outcome{.ok = true, .message = {}, .closed = false};
-  if (!password.empty()) {
-    const std::string_view word = password;
-    ReplyResult reply = exchange(RedisCommand::auth, {&word, 1}, began);
-    outcome = {.ok = reply.ok, .message = std::move(reply.message), .closed = false};
+    if (!password.empty()) {
+      const std::string_view word = password;
+      ReplyResult reply = requestAndReply(RedisCommand::auth, {&word, 1}, began);
+      outcome = {.ok = reply.ok, .message = std::move(reply.message), .closed = false};
+    }
+    if (outcome.ok && database > 0) selectLocked(database);
   }
   postLivenessTimer(began);
   if (wasClosedSince(began)) {
@@ -208,6 +209,8 @@ bool ServerItem::keepSocket(std::shared_ptr<Socket> socket, Closings began) {
   if (closings_ != began) return false;
   socket_.swap(socket);
   currentDbIdx_ = 0;
+  databaseAtMulti_.reset();
+  moreAfterExec_ = false;
   return true;
 }
 

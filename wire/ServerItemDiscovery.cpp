@@ -67,8 +67,9 @@ void ServerItem::infoFromServerMain() {
 
 std::int64_t ServerItem::infoFromServer(bool topLevel) {
   logLine(topLevel ? "infoFromServer:::true" : "infoFromServer:::false");
-  // This very block is the one operation counted: a refresh never waits behind the user's work, nor delays it.
-  if (topLevel && operationQueue_.operationCount() != 1) return 0;
+  // This very block is the one operation counted: a refresh never waits behind the user's work, nor delays it. Nor does
+  // it add commands to a transaction of the user's.
+  if (topLevel && (operationQueue_.operationCount() != 1 || hasOpenTransaction())) return 0;
 
   const Closings began = closings();
   const ReplyResult nodes = execute(RedisCommand::clusterNodes, {});
