@@ -152,8 +152,8 @@ void RowEditing::sweepCell(const ValuePlace& place, int row, const std::string& 
       break;
     case Outcome::noBase64:
       tables_.showInCell(place, row);
-      const std::string message = localizedString(&place.rows == &state_.hashKey ? "Can not decode Base64 Key '{0}'"
-                                                                                 : "Can not decode Base64 Value '{0}'");
+      const std::string message = &place.rows == &state_.hashKey ? localizedString("Can not decode Base64 Key '{0}'")
+                                                                 : localizedString("Can not decode Base64 Value '{0}'");
       showAlert(replacingPlaceholder(message, "{0}", text));
       break;
   }
