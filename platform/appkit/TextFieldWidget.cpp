@@ -160,17 +160,17 @@ std::size_t TextFieldWidget::positionAt(const QPoint& point) const {
   return block.start + std::size_t(layoutBlock(block, {})->positionAt(0, x));
 }
 
-QRect TextFieldWidget::caretRect() const {
+QRect TextFieldWidget::caretRect(std::size_t position) const {
   const QRect area = contents();
   double x = area.x() - offset_;
   TextStore::Block block = leftBlock();
-  const TextStore::Block at = store().blockAt(caret());
+  const TextStore::Block at = store().blockAt(position);
   while (block.start < at.start && x < area.right()) {
     x += widthOf(block);
     block = store().next(block);
   }
   if (block.start != at.start) return {area.right(), area.y(), 1, area.height()};
-  x += caretX(*layoutBlock(block, {}), block);
+  x += caretX(*layoutBlock(block, {}), block, position);
   const int width = style()->pixelMetric(QStyle::PM_TextCursorWidth, nullptr, this);
   return {std::min(int(std::lround(x)), area.right()), area.y() + 1, width, area.height() - 2};
 }
@@ -198,7 +198,7 @@ void TextFieldWidget::showCaret() {
   const double width = contents().width() - 1;
   TextStore::Block left = leftBlock();
   const TextStore::Block at = store().blockAt(caret());
-  const double caretInBlock = caretX(*layoutBlock(at, {}), at);
+  const double caretInBlock = caretX(*layoutBlock(at, {}), at, caret());
   if (at.start < left.start) return setLeft(at, caretInBlock);
   double x = -offset_;
   TextStore::Block block = left;

@@ -54,7 +54,7 @@ protected:
   TabsShow tabsShow() const override { return TabsShow::asMark; }
   void textChanged(std::size_t position, std::size_t removed, std::size_t inserted) override;
   void textSet(std::size_t kept) override;
-  QRect caretRect() const override;
+  QRect caretRect(std::size_t position) const override;
   void showCaret() override;
   std::size_t rowEdge(bool atEnd) const override;
 

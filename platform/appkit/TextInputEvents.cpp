@@ -1,14 +1,16 @@
 #include "platform/appkit/TextInputWidget.h"
 
+#include "platform/appkit/FocusChange.h"
 #include "platform/appkit/KeyEquivalents.h"
 #include "platform/appkit/TextMovement.h"
 #include "platform/appkit/Utf8.h"
 #include "platform/foundation/NSLocalizedString.h"
 
+#include <QApplication>
 #include <QClipboard>
 #include <QCursor>
+#include <QDrag>
 #include <QDropEvent>
-#include <QGuiApplication>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMenu>
@@ -57,6 +59,22 @@ const MoveKey* moveKeyOf(QKeyEvent* event) {
   const auto found =
       std::find_if(moveKeys.begin(), moveKeys.end(), [&](const MoveKey& key) { return event->matches(key.key); });
   return found == moveKeys.end() ? nullptr : &*found;
+}
+
+// The step that goes the other way, for an arrow key in text from right to left.
+Move mirrored(Move move) {
+  switch (move) {
+    case Move::nextCharacter:
+      return Move::previousCharacter;
+    case Move::previousCharacter:
+      return Move::nextCharacter;
+    case Move::nextWord:
+      return Move::previousWord;
+    case Move::previousWord:
+      return Move::nextWord;
+    default:
+      return move;
+  }
 }
 
 // The text that a key types; nothing for a chord or a key of another kind.
@@ -111,12 +129,17 @@ void TextInputWidget::keyPressEvent(QKeyEvent* event) {
   event->ignore();
 }
 
+bool TextInputWidget::readsRightToLeft() const {
+  const TextStore::Block block = store_.blockAt(caret_);
+  return isReadable() && store_.text(block.start, block.length).isRightToLeft();
+}
+
 bool TextInputWidget::handleMoveKey(QKeyEvent* event) {
   const MoveKey* key = moveKeyOf(event);
   if (!key) return false;
   const bool collapses = hasSelection() && !key->select;
   std::size_t to = caret_;
-  switch (key->move) {
+  switch (readsRightToLeft() ? mirrored(key->move) : key->move) {
     case Move::nextCharacter:
       to = collapses ? selectionEnd() : nextCharacter(store_, caret_);
       break;
@@ -195,13 +218,22 @@ void TextInputWidget::mousePressEvent(QMouseEvent* event) {
     setSelection(line.start, line.end);
     return;
   }
+  if (isReadable() && !event->modifiers() && position >= selectionStart() && position < selectionEnd()) {
+    pressedSelection_ = event->position().toPoint();
+    return;
+  }
   selectingByMouse_ = true;
   moveCaret(position, event->modifiers() & Qt::ShiftModifier);
 }
 
 void TextInputWidget::mouseMoveEvent(QMouseEvent* event) {
-  if (!selectingByMouse_ || !(event->buttons() & Qt::LeftButton)) return;
   const QPoint point = event->position().toPoint();
+  if (pressedSelection_ && (event->buttons() & Qt::LeftButton)) {
+    const int moved = (point - *pressedSelection_).manhattanLength();
+    if (moved >= QApplication::startDragDistance()) dragSelection();
+    return;
+  }
+  if (!selectingByMouse_ || !(event->buttons() & Qt::LeftButton)) return;
   moveCaret(positionAt(point), true);
   // A pointer that waits outside goes on selecting.
   if (rect().contains(point)) {
@@ -213,6 +245,10 @@ void TextInputWidget::mouseMoveEvent(QMouseEvent* event) {
 
 void TextInputWidget::mouseReleaseEvent(QMouseEvent* event) {
   if (event->button() == Qt::LeftButton) {
+    if (pressedSelection_) {
+      pressedSelection_.reset();
+      return moveCaret(positionAt(event->position().toPoint()), false);
+    }
     selectingByMouse_ = false;
     dragging_.stop();
     publishPrimarySelection();
@@ -220,6 +256,15 @@ void TextInputWidget::mouseReleaseEvent(QMouseEvent* event) {
     moveCaret(positionAt(event->position().toPoint()), false);
     insertMimeText(QGuiApplication::clipboard()->mimeData(QClipboard::Selection));
   }
+}
+
+void TextInputWidget::dragSelection() {
+  pressedSelection_.reset();
+  auto* data = new QMimeData;
+  data->setText(store_.text(selectionStart(), selectionEnd() - selectionStart()));
+  auto* drag = new QDrag(this);
+  drag->setMimeData(data);
+  drag->exec(Qt::CopyAction);
 }
 
 void TextInputWidget::mouseDoubleClickEvent(QMouseEvent* event) {
@@ -248,7 +293,7 @@ void TextInputWidget::contextMenuEvent(QContextMenuEvent* event) {
   add(localizedString("Paste"), QKeySequence::Paste, clipboard && clipboard->hasText(), &TextInputWidget::paste);
   menu->addSeparator();
   add(localizedString("Select All"), QKeySequence::SelectAll, textLength() > 0, &TextInputWidget::selectAll);
-  menu->popup(event->reason() == QContextMenuEvent::Keyboard ? mapToGlobal(caretRect().bottomLeft())
+  menu->popup(event->reason() == QContextMenuEvent::Keyboard ? mapToGlobal(caretRect(caret_).bottomLeft())
                                                              : event->globalPos());
 }
 
@@ -266,11 +311,8 @@ void TextInputWidget::focusOutEvent(QFocusEvent* event) {
   setComposed({});
   history_.closeStep();
   update();
-  // The window lost the keyboard or a menu took it: the edit goes on afterwards.
-  const Qt::FocusReason reason = event->reason();
-  if (reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason || reason == Qt::MenuBarFocusReason)
-    return;
-  editingLeft();
+  // After a moment the edit goes on.
+  if (!leavesForMoment(*event)) editingLeft();
 }
 
 void TextInputWidget::inputMethodEvent(QInputMethodEvent* event) {
@@ -305,7 +347,7 @@ QVariant TextInputWidget::inputMethodQuery(Qt::InputMethodQuery query) const {
   };
   switch (query) {
     case Qt::ImCursorRectangle:
-      return caretRect();
+      return caretRect(caret_);
     case Qt::ImFont:
       return font();
     case Qt::ImCursorPosition:
@@ -337,9 +379,21 @@ void TextInputWidget::dragMoveEvent(QDragMoveEvent* event) {
   // A copy: what was dragged stays where it came from.
   event->setDropAction(Qt::CopyAction);
   event->accept();
+  showDropCaret(positionAt(event->position().toPoint()));
+}
+
+void TextInputWidget::dragLeaveEvent(QDragLeaveEvent*) {
+  showDropCaret({});
+}
+
+void TextInputWidget::showDropCaret(std::optional<std::size_t> position) {
+  if (dropCaret_ == position) return;
+  dropCaret_ = position;
+  update();
 }
 
 void TextInputWidget::dropEvent(QDropEvent* event) {
+  showDropCaret({});
   if (!event->mimeData()->hasText()) return;
   event->setDropAction(Qt::CopyAction);
   event->accept();
@@ -354,7 +408,7 @@ void TextInputWidget::dropEvent(QDropEvent* event) {
 void TextInputWidget::timerEvent(QTimerEvent* event) {
   if (event->timerId() == blinking_.timerId()) {
     caretOn_ = !caretOn_;
-    update(caretRect());
+    update(caretRect(caret_));
   } else if (event->timerId() == dragging_.timerId()) {
     moveCaret(positionAt(mapFromGlobal(QCursor::pos())), true);
   } else {

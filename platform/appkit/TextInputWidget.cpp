@@ -28,7 +28,17 @@ TextInputWidget::TextInputWidget(TextStore::Lines lines, QWidget* parent) : QFra
 void TextInputWidget::setUtf8(std::string_view text) {
   stopComposing();
   const std::size_t before = store_.length();
-  const std::size_t kept = store_.set(text) ? before : 0;
+  setByCode(store_.set(text) ? before : 0);
+}
+
+void TextInputWidget::appendUtf8(std::string_view text) {
+  stopComposing();
+  const std::size_t before = store_.length();
+  store_.append(text);
+  setByCode(before);
+}
+
+void TextInputWidget::setByCode(std::size_t kept) {
   history_.clear();
   edited_ = false;
   began_ = false;
@@ -208,8 +218,8 @@ std::shared_ptr<const BlockLayout> TextInputWidget::layoutBlock(const TextStore:
   return layouts_.layout(request);
 }
 
-double TextInputWidget::caretX(const BlockLayout& layout, const TextStore::Block& block) const {
-  return layout.xAt(int(std::min(caret_, block.contentEnd()) - block.start), preeditCaret_);
+double TextInputWidget::caretX(const BlockLayout& layout, const TextStore::Block& block, std::size_t position) const {
+  return layout.xAt(int(std::min(position, block.contentEnd()) - block.start), preeditCaret_);
 }
 
 void TextInputWidget::drawBlock(QPainter& painter, const QPointF& top, const BlockLayout& layout,
@@ -230,9 +240,12 @@ void TextInputWidget::drawBlock(QPainter& painter, const QPointF& top, const Blo
 }
 
 void TextInputWidget::drawCaret(QPainter& painter) const {
-  if (!caretOn_ || !hasFocus()) return;
-  const QRect rect = caretRect();
-  painter.fillRect(rect, palette().color(QPalette::Text));
+  const QColor color = palette().color(QPalette::Text);
+  if (dropCaret_) {
+    painter.fillRect(caretRect(std::min(*dropCaret_, store_.length())), color);
+  } else if (caretOn_ && hasFocus()) {
+    painter.fillRect(caretRect(caret_), color);
+  }
 }
 
 void TextInputWidget::drawPlaceholder(QPainter& painter, const QRect& rect) const {

@@ -32,6 +32,8 @@ public:
   // By code: tells nobody, asks nobody, clears undo, makes the edit unchanged again and puts the caret at the end.
   // Where the new text begins with the old one only the rest is added.
   void setUtf8(std::string_view text);
+  // The same, for a text that begins with the old one and goes on with `text`.
+  void appendUtf8(std::string_view text);
   void setText(const QString& text);
 
   std::string utf8(std::size_t position = 0) const { return store_.utf8(position); }
@@ -97,7 +99,8 @@ protected:
   virtual void textSet(std::size_t kept) = 0;
   // The text that the input method shows at the caret is another one.
   virtual void composedChanged() {}
-  virtual QRect caretRect() const = 0;
+  // Where a caret at `position` shows.
+  virtual QRect caretRect(std::size_t position) const = 0;
   virtual void showCaret() = 0;
   // The start or the end of the row that the caret is in.
   virtual std::size_t rowEdge(bool atEnd) const = 0;
@@ -114,6 +117,7 @@ protected:
   void inputMethodEvent(QInputMethodEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dragMoveEvent(QDragMoveEvent* event) override;
+  void dragLeaveEvent(QDragLeaveEvent* event) override;
   void dropEvent(QDropEvent* event) override;
   void timerEvent(QTimerEvent* event) override;
 
@@ -126,8 +130,8 @@ protected:
   // or end elsewhere than the store's.
   std::shared_ptr<const BlockLayout> layoutBlock(const TextStore::Block& block, std::optional<double> width,
                                                  bool lastRowGoesOn = false) const;
-  // Where the caret is in its block's layout.
-  double caretX(const BlockLayout& layout, const TextStore::Block& block) const;
+  // Where a caret at `position` is in its block's layout.
+  double caretX(const BlockLayout& layout, const TextStore::Block& block, std::size_t position) const;
   void drawBlock(QPainter& painter, const QPointF& top, const BlockLayout& layout, const TextStore::Block& block) const;
   void drawCaret(QPainter& painter) const;
   void drawPlaceholder(QPainter& painter, const QRect& rect) const;
@@ -137,10 +141,17 @@ private:
   // or taken the view away.
   bool isAllowed(const TextChange& change);
   void applyChange(const TextChange& change);
+  // Code has changed the text behind the first `kept` code units.
+  void setByCode(std::size_t kept);
   bool handleMoveKey(QKeyEvent* event);
   bool handleEditKey(QKeyEvent* event);
   bool isEditKey(QKeyEvent* event) const;
+  // True if the text around the caret is read from right to left, so that the next character is to the left.
+  bool readsRightToLeft() const;
   void deleteTo(std::size_t position);
+  // A copy of the selection goes with the pointer.
+  void dragSelection();
+  void showDropCaret(std::optional<std::size_t> position);
   void insertMimeText(const QMimeData* data);
   void publishPrimarySelection() const;
   void restartBlinking();
@@ -166,6 +177,9 @@ private:
   // Counts each change, so that an operation sees whether somebody it asked has changed the text.
   unsigned revision_ = 0;
   bool selectingByMouse_ = false;
+  // Where the button went down inside the selection: the beginning of a drag or a click.
+  std::optional<QPoint> pressedSelection_;
+  std::optional<std::size_t> dropCaret_;
   QElapsedTimer sinceDoubleClick_;
 };
 

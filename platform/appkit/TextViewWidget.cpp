@@ -169,9 +169,9 @@ std::size_t TextViewWidget::rowEdge(bool atEnd) const {
   return atEnd ? lastPositionIn(row, row.block.end()) : startOf(row);
 }
 
-QRect TextViewWidget::caretRect() const {
+QRect TextViewWidget::caretRect(std::size_t position) const {
   const QRect area = contents();
-  const Row at = rowOf(caret());
+  const Row at = rowOf(position);
   const int width = style()->pixelMetric(QStyle::PM_TextCursorWidth, nullptr, this);
   Row row = rowOf(top_);
   int y = area.y() - row.row * rowHeight();
@@ -183,7 +183,7 @@ QRect TextViewWidget::caretRect() const {
   if (block.start != at.block.start)
     return {area.x(), at.block.start < block.start ? -rowHeight() : height(), width, 1};
   const Span span = spanOf(block);
-  const double x = area.x() + caretX(*span.layout, span.block);
+  const double x = area.x() + caretX(*span.layout, span.block, position);
   return {std::min(int(std::lround(x)), area.right() + margin), y + at.row * rowHeight(), width, rowHeight()};
 }
 
@@ -307,7 +307,7 @@ void TextViewWidget::moveVertically(std::ptrdiff_t rows, bool select) {
   const Row from = rowOf(caret());
   if (goalCaret_ != caret()) {
     const Span span = spanOf(from.block);
-    goalX_ = caretX(*span.layout, span.block);
+    goalX_ = caretX(*span.layout, span.block, caret());
   }
   const Row to = moved(from, rows);
   const bool stays = to.block.start == from.block.start && to.row == from.row;

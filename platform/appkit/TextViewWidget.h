@@ -45,7 +45,7 @@ protected:
   void textChanged(std::size_t position, std::size_t removed, std::size_t inserted) override;
   void textSet(std::size_t kept) override;
   void composedChanged() override;
-  QRect caretRect() const override;
+  QRect caretRect(std::size_t position) const override;
   void showCaret() override;
   std::size_t rowEdge(bool atEnd) const override;
 

@@ -1,6 +1,7 @@
 #include "platform/appkit/LabelWidget.h"
 
 #include "platform/appkit/NSTextField.h"
+#include "platform/appkit/TextFieldWidget.h"
 #include "platform/appkit/Utf8.h"
 #include "tests/appkit/ExactTexts.h"
 #include "tests/support/widgets/Hand.h"
@@ -8,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
+#include <QHBoxLayout>
 #include <QHelpEvent>
 #include <QToolTip>
 
@@ -46,6 +48,27 @@ TEST(Label, KeepsItsTextExactAndElidesIt) {
   label.setStringValue(std::string(50 << 20, 'l'));
   EXPECT_FALSE(widget->grab().isNull());
   EXPECT_LT(widget->minimumSizeHint().width(), 200);
+}
+
+TEST(Label, IsAsWideAsItsTextBesideAFieldWhereThereIsRoom) {
+  QWidget window;
+  auto* layout = new QHBoxLayout(&window);
+  auto* kind = new LabelWidget;
+  auto* name = new LabelWidget;
+  layout->addWidget(kind);
+  layout->addWidget(name);
+  layout->addWidget(new TextFieldWidget, 1);
+  show(window, QSize(600, 60));
+  NSTextField(kind).setStringValue("Type: SortedSet");
+  NSTextField(name).setStringValue("A name that is as long as its owner wants");
+  settle();
+  EXPECT_EQ(kind->width(), kind->sizeHint().width());
+  EXPECT_EQ(name->width(), name->sizeHint().width());
+  // Without room the long one gives way, the short one doesn't.
+  window.resize(window.minimumSizeHint().width(), 60);
+  settle();
+  EXPECT_EQ(kind->width(), kind->sizeHint().width());
+  EXPECT_LT(name->width(), name->sizeHint().width());
 }
 
 }  // namespace tarn::test

@@ -269,6 +269,45 @@ TEST_F(TextView, SelectsByMouse) {
   EXPECT_EQ(view.selectedRange().length, 8u);
 }
 
+TEST_F(TextView, KeepsASelectionThatAPressMayDragAndDropsItOnAClick) {
+  view.setString("one two three");
+  view.setSelectedRange({0, 13});
+  const QPoint inTwo =
+      widget->contentsRect().topLeft() + QPoint(4 + widget->fontMetrics().horizontalAdvance("one tw"), 8);
+  QTest::mousePress(widget, Qt::LeftButton, {}, inTwo);
+  EXPECT_EQ(view.selectedRange().length, 13u);
+  QTest::mouseRelease(widget, Qt::LeftButton, {}, inTwo);
+  EXPECT_EQ(view.selectedRange().length, 0u);
+  EXPECT_EQ(caret(), 6u);
+}
+
+TEST_F(TextView, ShowsWhereADropWouldLand) {
+  view.setString("one two three");
+  other->setFocus();
+  const QImage before = widget->grab().toImage();
+  QMimeData dragged;
+  dragged.setText(QStringLiteral("x"));
+  QDragEnterEvent enter(QPoint(20, 10), Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(widget, &enter);
+  EXPECT_NE(widget->grab().toImage(), before);
+  QDragLeaveEvent leave;
+  QApplication::sendEvent(widget, &leave);
+  EXPECT_EQ(widget->grab().toImage(), before);
+}
+
+TEST_F(TextView, StepsToTheLeftThroughTextFromRightToLeft) {
+  view.setString("abc\n\u05D0\u05D1\u05D2");
+  view.setSelectedRange({4, 0});
+  press(Qt::Key_Left);
+  EXPECT_EQ(caret(), 5u);
+  press(Qt::Key_Left);
+  press(Qt::Key_Right);
+  EXPECT_EQ(caret(), 5u);
+  view.setSelectedRange({1, 0});
+  press(Qt::Key_Left);
+  EXPECT_EQ(caret(), 0u);
+}
+
 TEST_F(TextView, ScrollsToItsEndAndBack) {
   std::string lines;
   for (int i = 0; i < 5000; ++i)
