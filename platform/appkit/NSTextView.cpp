@@ -38,6 +38,10 @@ void NSTextView::setString(std::string_view text) {
   if (d_->view) d_->view->setUtf8(text);
 }
 
+void NSTextView::appendString(std::string_view text) {
+  if (d_->view) d_->view->appendUtf8(text);
+}
+
 std::size_t NSTextView::length() const {
   return d_->view ? d_->view->textLength() : 0;
 }

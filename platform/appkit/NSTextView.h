@@ -45,6 +45,8 @@ public:
   // Where the new text begins with the old one, only the rest is added, at a cost that follows the rest. The caret goes
   // to the end.
   void setString(std::string_view text);
+  // The same as setting the whole text with `text` at its end, at a cost that follows `text` alone.
+  void appendString(std::string_view text);
 
   // In UTF-16 code units.
   std::size_t length() const;

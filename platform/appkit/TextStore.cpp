@@ -170,9 +170,13 @@ bool TextStore::set(std::string_view utf8) {
     addBlocks(pages_, {}, true);
   }
   utf8.remove_prefix(bytes);
-  while (!utf8.empty())
-    append(toQString(takePart(utf8)));
+  append(utf8);
   return onlyAdds;
+}
+
+void TextStore::append(std::string_view utf8) {
+  while (!utf8.empty())
+    replace(length_, 0, toQString(takePart(utf8)));
 }
 
 bool TextStore::beginsWithThis(std::string_view utf8, std::size_t& bytes) const {

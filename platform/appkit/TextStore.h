@@ -50,6 +50,7 @@ public:
   void replace(std::size_t position, std::size_t length, QStringView replacement);
   // The whole text becomes `utf8`. True if that only added to the end.
   bool set(std::string_view utf8);
+  void append(std::string_view utf8);
 
   // There is always a first and a last block; the last one is empty where the text is or ends in a line's end. A
   // position between two blocks is the later one's.
@@ -92,7 +93,6 @@ private:
   // Cuts `text` into blocks and adds them to `pages`.
   void addBlocks(std::vector<Page>& pages, QStringView text, bool isEndOfText) const;
   void addBlock(std::vector<Page>& pages, QStringView block, std::size_t ending) const;
-  void append(QStringView text) { replace(length_, 0, text); }
   // True if `utf8` begins with the text, which is not empty and takes `bytes` of it.
   bool beginsWithThis(std::string_view utf8, std::size_t& bytes) const;
 
