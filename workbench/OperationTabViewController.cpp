@@ -4,6 +4,7 @@
 
 #include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/NSTimer.h"
+#include "workbench/ConsolePane.h"
 #include "workbench/KeyBrowser.h"
 #include "workbench/KeyDeleter.h"
 #include "workbench/KeyForm.h"
@@ -26,12 +27,6 @@ namespace {
 
 constexpr double resizeDelay = 0.1;
 
-// Controls whose work the program can't do yet. One leaves this list together with the work behind it.
-void hideControlsWithoutWork(OperationTabLayout& outlets) {
-  for (NSView* control : std::initializer_list<NSView*>{&outlets.cliScrollView})
-    control->setHidden(true);
-}
-
 }  // namespace
 
 // The outlets come first, since all else points at them.
@@ -49,6 +44,7 @@ struct OperationTabViewController::Private {
   KeyBrowser browser{outlets, state, queue, form};
   KeySaver saver{outlets, state, queue, form, string, editing};
   KeyDeleter deleter{outlets, state, queue, form, string, panes};
+  ConsolePane console{outlets, state};
 };
 
 OperationTabViewController::OperationTabViewController() : d_(std::make_shared<Private>()) {
@@ -81,8 +77,6 @@ OperationTabViewController::OperationTabViewController() : d_(std::make_shared<P
   outlets.popValueDataCharset.removeAllItems();
   outlets.popValueDataCharset.addItemsWithTitles(charsetTitles());
   d_->state.oldValueDataCharset = outlets.popValueDataCharset.titleOfSelectedItem();
-  outlets.txtViewCli.setString(localizedString("Welcome: "));
-  hideControlsWithoutWork(outlets);
 }
 
 OperationTabViewController::~OperationTabViewController() = default;

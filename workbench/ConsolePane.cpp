@@ -1,0 +1,132 @@
+#include "workbench/ConsolePane.h"
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "platform/appkit/NSApplication.h"
+#include "platform/foundation/Log.h"
+#include "platform/foundation/NSLocalizedString.h"
+#include "wire/ConsoleTokeniser.h"
+
+namespace tarn {
+
+namespace {
+
+// The parts between line ends that aren't empty.
+std::vector<std::string_view> linesOf(std::string_view input) {
+  std::vector<std::string_view> lines;
+  while (!input.empty()) {
+    const std::size_t end = std::min(input.find('\n'), input.size());
+    if (end > 0) lines.push_back(input.substr(0, end));
+    input.remove_prefix(std::min(end + 1, input.size()));
+  }
+  return lines;
+}
+
+// The log never shows more of a line: it may hold a password.
+void logCommand(std::string_view command) {
+  logLine("do command:::" + std::string(consoleCommandWord(command)));
+}
+
+}  // namespace
+
+ConsolePane::ConsolePane(OperationTabLayout& outlets, const TabState& state) : outlets_(outlets), state_(state) {
+  outlets_.txtViewCli.setString(localizedString("Welcome: "));
+  txtViewCLiCurrentReadOnlyLen_ = outlets_.txtViewCli.length();
+  outlets_.txtViewCli.setDelegate(this);
+}
+
+ConsolePane::~ConsolePane() {
+  outlets_.txtViewCli.setDelegate(nullptr);
+}
+
+bool ConsolePane::shouldChangeTextInRanges(NSTextView& view, const std::vector<NSRange>& ranges,
+                                           const std::vector<std::string>& replacementStrings) {
+  if (&view != &outlets_.txtViewCli) return true;
+  const auto isProtected = [this](const NSRange& range) { return range.location < txtViewCLiCurrentReadOnlyLen_; };
+  if (std::any_of(ranges.begin(), ranges.end(), isProtected)) return false;
+  if (replacementStrings.empty()) return false;
+
+  std::string input = replacementStrings.front();
+  std::replace(input.begin(), input.end(), '\r', '\n');
+  const auto breaks = static_cast<std::size_t>(std::count(input.begin(), input.end(), '\n'));
+  if (breaks == 0) return true;
+
+  std::vector<std::string_view> lines = linesOf(input);
+  std::string_view openLine;
+  if (lines.size() > breaks) {
+    openLine = lines.back();
+    lines.pop_back();
+  }
+  const bool hasMoreBreaks = lines.size() < breaks && openLine.empty();
+  for (const std::string_view line : lines)
+    runPastedLine(line);
+  if (hasMoreBreaks && input.ends_with('\n')) runTypedLine();
+  if (!openLine.empty()) {
+    outlets_.txtViewCli.appendString(openLine);
+    scrollToOpenLine();
+  }
+  return false;
+}
+
+void ConsolePane::runPastedLine(std::string_view line) {
+  const std::string command(line);
+  say(command + "\n" + prompt());
+  logCommand(command);
+  if (state_.server) {
+    const std::string result = reply(command);
+    if (!result.empty()) say(result + "\n" + prompt());
+  }
+  scrollToOpenLine();
+}
+
+void ConsolePane::runTypedLine() {
+  // With the blank that ends the prompt, which means nothing.
+  const std::string command = outlets_.txtViewCli.substringFromIndex(txtViewCLiCurrentReadOnlyLen_ - 1);
+  logCommand(command);
+  if (state_.server) {
+    const std::string result = reply(command);
+    say("\n" + prompt() + result + "\n" + prompt());
+  }
+  scrollToOpenLine();
+}
+
+// The line acts on the database that the tab shows, and one that may choose another one runs alone: no block of the
+// queue finds itself in another database than it began in. Without a connection nothing is selected, since the line
+// makes a new one.
+std::string ConsolePane::reply(const std::string& command) {
+  const WaitCursor cursor;
+  const std::shared_ptr<ServerItem> server = state_.server;
+  const int database = state_.database;
+  std::optional<std::string> result;
+  const auto isThere = [&] { return server->currentDbIdx() == database || !server->isAlive(); };
+  if (!ServerItem::mayMoveDatabase(command)) {
+    server->operationQueue().performBesideOperations([&] {
+      if (isThere()) result = server->executeConsoleCommand(command);
+    });
+  }
+  if (result) return *std::move(result);
+  server->operationQueue().performAsBarrier([&] {
+    if (isThere() || server->selectDb(database)) result = server->executeConsoleCommand(command);
+  });
+  if (result) return *std::move(result);
+  return replacingPlaceholder(localizedString("(Err) Not sent, since db{0} can not be selected."), "{0}",
+                              std::to_string(database));
+}
+
+std::string ConsolePane::prompt() const {
+  return (state_.server ? state_.server->connectionName() : std::string()) + ": ";
+}
+
+void ConsolePane::say(const std::string& text) {
+  outlets_.txtViewCli.appendString(text);
+  txtViewCLiCurrentReadOnlyLen_ = outlets_.txtViewCli.length();
+}
+
+void ConsolePane::scrollToOpenLine() {
+  outlets_.txtViewCli.scrollRangeToVisible(outlets_.txtViewCli.selectedRange());
+}
+
+}  // namespace tarn
