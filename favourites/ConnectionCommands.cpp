@@ -16,6 +16,13 @@ bool isIdle(const ServerItem& server) {
   return status == ConnectionStatus::notConnected || status == ConnectionStatus::disConnected;
 }
 
+void explain(const std::string& message) {
+  NSAlert alert;
+  alert.setAlertStyle(NSAlert::Style::informational);
+  alert.setMessageText(message);
+  alert.runModal();
+}
+
 }  // namespace
 
 ConnectionCommands::ConnectionCommands(std::shared_ptr<MyFavouriteItem> favourites, FavouritesTree& tree,
@@ -26,13 +33,20 @@ std::vector<std::shared_ptr<ServerItem>> ConnectionCommands::serversToActOn(cons
   std::vector<std::shared_ptr<ServerItem>> servers = tree_.selectedServers();
   for (const auto& server : servers)
     logLine(server->connectionName());
-  if (servers.empty()) {
-    NSAlert alert;
-    alert.setAlertStyle(NSAlert::Style::informational);
-    alert.setMessageText(message);
-    alert.runModal();
-  }
+  if (servers.empty()) explain(message);
   return servers;
+}
+
+std::shared_ptr<ServerItem> ConnectionCommands::serverToEdit() const {
+  const std::vector<std::shared_ptr<ServerItem>> servers = tree_.selectedServers();
+  if (servers.size() == 1) {
+    logLine(servers.front()->connectionName());
+    return servers.front();
+  }
+  explain(
+      localizedString("To Edit Connection, you should choose one and only one connection In the 'My Favourite' list. "
+                      "And not db."));
+  return nullptr;
 }
 
 void ConnectionCommands::clickConnect() {

@@ -28,6 +28,9 @@ public:
   void clickCloseConnections();
   void clickRemoveSelectedConnections();
 
+  // The selected server, logged by name; nothing, and a message, unless exactly one is selected.
+  std::shared_ptr<ServerItem> serverToEdit() const;
+
   // The row is being opened: connects a server that is neither connected nor connecting.
   void expandServer(const std::shared_ptr<ServerItem>& server);
 

@@ -45,6 +45,8 @@ void FavouritesTree::buildFavouriteMenu(const Commands& commands) {
   menu->addItem(localizedString("(Re)Connect Selected Connection(s)"), commands.connect);
   menu->addItem(localizedString("Close Selected Connection(s)"), commands.close);
   menu->addItem(localizedString("Remove Selected Connection(s)"), commands.remove);
+  menu->addItem(localizedString("Edit Connection"), commands.edit);
+  menu->addItem(localizedString("New Connection"), commands.makeNew);
   view_.setMenu(std::move(menu));
 }
 

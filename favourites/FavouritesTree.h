@@ -28,6 +28,8 @@ public:
     std::function<void()> connect;
     std::function<void()> close;
     std::function<void()> remove;
+    std::function<void()> edit;
+    std::function<void()> makeNew;
   };
 
   // `view` outlives the tree.

@@ -1,12 +1,22 @@
 #include "favourites/MainViewController.h"
 
 #include <algorithm>
+#include <utility>
+
+#include "platform/foundation/NSLocalizedString.h"
+#include "platform/foundation/NSOperationQueue.h"
 
 namespace tarn {
 
 namespace {
 
 MainViewController* sharedController = nullptr;
+
+// The window may be closing by the click on one of its own buttons, whose handler is still running.
+template <typename Controller>
+void forget(std::shared_ptr<Controller>& controller) {
+  NSOperationQueue::mainQueue().addOperationWithBlock([held = std::exchange(controller, nullptr)] {});
+}
 
 }  // namespace
 
@@ -30,13 +40,44 @@ MainViewController::~MainViewController() {
 void MainViewController::viewDidLoad() {
   tree_.buildFavouriteMenu({.connect = [this] { clickConnect(); },
                             .close = [this] { clickCloseConnections(); },
-                            .remove = [this] { clickRemoveSelectedConnections(); }});
+                            .remove = [this] { clickRemoveSelectedConnections(); },
+                            .edit = [this] { clickEditConnection(); },
+                            .makeNew = [this] { clickNewConnection(); }});
   myFavourite_->servers = store_.loadFavourites();
   tree_.show({.openTabForItem = [this](const NSItem& item) { tabs_.openTabForItem(item); },
               .expandServer = [this](const std::shared_ptr<ServerItem>& server) { commands_->expandServer(server); }});
+  layout_.btnNew.setAction([this] { clickNewConnection(); });
+  layout_.btnEdit.setAction([this] { clickEditConnection(); });
   layout_.btnConn.setAction([this] { clickConnect(); });
   layout_.btnClose.setAction([this] { clickCloseConnections(); });
   layout_.btnRem.setAction([this] { clickRemoveSelectedConnections(); });
+}
+
+NewConnectionViewController& MainViewController::showConnectionForm(const std::string& title) {
+  if (!newConnectionWindowController_) {
+    const auto willClose = [this] { forget(newConnectionWindowController_); };
+    newConnectionWindowController_ = std::make_shared<NewConnectionWindowController>(
+        std::make_shared<NewConnectionViewController>(
+            NewConnectionViewController::Favourites{myFavourite_, store_, tree_, tabs_}, willClose),
+        willClose);
+  }
+  newConnectionWindowController_->window().setTitle(title);
+  newConnectionWindowController_->showWindow();
+  return newConnectionWindowController_->form();
+}
+
+void MainViewController::clickNewConnection() {
+  showConnectionForm(localizedString("Tarn - New Connection")).describeNew();
+}
+
+void MainViewController::clickEditConnection() {
+  const auto server = commands_->serverToEdit();
+  if (!server) return;
+  showConnectionForm(localizedString("Tarn - Edit Connection")).describe(*server);
+}
+
+void MainViewController::newKeyTypeChosen(const std::string& title) {
+  if (const auto tab = tabs_.selectedTab()) tab->newKeyTypeChosen(title);
 }
 
 void MainViewController::closeSelectedTab() {
@@ -72,7 +113,16 @@ void MainViewController::reconnect(OperationTabViewController& tab) {
   commands_->reconnect(tab);
 }
 
-// The dialog isn't there yet, and the button that asks for it is hidden.
-void MainViewController::openTypeDialog() {}
+void MainViewController::openTypeDialog() {
+  if (!newKeyValueTypeSelectWindowController_) {
+    const auto willClose = [this] { forget(newKeyValueTypeSelectWindowController_); };
+    newKeyValueTypeSelectWindowController_ = std::make_shared<NewKeyValueTypeSelectWindowController>(
+        std::make_shared<NewKeyValueTypeSelectViewController>(NewKeyValueTypeSelectViewController::Answers{
+            .chosen = [this](const std::string& title) { newKeyTypeChosen(title); }, .cancelled = willClose}),
+        willClose);
+  }
+  newKeyValueTypeSelectWindowController_->showWindow();
+  newKeyValueTypeSelectWindowController_->dialog().startAnew();
+}
 
 }  // namespace tarn

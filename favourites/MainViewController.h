@@ -6,10 +6,12 @@
 #include "favourites/FavouritesStore.h"
 #include "favourites/FavouritesTree.h"
 #include "favourites/MyFavouriteItem.h"
+#include "favourites/NewConnectionWindowController.h"
 #include "favourites/TabKeeper.h"
 #include "platform/appkit/NSViewController.h"
 #include "resources/MainLayout.h"
 #include "wire/ServerItemHost.h"
+#include "workbench/NewKeyValueTypeSelectWindowController.h"
 #include "workbench/WorkbenchHost.h"
 
 namespace tarn {
@@ -35,12 +37,24 @@ public:
   TabKeeper::Tab tabForServer(const ServerItem& server) const { return tabs_.tabForServer(server); }
   void resizeAllTabs() { tabs_.resizeAllTabs(); }
 
+  // The connection form and the dialog that picks a new key's type: at most one of each, nothing while it is closed.
+  // Only a confirmed dialog stays, out of sight, for the next time.
+  NewConnectionWindowController* newConnectionWindowController() { return newConnectionWindowController_.get(); }
+  NewKeyValueTypeSelectWindowController* newKeyValueTypeSelectWindowController() {
+    return newKeyValueTypeSelectWindowController_.get();
+  }
+
   // What the tree's menu, the buttons and the main menu do.
+  void clickNewConnection();
+  void clickEditConnection();
   void clickConnect() { commands_->clickConnect(); }
   void clickCloseConnections() { commands_->clickCloseConnections(); }
   void clickRemoveSelectedConnections() { commands_->clickRemoveSelectedConnections(); }
   // Closes the tab on show, as its own button does; nothing happens without one.
   void closeSelectedTab();
+
+  // The type dialog was confirmed: an empty form of this type in the tab on show; nothing happens without one.
+  void newKeyTypeChosen(const std::string& title);
 
   // --- ServerItemHost ---------------------------------------------------------------------------------------------
 
@@ -58,6 +72,8 @@ public:
 
 private:
   void viewDidLoad();
+  // Shows the form that is open, or a new one.
+  NewConnectionViewController& showConnectionForm(const std::string& title);
 
   MainLayout layout_;
   const std::shared_ptr<MyFavouriteItem> myFavourite_ = std::make_shared<MyFavouriteItem>();
@@ -66,6 +82,8 @@ private:
   TabKeeper tabs_{layout_.mainTab, tree_};
   const std::shared_ptr<ConnectionCommands> commands_ =
       std::make_shared<ConnectionCommands>(myFavourite_, tree_, tabs_, store_);
+  std::shared_ptr<NewConnectionWindowController> newConnectionWindowController_;
+  std::shared_ptr<NewKeyValueTypeSelectWindowController> newKeyValueTypeSelectWindowController_;
 };
 
 }  // namespace tarn

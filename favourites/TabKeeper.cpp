@@ -159,6 +159,18 @@ void TabKeeper::removeTabOfServer(const ServerItem& server) {
   mainTab_.removeTabViewItem(item);
 }
 
+void TabKeeper::showEditedServer(const ServerItem& server) {
+  const auto found = allTabs_.find(server.serverId().uuidString());
+  if (found == allTabs_.end()) return;
+  const std::string name = server.connectionName();
+  found->second->setLabel(name);
+  found->second->setToolTip(name);
+  const Tab tab = controllerOf(found->second);
+  if (!tab) return;
+  tab->showServerName("Name:" + name + " server:" + server.serverIp() + " port:" + std::to_string(server.serverPort()));
+  tab->resetWorkbenchView();
+}
+
 void TabKeeper::forget(const std::shared_ptr<NSTabViewItem>& item) {
   const auto found = allTabsToUUID_.find(item);
   if (found == allTabsToUUID_.end()) return;

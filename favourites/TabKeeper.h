@@ -42,6 +42,9 @@ public:
   // where that can't be, it shows the first one and the form starts anew.
   void showDatabases(const Tab& tab);
 
+  // The server was edited: its tab, if it has one, takes the new name, and its form starts anew.
+  void showEditedServer(const ServerItem& server);
+
   // Each tab lays itself out, a moment later.
   void resizeAllTabs();
 

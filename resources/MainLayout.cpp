@@ -29,7 +29,7 @@ MainLayout::MainLayout()
       myFavouriteScrollView(widgets_->ui.myFavouriteScrollView),
       serverSelection(widgets_->ui.serverSelection),
       mainTab(widgets_->ui.mainTab) {
-  serverSelection.setPlaceholderString(localizedString("Your connections will appear here."));
+  serverSelection.setPlaceholderString(localizedString("No connections yet. Press \"New Connection\" (+) above to begin."));
 }
 
 MainLayout::~MainLayout() = default;

@@ -68,16 +68,6 @@ void NSApplication::setApplicationIconImage(const NSImage& image) {
   QApplication::setWindowIcon(imageIcon(image));
 }
 
-void NSApplication::activateIgnoringOtherApps() {
-  QWidget* front = QApplication::activeWindow();
-  for (QWidget* window : QApplication::topLevelWidgets()) {
-    if (!front && window->isVisible()) front = window;
-  }
-  if (!front) return;
-  front->raise();
-  front->activateWindow();
-}
-
 bool NSApplication::sendAction(NSTextAction action) {
   auto* text = dynamic_cast<TextInputWidget*>(QApplication::focusWidget());
   if (!text) return false;

@@ -35,9 +35,6 @@ public:
   // What the desktop shows for the program and its windows.
   void setApplicationIconImage(const NSImage& image);
 
-  // Brings the program's windows to the front.
-  void activateIgnoringOtherApps();
-
   // Sends what the Edit menu asks for to the control that has the keyboard. False if there is none that takes it.
   bool sendAction(NSTextAction action);
 

@@ -54,6 +54,7 @@ void NSWindow::setMainMenu(std::shared_ptr<NSMenu> menu) {
 }
 
 void NSWindow::makeKeyAndOrderFront() {
+  if (widget()->isMinimized()) widget()->setWindowState(widget()->windowState() & ~Qt::WindowMinimized);
   widget()->show();
   widget()->raise();
   widget()->activateWindow();

@@ -30,7 +30,7 @@ public:
   void setDelegate(NSWindowDelegate* delegate);
   void setMainMenu(std::shared_ptr<NSMenu> menu);
 
-  // Shows the window, in front and with the keyboard.
+  // Shows the window, in front and with the keyboard, also where another program is in front.
   void makeKeyAndOrderFront();
   void orderOut();
   void close();

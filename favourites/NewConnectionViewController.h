@@ -1,0 +1,75 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "favourites/FavouritesStore.h"
+#include "favourites/FavouritesTree.h"
+#include "favourites/MyFavouriteItem.h"
+#include "favourites/TabKeeper.h"
+#include "platform/appkit/NSViewController.h"
+#include "platform/foundation/NSUUID.h"
+#include "resources/NewConnectionLayout.h"
+#include "wire/ServerItem.h"
+
+namespace tarn {
+
+// The form that describes one connection, new or existing, tests it, and saves it into the list, the store, the tree
+// and the open tab. A message leaves what was typed as it is. Main thread only; a test waits there for the network.
+class NewConnectionViewController final : public NSViewController {
+public:
+  // What a save reaches; all but the root outlive the form.
+  struct Favourites {
+    std::shared_ptr<MyFavouriteItem> root;
+    FavouritesStore& store;
+    FavouritesTree& tree;
+    TabKeeper& tabs;
+  };
+
+  // `willClose` is called before the form closes its window by itself; the form outlives the current event.
+  NewConnectionViewController(Favourites favourites, std::function<void()> willClose);
+
+  NSView& view() override { return layout_.window; }
+  NSWindow& window() { return layout_.window; }
+  // The outlets, by their names.
+  NewConnectionLayout& outlets() { return layout_; }
+
+  // Empties the form for a new connection, or fills it with the favourite to edit, whatever it holds.
+  void describeNew();
+  void describe(const ServerItem& server);
+
+  // The favourite under edit; nothing for a new connection.
+  const std::optional<NSUUID>& serverId() const { return serverId_; }
+
+private:
+  void viewDidLoad();
+  void clickSave() { saveConnection(); }
+  void clickCancel() { closeForm(); }
+  void clickTestConnection() { testConnection(); }
+  void toggleShowAuth();
+
+  void showAuth(bool inClear);
+  std::string password() const;
+  // False, and a message, if there is no port.
+  bool hasPort() const;
+  bool isDuplicateName() const;
+
+  void saveConnection();
+  void saveNew();
+  void saveEdited(const NSUUID& serverId);
+  void testConnection();
+  void closeForm();
+
+  // What both a save and a test take from the form; a save also takes the charset.
+  void writeAddress(ServerItem& server) const;
+  void writeTo(ServerItem& server) const;
+
+  NewConnectionLayout layout_;
+  const Favourites favourites_;
+  const std::function<void()> willClose_;
+  std::optional<NSUUID> serverId_;
+};
+
+}  // namespace tarn

@@ -1,0 +1,33 @@
+#include "workbench/NewKeyValueTypeSelectViewController.h"
+
+#include <utility>
+
+#include "platform/foundation/Log.h"
+
+namespace tarn {
+
+NewKeyValueTypeSelectViewController::NewKeyValueTypeSelectViewController(Answers answers)
+    : answers_(std::move(answers)) {
+  layout_.popValueType.selectItemAtIndex(0);
+  layout_.btnCancel.setAction([this] { clickCancel(); });
+  layout_.btnConfirm.setAction([this] { clickConfirm(); });
+}
+
+void NewKeyValueTypeSelectViewController::startAnew() {
+  layout_.popValueType.selectItemAtIndex(0);
+  layout_.popValueType.becomeFirstResponder();
+}
+
+void NewKeyValueTypeSelectViewController::clickConfirm() {
+  const std::string title = layout_.popValueType.titleOfSelectedItem();
+  logLine(title);
+  answers_.chosen(title);
+  layout_.window.close();
+}
+
+void NewKeyValueTypeSelectViewController::clickCancel() {
+  answers_.cancelled();
+  layout_.window.close();
+}
+
+}  // namespace tarn

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "platform/appkit/NSViewController.h"
+#include "resources/NewKeyValueTypeSelectLayout.h"
+
+namespace tarn {
+
+// The content of the dialog that picks the type of a new key's value. Main thread only.
+class NewKeyValueTypeSelectViewController final : public NSViewController {
+public:
+  // What the dialog asks of the window that opened it.
+  struct Answers {
+    // Confirmed, with the title chosen; the dialog closes behind it.
+    std::function<void(const std::string& title)> chosen;
+    // Cancelled; the dialog closes behind it.
+    std::function<void()> cancelled;
+  };
+
+  explicit NewKeyValueTypeSelectViewController(Answers answers);
+
+  NSView& view() override { return layout_.window; }
+  NSWindow& window() { return layout_.window; }
+  // The outlets, by their names.
+  NewKeyValueTypeSelectLayout& outlets() { return layout_; }
+
+  // The first type selected, with the keyboard.
+  void startAnew();
+
+private:
+  void clickConfirm();
+  void clickCancel();
+
+  NewKeyValueTypeSelectLayout layout_;
+  const Answers answers_;
+};
+
+}  // namespace tarn
