@@ -42,7 +42,8 @@ struct Gate {
 TEST(NSOperationQueue, RunsBlocksInTheOrderAdded) {
   NSOperationQueue queue(1);
   std::vector<int> order;
-  for (int i = 0; i < 200; ++i) queue.addOperationWithBlock([&order, i] { order.push_back(i); });
+  for (int i = 0; i < 200; ++i)
+    queue.addOperationWithBlock([&order, i] { order.push_back(i); });
   ASSERT_TRUE(waitFor([&] { return queue.operationCount() == 0; }));
   EXPECT_EQ(order.size(), 200U);
   EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
@@ -69,10 +70,45 @@ TEST(NSOperationQueue, RunsAsManyAtOnceAsAllowed) {
   for (int i = 0; i < 3; ++i) {
     queue.addOperationWithBlock([&] {
       ++running;
-      while (running < 3) std::this_thread::yield();
+      while (running < 3)
+        std::this_thread::yield();
     });
   }
   EXPECT_TRUE(waitFor([&] { return queue.operationCount() == 0; }));
+}
+
+TEST(NSOperationQueue, ACallerKeepsBarriersOffButNoBlocks) {
+  NSOperationQueue queue(2);
+  std::atomic<bool> barrierRan = false;
+  std::promise<void> blockRan;
+  queue.performBesideOperations([&] {
+    queue.addOperationWithBlock([&] { blockRan.set_value(); });
+    queue.addBarrierBlock([&] { barrierRan = true; });
+    blockRan.get_future().wait();
+    ASSERT_TRUE(waitFor([&] { return queue.operationCount() == 1; }));
+    EXPECT_FALSE(barrierRan);
+  });
+  EXPECT_TRUE(waitFor([&] { return barrierRan.load(); }));
+}
+
+TEST(NSOperationQueue, ACallerAsABarrierWaitsForWhatRunsAndKeepsTheRestOff) {
+  NSOperationQueue queue(2);
+  Gate gate;
+  std::atomic<bool> firstEnded = false;
+  std::atomic<bool> secondRan = false;
+  queue.addOperationWithBlock([&] {
+    gate.opened.wait();
+    firstEnded = true;
+  });
+  std::thread opener([&] { gate.open(); });
+  queue.performAsBarrier([&] {
+    EXPECT_TRUE(firstEnded);
+    queue.addOperationWithBlock([&] { secondRan = true; });
+    EXPECT_EQ(queue.operationCount(), 1U);
+    EXPECT_FALSE(secondRan);
+  });
+  opener.join();
+  EXPECT_TRUE(waitFor([&] { return secondRan.load(); }));
 }
 
 TEST(NSOperationQueue, CountsWhatWaitsAndWhatRuns) {

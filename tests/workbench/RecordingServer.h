@@ -1,0 +1,86 @@
+#pragma once
+
+#include <algorithm>
+#include <map>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/support/ScriptedServer.h"
+
+namespace tarn::test {
+
+// A server of four databases that takes everything, lists the keys "a", "b" and "c" of one type, and remembers each
+// request of a tab's own as one line of words.
+class RecordingServer final {
+public:
+  using Lines = std::vector<std::string>;
+
+  int port() const { return peer_.port(); }
+
+  // What TYPE says of every key, and the reply to the command that reads its value.
+  void hold(std::string type, std::string value) {
+    const std::lock_guard lock(mutex_);
+    type_ = std::move(type);
+    value_ = std::move(value);
+  }
+
+  // From the next command of this name on: an error, or the end of the connection.
+  void refuse(const std::string& command) { set(command, "-ERR refused\r\n"); }
+  void closeAt(const std::string& command) { set(command, ""); }
+  void allow() {
+    const std::lock_guard lock(mutex_);
+    replies_.clear();
+  }
+
+  // All since the last call.
+  Lines sent() {
+    const std::lock_guard lock(mutex_);
+    return std::exchange(sent_, {});
+  }
+
+private:
+  void set(const std::string& command, std::string reply) {
+    const std::lock_guard lock(mutex_);
+    replies_[command] = std::move(reply);
+  }
+
+  std::string replyTo(const std::string& command) {
+    if (const auto special = replies_.find(command); special != replies_.end()) return special->second;
+    if (command == "config") return "*2\r\n$9\r\ndatabases\r\n$1\r\n4\r\n";
+    if (command == "scan") return "*2\r\n$1\r\n0\r\n*3\r\n$1\r\na\r\n$1\r\nb\r\n$1\r\nc\r\n";
+    if (command == "cluster") return "-ERR This instance has cluster support disabled\r\n";
+    if (command == "type") return "+" + type_ + "\r\n";
+    if (command == "ttl") return ":-1\r\n";
+    static const Lines reads{"get", "lrange", "sscan", "hscan", "zrange"};
+    if (std::find(reads.begin(), reads.end(), command) != reads.end()) return value_;
+    return "+OK\r\n";
+  }
+
+  void serve(ScriptedServer::Peer& at) {
+    for (Lines words = at.readRequest(); !words.empty(); words = at.readRequest()) {
+      std::string line;
+      for (const std::string& word : words)
+        line += (line.empty() ? "" : " ") + word;
+      std::string reply;
+      {
+        const std::lock_guard lock(mutex_);
+        static const Lines others{"info", "cluster", "config", "scan"};
+        if (std::find(others.begin(), others.end(), words.front()) == others.end()) sent_.push_back(line);
+        reply = replyTo(words.front());
+      }
+      if (reply.empty()) return;
+      at.send(reply);
+    }
+  }
+
+  std::mutex mutex_;
+  std::string type_ = "string";
+  std::string value_ = "$5\r\nvalue\r\n";
+  std::map<std::string, std::string> replies_;
+  Lines sent_;
+  ScriptedServer peer_{[this](ScriptedServer::Peer& at, int) { serve(at); }};
+};
+
+}  // namespace tarn::test
