@@ -107,7 +107,6 @@ OperationTabLayout::OperationTabLayout()
       btnAddRow(widgets_->ui.btnAddRow),
       cliScrollView(widgets_->ui.cliScrollView),
       txtViewCli(widgets_->ui.txtViewCli) {
-  tableKeys.setPlaceholderString(localizedString("No keys. Type a part of a key above and press Enter."));
   for (NSTableView* table : {&valueDataSetTable, &valueDataHashTable, &valueDataSortedSetTable}) {
     table->setPlaceholderString(localizedString("No rows. Choose a key on the left to read its value."));
   }

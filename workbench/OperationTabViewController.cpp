@@ -107,6 +107,7 @@ void OperationTabViewController::updateStatusLabel() {
 
 void OperationTabViewController::showStatus(ConnectionStatus status) {
   d_->outlets.labStatus.setStringValue(serverStatusText(status));
+  d_->outlets.tableKeys.setPlaceholderString(noKeysText(status));
 }
 
 void OperationTabViewController::updateDealingQueueLabel() {

@@ -83,6 +83,19 @@ std::string keyLabelText(std::string_view charsetTitle) {
   return replacingPlaceholder(localizedString("Key({0}):"), "{0}", charsetTitle);
 }
 
+std::string noKeysText(ConnectionStatus status) {
+  switch (status) {
+    case ConnectionStatus::connected:
+      return localizedString("No keys. Type a part of a key above and press Enter.");
+    case ConnectionStatus::connecting:
+      return localizedString("Connecting to the server.");
+    case ConnectionStatus::notConnected:
+    case ConnectionStatus::disConnected:
+      break;
+  }
+  return localizedString("Not connected. Press Reconnect, at the top right, to connect.");
+}
+
 std::string countShownText(std::size_t keys) {
   return localizedString("Count Shown:") + std::to_string(keys);
 }

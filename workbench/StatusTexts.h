@@ -33,6 +33,8 @@ std::string dataSizeText(std::size_t bytes, std::size_t count);
 std::string ttlToolTip(std::string_view ttl);
 
 std::string keyLabelText(std::string_view charsetTitle);
+// What an empty list of keys says to do next.
+std::string noKeysText(ConnectionStatus status);
 std::string countShownText(std::size_t keys);
 
 // "String", "List", "Set", "Hash" or "SortedSet" for what the server calls it; empty for a word that no pane shows.
