@@ -100,7 +100,13 @@ bool FavouritesTest::waitForStatus(ConnectionStatus status, std::size_t place) {
 }
 
 bool FavouritesTest::waitForIdle(std::size_t place) {
-  const bool idle = waitUntil([&] { return server(place)->operationQueue().operationCount() == 0; });
+  const auto isIdle = [&] { return server(place)->operationQueue().operationCount() == 0; };
+  // What the last block has posted may queue the next one.
+  const bool idle = waitUntil([&] {
+    if (!isIdle()) return false;
+    settle();
+    return isIdle();
+  });
   settle();
   return idle;
 }
