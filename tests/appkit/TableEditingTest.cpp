@@ -2,6 +2,7 @@
 
 #include "platform/foundation/NSFormatter.h"
 
+#include <QComboBox>
 #include <QMenu>
 #include <QTest>
 
@@ -72,7 +73,7 @@ TEST_F(TableEditing, TellsTheResponderBeforeTheFocusLeaves) {
   EXPECT_EQ(take(), Log{"resign"});
 }
 
-TEST_F(TableEditing, StaysOpenUnderAnInactiveWindowAMenuOrAButton) {
+TEST_F(TableEditing, StaysOpenUnderAnInactiveWindowAMenuAPopUpOrAButton) {
   open(1, 0);
   type("x");
   take();
@@ -87,6 +88,12 @@ TEST_F(TableEditing, StaysOpenUnderAnInactiveWindowAMenuOrAButton) {
   menu.popup(window.pos());
   settle();
   menu.close();
+  auto* box = new QComboBox;
+  box->setFocusPolicy(Qt::NoFocus);
+  box->addItems({"a", "b"});
+  window.layout()->addWidget(box);
+  settle();
+  choose(*box, 1);
   click(*button);
   EXPECT_TRUE(isOpen());
   EXPECT_TRUE(editor().hasFocus());
