@@ -24,7 +24,7 @@ mapfile -t sources < <(find platform wire workbench favourites shell resources -
 mapfile -t layouts < <(find resources/layouts -name '*.ui' | sort)
 
 # Each of these names takes the English text as its first argument.
-xgettext "${options[@]}" --language=C++ --keyword --keyword=localizedString:1 --keyword=reasonLine:1 \
+xgettext "${options[@]}" --language=C++ --keyword --keyword=localizedString:1 --keyword=localizable:1 --keyword=reasonLine:1 \
   --output="$parts/sources.pot" "${sources[@]}" 2>"$parts/warnings" || { cat "$parts/warnings" >&2; exit 1; }
 xgettext "${options[@]}" --its=resources/translations/layouts.its --output="$parts/layouts.pot" "${layouts[@]}"
 # The time of the run stays out, so that the same texts give the same file.
