@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/coredata/PersistentStore.h"
+#include "platform/foundation/LocalizableText.h"
 #include "platform/foundation/NSOperationQueue.h"
 
 namespace tarn {
@@ -52,7 +53,7 @@ void NSManagedObjectContext::performBlock(std::function<void()> block) {
 
 std::optional<NSError> NSManagedObjectContext::save() {
   if (!hasChanges()) return std::nullopt;
-  if (store_ == nullptr) return NSError{file_, "it isn't open"};
+  if (store_ == nullptr) return NSError{file_, localizable("it isn't open")};
   std::vector<std::int64_t> rowIds;
   if (!store_->begin()) return store_->error();
   if (auto error = writeChanges(rowIds)) {

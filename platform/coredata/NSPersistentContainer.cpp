@@ -5,6 +5,7 @@
 
 #include "platform/coredata/PersistentStore.h"
 #include "platform/coredata/StoreFile.h"
+#include "platform/foundation/LocalizableText.h"
 
 namespace tarn {
 namespace {
@@ -21,7 +22,7 @@ NSPersistentContainer::NSPersistentContainer(const std::string& name, std::share
     : model_(std::move(model)), file_(storeFile(name)), viewContext_(model_, file_) {}
 
 std::optional<NSError> NSPersistentContainer::loadPersistentStores() {
-  if (file_.empty()) return NSError{file_, "the user has no home folder"};
+  if (file_.empty()) return NSError{file_, localizable("the user has no home folder")};
   auto opened = PersistentStore::open(file_, *model_);
   if (auto* const error = std::get_if<NSError>(&opened)) return std::move(*error);
   viewContext_.store_ = std::move(std::get<std::unique_ptr<PersistentStore>>(opened));

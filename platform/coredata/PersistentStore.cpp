@@ -8,6 +8,7 @@
 
 #include "platform/coredata/SqlStatement.h"
 #include "platform/coredata/StoreFile.h"
+#include "platform/foundation/LocalizableText.h"
 
 namespace tarn {
 namespace {
@@ -131,10 +132,11 @@ NSError PersistentStore::error() const {
 }
 
 std::optional<std::string> PersistentStore::prepare(const NSManagedObjectModel& model) {
-  if (sqlite3_db_readonly(connection_.get(), "main") != 0) return "the file can't be written";
+  if (sqlite3_db_readonly(connection_.get(), "main") != 0) return localizable("the file can't be written");
   const auto version = firstValue("PRAGMA user_version");
   if (!version) return error().reason;
-  if (std::atoi(version->c_str()) > currentVersion) return "the file is from a newer version of the program";
+  if (std::atoi(version->c_str()) > currentVersion)
+    return localizable("the file is from a newer version of the program");
   const auto health = firstValue("PRAGMA quick_check(1)");
   if (!health) return error().reason;
   if (*health != "ok") return "the file is damaged: " + *health;

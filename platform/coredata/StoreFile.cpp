@@ -10,6 +10,8 @@
 #include <filesystem>
 #include <system_error>
 
+#include "platform/foundation/LocalizableText.h"
+
 namespace tarn {
 namespace {
 
@@ -37,7 +39,7 @@ std::optional<std::string> prepareFolder(const std::string& folder) {
   if (!S_ISDIR(info.st_mode)) return reasonOf(ENOTDIR);
   makePrivate(folder, info.st_mode);
   // A journal must be made beside the file.
-  if (access(folder.c_str(), R_OK | W_OK | X_OK) != 0) return "the folder can't be written";
+  if (access(folder.c_str(), R_OK | W_OK | X_OK) != 0) return localizable("the folder can't be written");
   return std::nullopt;
 }
 
@@ -65,10 +67,10 @@ std::optional<std::string> prepareStoreFile(const std::string& file) {
   if (errno != EEXIST) return reasonOf(errno);
   struct stat info {};
   if (stat(file.c_str(), &info) != 0) return reasonOf(errno);
-  if (!S_ISREG(info.st_mode)) return "it is no file";
+  if (!S_ISREG(info.st_mode)) return localizable("it is no file");
   if (access(file.c_str(), R_OK) != 0) return reasonOf(errno);
   // The superuser could write it nevertheless, but someone has said that it is to stay as it is.
-  if ((info.st_mode & 0222U) == 0 || access(file.c_str(), W_OK) != 0) return "the file can't be written";
+  if ((info.st_mode & 0222U) == 0 || access(file.c_str(), W_OK) != 0) return localizable("the file can't be written");
   makePrivate(file, info.st_mode);
   return std::nullopt;
 }
