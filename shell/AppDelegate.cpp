@@ -48,10 +48,17 @@ NSPersistentContainer& AppDelegate::persistentContainer() {
       tellLater(replacingPlaceholders(
           localizedString("The favourites in '{0}' can not be opened: {1}. The file is left as it is, and until this "
                           "is mended no favourite can be shown or saved."),
-          error->file, error->reason));
+          error->file, localizedString(error->reason.c_str())));
     }
   }
   return *persistentContainer_;
+}
+
+void AppDelegate::showSponsorWindow() {
+  if (sponsorWC_) sponsorWC_->window().close();
+  sponsorWC_ = std::make_unique<SponsorWC>(std::make_shared<SponsorVC>());
+  sponsorWC_->showWindow();
+  sponsorWC_->content().outlets().btnSponsor1.becomeFirstResponder();
 }
 
 NSManagedObjectContext& AppDelegate::context() {
@@ -63,7 +70,7 @@ void AppDelegate::saveContext() {
   if (!error) return;
   logLine("Failure to save context: " + error->description());
   showAlert(replacingPlaceholders(localizedString("The change of your favourites could not be saved in '{0}': {1}."),
-                                  error->file, error->reason));
+                                  error->file, localizedString(error->reason.c_str())));
 }
 
 }  // namespace tarn

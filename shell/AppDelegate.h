@@ -6,6 +6,7 @@
 #include "favourites/StoreHost.h"
 #include "platform/coredata/NSManagedObjectModel.h"
 #include "platform/coredata/NSPersistentContainer.h"
+#include "shell/SponsorWC.h"
 
 namespace tarn {
 
@@ -30,12 +31,19 @@ public:
   // A failure is a line in the log and an alert; the store then is as it was before.
   void saveContext() override;
 
+  // The menu item of the tips: a fresh window, in place of the one that is there.
+  void clickedSponsor() { showSponsorWindow(); }
+  void showSponsorWindow();
+  // Nothing until it was shown first.
+  SponsorWC* sponsorWC() { return sponsorWC_.get(); }
+
   // Quit: nothing is asked, and nothing is left to save.
   bool applicationShouldTerminate() const { return true; }
 
 private:
   std::shared_ptr<const NSManagedObjectModel> managedObjectModel_;
   std::optional<NSPersistentContainer> persistentContainer_;
+  std::unique_ptr<SponsorWC> sponsorWC_;
 };
 
 }  // namespace tarn

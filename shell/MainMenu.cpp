@@ -1,7 +1,9 @@
 #include "shell/MainMenu.h"
 
 #include "platform/appkit/NSApplication.h"
+#include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSLocalizedString.h"
+#include "shell/AppDelegate.h"
 
 #include <string>
 #include <utility>
@@ -12,6 +14,8 @@ namespace {
 
 std::shared_ptr<NSMenu> fileMenu(MainViewController& content) {
   auto menu = std::make_shared<NSMenu>(localizedString("File"));
+  menu->addItem(
+      localizedString("New Connection"), [&content] { content.clickNewConnection(); }, "Ctrl+N");
   menu->addItem(
       localizedString("Close Tab"), [&content] { content.closeSelectedTab(); }, "Ctrl+W");
   menu->addSeparator();
@@ -42,6 +46,25 @@ std::shared_ptr<NSMenu> connectionMenu(MainViewController& content) {
   menu->addItem(localizedString("Close Selected Connection(s)"), [&content] { content.clickCloseConnections(); });
   menu->addItem(localizedString("Remove Selected Connection(s)"),
                 [&content] { content.clickRemoveSelectedConnections(); });
+  menu->addItem(localizedString("Edit Connection"), [&content] { content.clickEditConnection(); });
+  menu->addItem(localizedString("New Connection"), [&content] { content.clickNewConnection(); });
+  return menu;
+}
+
+void showAbout() {
+  NSAlert about;
+  about.setAlertStyle(NSAlert::Style::informational);
+  about.setMessageText("Tarn " TARN_VERSION);
+  about.setInformativeText(localizedString("A desktop client for Redis servers"));
+  about.runModal();
+}
+
+std::shared_ptr<NSMenu> helpMenu() {
+  auto menu = std::make_shared<NSMenu>(localizedString("Help"));
+  menu->addItem(localizedString("About Tarn"), showAbout);
+  menu->addItem(localizedString("Sponsor Tarn"), [] {
+    if (AppDelegate* const delegate = AppDelegate::shared()) delegate->clickedSponsor();
+  });
   return menu;
 }
 
@@ -52,6 +75,7 @@ std::shared_ptr<NSMenu> mainMenu(MainViewController& content) {
   bar->addSubmenu(fileMenu(content));
   bar->addSubmenu(editMenu());
   bar->addSubmenu(connectionMenu(content));
+  bar->addSubmenu(helpMenu());
   return bar;
 }
 

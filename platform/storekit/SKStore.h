@@ -1,0 +1,33 @@
+#pragma once
+
+#include <functional>
+#include <set>
+#include <string>
+#include <variant>
+
+#include "platform/storekit/SKPayment.h"
+#include "platform/storekit/SKProduct.h"
+
+namespace tarn {
+
+// A store that sells for money. A platform that has one installs it, and so does a test; none is installed by default.
+// Main thread only.
+class SKStore {
+public:
+  using Answer = std::variant<SKProductsResponse, SKError>;
+
+  virtual ~SKStore() = default;
+
+  // Calls `done` once, now or later: with those of the products that it sells, or with why it can't tell.
+  virtual void requestProducts(const std::set<std::string>& identifiers, std::function<void(Answer)> done) = 0;
+  // What becomes of the payment is told to SKPaymentQueue::updateTransactions.
+  virtual void addPayment(const SKMutablePayment& payment) = 0;
+  // The program has done its part of the transaction: it isn't told again.
+  virtual void finishTransaction(const SKPaymentTransaction& transaction) = 0;
+
+  // Nothing on a platform without a store.
+  static SKStore* installed();
+  static void install(SKStore* store);
+};
+
+}  // namespace tarn

@@ -1,0 +1,65 @@
+#include "shell/SponsorVC.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/foundation/Log.h"
+#include "platform/foundation/NSAlert.h"
+#include "platform/foundation/NSOperationQueue.h"
+
+namespace tarn {
+
+SponsorVC::SponsorVC()
+    : request_({"tarn_sponsor1", "tarn_sponsor2", "tarn_sponsor3", "tarn_sponsor4", "tarn_sponsor5"}) {
+  viewDidLoad();
+}
+
+SponsorVC::~SponsorVC() {
+  SKPaymentQueue::defaultQueue().removeTransactionObserver(this);
+}
+
+void SponsorVC::viewDidLoad() {
+  const std::pair<NSButton&, const char*> buttons[] = {{layout_.btnSponsor1, "tarn_sponsor1"},
+                                                       {layout_.btnSponsor2, "tarn_sponsor2"},
+                                                       {layout_.btnSponsor3, "tarn_sponsor3"},
+                                                       {layout_.btnSponsor4, "tarn_sponsor4"},
+                                                       {layout_.btnSponsor5, "tarn_sponsor5"}};
+  for (const auto& [button, identifier] : buttons) {
+    button.setAction([this, identifier = identifier] { buyProduct(identifier); });
+  }
+  request_.setDelegate(this);
+  request_.start();
+}
+
+void SponsorVC::productsRequestDidReceiveResponse(const SKProductsResponse& response) {
+  products_ = response.products;
+}
+
+void SponsorVC::requestDidFinish() {
+  logLine("payment request did finished");
+}
+
+void SponsorVC::requestDidFailWithError(const SKError& error) {
+  NSOperationQueue::mainQueue().addOperationWithBlock([message = error.localizedDescription] { showAlert(message); });
+}
+
+void SponsorVC::buyProduct(const std::string& identifier) {
+  const auto product = std::ranges::find(products_, identifier, &SKProduct::productIdentifier);
+  if (product == products_.end()) return;
+  SKPaymentQueue& queue = SKPaymentQueue::defaultQueue();
+  queue.addPayment(SKMutablePayment::paymentWithProduct(*product));
+  queue.addTransactionObserver(this);
+}
+
+void SponsorVC::paymentQueueUpdatedTransactions(const std::vector<SKPaymentTransaction>& transactions) {
+  using State = SKPaymentTransaction::State;
+  for (const SKPaymentTransaction& transaction : transactions) {
+    const State state = transaction.transactionState;
+    if (state == State::failed) logLine("error:::::");
+    if (state == State::purchased || state == State::restored || state == State::failed) {
+      SKPaymentQueue::defaultQueue().finishTransaction(transaction);
+    }
+  }
+}
+
+}  // namespace tarn
