@@ -33,6 +33,22 @@ bool leavesMoreToCome(std::string_view command) {
   return std::find(commands.begin(), commands.end(), command) != commands.end();
 }
 
+struct ConsoleReply {
+  std::string text;
+  std::optional<ReplyType> type;
+  std::optional<std::string> failure;
+};
+
+// The reader ends with this, so that all it has read is off the stream.
+ConsoleReply readConsoleReply(Socket& socket) {
+  ConsoleReplyReader reader(socket);
+  ConsoleReply reply;
+  reply.text = reader.readReply();
+  reply.type = reader.type();
+  reply.failure = reader.failure();
+  return reply;
+}
+
 bool wasExecuted(ReplyType type, std::string_view text) {
   return type == ReplyType::REDIS_REPLY_ARRAY && text.starts_with('\n');
 }
@@ -52,8 +68,7 @@ std::string ServerItem::executeConsoleCommand(std::string_view line) {
   if (tokens->empty()) return {};
   const Closings began = closings();
   const int database = currentDbIdx();
-  std::string text;
-  std::optional<std::string> failure;
+  ConsoleReply reply;
   bool isOver = false;
   {
     const std::lock_guard lock(commandLocker_);
@@ -65,24 +80,22 @@ std::string ServerItem::executeConsoleCommand(std::string_view line) {
       });
       return localizedString("Connection lost.");
     }
-    ConsoleReplyReader reader(*socket);
-    text = reader.readReply();
-    failure = reader.failure();
-    if (failure) {
+    reply = readConsoleReply(*socket);
+    if (reply.failure) {
       loseConnection(began);
     } else {
-      isOver = followConsoleReply(*tokens, *reader.type(), text);
+      isOver = followConsoleReply(*tokens, *reply.type, reply.text);
     }
     if (isOver) dropSocket();
   }
-  if (failure) {
-    reconnectFromConsole(*failure, began, database);
+  if (reply.failure) {
+    reconnectFromConsole(*reply.failure, began, database);
   } else if (isOver) {
     renewConnection(began, database);
   } else {
     showDatabaseUnless(database);
   }
-  return text;
+  return std::move(reply.text);
 }
 
 // With the lock held. Nothing if the connection is lost.
