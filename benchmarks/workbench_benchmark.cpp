@@ -1,11 +1,9 @@
 // Measures the tab and the window: keys and values from a local server to painted rows and text, the start of the
 // program, pauses of the event loop, resident memory.
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -13,6 +11,7 @@
 
 #include "benchmarks/BenchmarkReport.h"
 #include "benchmarks/workbench_benchmark_children.h"
+#include "benchmarks/workbench_benchmark_rows.h"
 #include "benchmarks/workbench_benchmark_tab.h"
 #include "favourites/FavouritesStore.h"
 #include "platform/appkit/NSApplication.h"
@@ -25,20 +24,6 @@
 namespace tarn::bench {
 
 namespace {
-
-constexpr int rounds = 5;
-
-double medianOfRounds(const std::function<double()>& measure) {
-  std::vector<double> values;
-  for (int round = 0; round < rounds; ++round)
-    values.push_back(measure());
-  std::nth_element(values.begin(), values.begin() + rounds / 2, values.end());
-  return values[rounds / 2];
-}
-
-void add(BenchmarkReport& report, std::string name, double value, std::string unit, double limit) {
-  report.add({std::move(name), value, std::move(unit), {}, {}, limit});
-}
 
 // The result of a scan goes to the browser as its block hands it over.
 double keysToTable() {
@@ -147,6 +132,7 @@ int main(int argc, char** argv) {
     measureProgram(report);
     measureKeys(report);
     measureLists(report);
+    measureRows(report);
     measureStrings(report);
     return report.finish();
   } catch (const std::exception& failure) {

@@ -7,6 +7,8 @@
 #include <chrono>
 #include <stdexcept>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include "tests/support/widgets/Hand.h"
 
@@ -30,6 +32,19 @@ double millisecondsOf(const std::function<void()>& work) {
   const auto begin = std::chrono::steady_clock::now();
   work();
   return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
+}
+
+double medianOfRounds(const std::function<double()>& measure) {
+  constexpr int rounds = 5;
+  std::vector<double> values;
+  for (int round = 0; round < rounds; ++round)
+    values.push_back(measure());
+  std::nth_element(values.begin(), values.begin() + rounds / 2, values.end());
+  return values[rounds / 2];
+}
+
+void add(BenchmarkReport& report, std::string name, double value, std::string unit, double limit) {
+  report.add({std::move(name), value, std::move(unit), {}, {}, limit});
 }
 
 void paint(const NSView& view) {

@@ -4,12 +4,18 @@
 #include <memory>
 #include <string>
 
+#include "benchmarks/BenchmarkReport.h"
 #include "wire/ServerItem.h"
 #include "workbench/OperationTabViewController.h"
 
 namespace tarn::bench {
 
 double millisecondsOf(const std::function<void()>& work);
+
+// The median of five.
+double medianOfRounds(const std::function<double()>& measure);
+
+void add(BenchmarkReport& report, std::string name, double value, std::string unit, double limit);
 
 // Paints the table or text now.
 void paint(const NSView& view);
