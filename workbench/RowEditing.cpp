@@ -139,6 +139,7 @@ void RowEditing::sweepCell(const ValuePlace& place, int row, const std::string& 
   using Outcome = CellRow::Outcome;
   const auto index = static_cast<std::size_t>(row);
   const bool translate = outlets_.chkTranslate.state();
+  if (isShownFor(place, row, text, translate)) return;
   switch (commitCell(place, row, text, translate)) {
     case Outcome::taken:
       place.table.viewAtColumn(place.column, row, false)->setToolTip(place.rows.row(index).text);
@@ -161,8 +162,7 @@ void RowEditing::sweepCell(const ValuePlace& place, int row, const std::string& 
 
 void RowEditing::endCellEdit(const ValuePlace& place, int row, const std::string& text, bool translate) {
   const auto index = static_cast<std::size_t>(row);
-  // What stands in the cell anyway isn't read: it may stand for other bytes than the row's.
-  if (text != tables_.shownText(place.rows.row(index).text, translate)) {
+  if (!isShownFor(place, row, text, translate)) {
     if (commitCell(place, row, text, translate) == CellRow::Outcome::tooShort) {
       const RowText before = place.rows.row(index);
       place.rows.setRow(index, before.text, place.rows.data()[index], true);
@@ -172,6 +172,11 @@ void RowEditing::endCellEdit(const ValuePlace& place, int row, const std::string
     }
   }
   tables_.showSelectedRow(place);
+}
+
+// What stands in the cell anyway isn't read: it may stand for other bytes than the row's.
+bool RowEditing::isShownFor(const ValuePlace& place, int row, const std::string& text, bool translate) const {
+  return text == ValueTables::shownText(place.rows.row(static_cast<std::size_t>(row)).text, translate);
 }
 
 CellRow::Outcome RowEditing::commitCell(const ValuePlace& place, int row, const std::string& text, bool translate) {
@@ -216,7 +221,9 @@ void RowEditing::textDidEndEditing(NSTextView& view) {
     state_.currentDataRow = row;
     if (!tables_.hasRow(place.table, row)) return;
     const auto index = static_cast<std::size_t>(row);
-    EditorRow typed = rowTypedInEditor(view.string(), charsetTitle(), place.rows.data()[index]);
+    std::string text = view.string();
+    if (isShownFor(place, row, text, false)) return;
+    EditorRow typed = rowTypedInEditor(std::move(text), charsetTitle(), place.rows.data()[index]);
     if (typed.isRefused) view.setString(typed.shown.text);
     place.rows.setRow(index, std::move(typed.shown.text), std::move(typed.bytes), typed.shown.isBase64);
     place.table.reloadDataForRowIndexes({row}, {place.column});

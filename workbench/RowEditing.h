@@ -50,6 +50,7 @@ private:
   void forEachEditedCell(NSTableView& table, const CommitCell& commit);
   void sweepCell(const ValuePlace& place, int row, const std::string& text);
   void endCellEdit(const ValuePlace& place, int row, const std::string& text, bool translate);
+  bool isShownFor(const ValuePlace& place, int row, const std::string& text, bool translate) const;
   CellRow::Outcome commitCell(const ValuePlace& place, int row, const std::string& text, bool translate);
   void commitScores(NSTableView& table);
   void endScoreCellEdit(int row, const std::string& text);

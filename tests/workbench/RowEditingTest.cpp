@@ -168,6 +168,16 @@ TEST_P(RowEditingOfColumn, ACellThatNoHandChangedCommitsNothing) {
     type("x");
     press(Qt::Key_Backspace);
     press(Qt::Key_Return);
+    open(row);
+    press(Qt::Key_End);
+    type("x");
+    press(Qt::Key_Backspace);
+    outlets.txtKey.becomeFirstResponder();
+    editor.becomeFirstResponder();
+    type("x");
+    press(Qt::Key_Backspace);
+    outlets.txtKey.becomeFirstResponder();
+    settle();
   }
   tab->editing.commitAllEditableCells();
   EXPECT_EQ(rows.data(), before);
