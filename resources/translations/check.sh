@@ -23,6 +23,7 @@ texts --only-fuzzy "marked as doubtful" || failed=yes
 
 # The placeholders of one translation on standard input, beside those of its English text.
 export sorted='grep -o "{[0-9]}" | sort | tr -d "\n"'
+# shellcheck disable=SC2016 # the inner shell expands it
 msgattrib --translated --no-obsolete "$work/merged.po" | msgexec bash -c '
   placeholders=$(eval "$sorted")
   expected=$(eval "$sorted" <<<"$MSGEXEC_MSGID")
