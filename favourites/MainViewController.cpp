@@ -102,7 +102,12 @@ void MainViewController::bringDatabasesUpToDate(const std::shared_ptr<ServerItem
 }
 
 void MainViewController::showSelectedDatabase(const std::shared_ptr<ServerItem>& server) {
-  if (const auto tab = tabForServer(*server)) tab->selectDatabase(server->currentDbIdx());
+  const auto tab = tabForServer(*server);
+  const int database = server->currentDbIdx();
+  if (!tab || tab->shownDatabase() == database) return;
+  // What the form shows belongs to the other database, and a save would write it into this one.
+  tab->resetWorkbenchView();
+  tab->selectDatabase(database);
 }
 
 void MainViewController::closeTab(OperationTabViewController& tab) {
