@@ -12,7 +12,6 @@ public:
   void start();
   void stop();
   bool isRunning() const { return running_; }
-  bool isShowing() const { return step_ != 0; }
 
   QSize sizeHint() const override;
 

@@ -71,10 +71,6 @@ void NSOutlineView::collapseItem(const NSItem& item) {
   d_->widget->collapseItem(item);
 }
 
-bool NSOutlineView::isItemExpanded(const NSItem& item) const {
-  return d_->widget->items().isExpanded(item);
-}
-
 int NSOutlineView::numberOfRows() const {
   return d_->widget->items().shownRowCount();
 }

@@ -66,7 +66,6 @@ public:
 
   void expandItem(const NSItem& item);
   void collapseItem(const NSItem& item);
-  bool isItemExpanded(const NSItem& item) const;
 
   int numberOfRows() const;
   NSItem itemAtRow(int row) const;

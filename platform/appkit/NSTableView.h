@@ -79,7 +79,6 @@ public:
   virtual std::string identifier() const = 0;
   virtual double width() const = 0;
   virtual void setWidth(double points) = 0;
-  virtual double maxWidth() const = 0;
   virtual void setMaxWidth(double points) = 0;
   virtual std::string headerToolTip() const = 0;
   virtual void setHeaderToolTip(std::string_view text) = 0;

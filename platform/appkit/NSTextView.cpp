@@ -59,10 +59,6 @@ NSRange NSTextView::selectedRange() const {
   return {d_->view->selectionStart(), d_->view->selectionEnd() - d_->view->selectionStart()};
 }
 
-void NSTextView::setSelectedRange(NSRange range) {
-  if (d_->view) d_->view->setSelection(range.location, range.location + range.length);
-}
-
 void NSTextView::scrollRangeToVisible(NSRange range) {
   if (!d_->view) return;
   if (range.length > 0) d_->view->scrollToPosition(range.location + range.length);

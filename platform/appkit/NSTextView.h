@@ -57,7 +57,6 @@ public:
   bool isEdited() const;
 
   NSRange selectedRange() const;
-  void setSelectedRange(NSRange range);
   void scrollRangeToVisible(NSRange range);
 
   void setDelegate(NSTextViewDelegate* delegate);

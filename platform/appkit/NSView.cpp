@@ -66,14 +66,6 @@ void NSView::setToolTip(std::string_view text) {
   makeToolTipPlain(widget_);
 }
 
-std::string NSView::accessibilityLabel() const {
-  return toUtf8(widget_->accessibleName());
-}
-
-void NSView::setAccessibilityLabel(std::string_view text) {
-  widget_->setAccessibleName(toQString(text));
-}
-
 void NSView::layout() {
   layoutTree(*widget_);
 }

@@ -33,10 +33,6 @@ public:
   std::string toolTip() const;
   void setToolTip(std::string_view text);
 
-  // What a screen reader says.
-  std::string accessibilityLabel() const;
-  void setAccessibilityLabel(std::string_view text);
-
   // Places the subviews now instead of at the next turn of the event loop.
   void layout();
 

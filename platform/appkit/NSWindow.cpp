@@ -60,10 +60,6 @@ void NSWindow::makeKeyAndOrderFront() {
   widget()->activateWindow();
 }
 
-void NSWindow::orderOut() {
-  widget()->hide();
-}
-
 void NSWindow::close() {
   d_->closingByCode = true;
   widget()->close();

@@ -32,7 +32,6 @@ public:
 
   // Shows the window, in front and with the keyboard, also where another program is in front.
   void makeKeyAndOrderFront();
-  void orderOut();
   void close();
   bool isVisible() const;
 

@@ -22,7 +22,6 @@ public:
   std::string identifier() const override { return identifier_; }
   double width() const override;
   void setWidth(double points) override;
-  double maxWidth() const override { return maxWidth_; }
   void setMaxWidth(double points) override;
   std::string headerToolTip() const override { return headerToolTip_; }
   void setHeaderToolTip(std::string_view text) override { headerToolTip_ = text; }

@@ -1,7 +1,6 @@
 #include "platform/coredata/NSManagedObjectModel.h"
 
 #include <algorithm>
-#include <fstream>
 #include <optional>
 #include <sstream>
 #include <utility>
@@ -64,13 +63,6 @@ std::shared_ptr<const NSManagedObjectModel> NSManagedObjectModel::initWithConten
     return entity.attributes.empty();
   });
   return hasRecords ? std::make_shared<NSManagedObjectModel>(std::move(entities)) : nullptr;
-}
-
-std::shared_ptr<const NSManagedObjectModel> NSManagedObjectModel::initWithContentsOfFile(const std::string& path) {
-  std::ifstream file(path);
-  std::ostringstream text;
-  text << file.rdbuf();
-  return file ? initWithContents(text.str()) : nullptr;
 }
 
 NSManagedObjectModel::NSManagedObjectModel(std::vector<NSEntityDescription> entities)

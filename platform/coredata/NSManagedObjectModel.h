@@ -16,8 +16,6 @@ class NSManagedObjectModel final {
 public:
   // Null if the text has no entity, or a line that is none of these.
   static std::shared_ptr<const NSManagedObjectModel> initWithContents(const std::string& text);
-  // The same from a file; null also if it can't be read.
-  static std::shared_ptr<const NSManagedObjectModel> initWithContentsOfFile(const std::string& path);
 
   explicit NSManagedObjectModel(std::vector<NSEntityDescription> entities);
 

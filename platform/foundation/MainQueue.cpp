@@ -33,10 +33,6 @@ bool MainQueue::drain() {
   return ranAny;
 }
 
-bool MainQueue::isRunningBlock() const {
-  return running_;
-}
-
 void MainQueue::waitForBlocks(std::chrono::steady_clock::time_point limit) {
   std::unique_lock lock(mutex_);
   posted_.wait_until(lock, limit, [this] { return !running_ && !blocks_.empty(); });

@@ -25,9 +25,6 @@ public:
   // waits. Does nothing while a block is running. True if any block ran.
   bool drain();
 
-  // Main thread. True while a block runs.
-  bool isRunningBlock() const;
-
   // Main thread, for a program without an event loop of its own: sleeps until a block that drain() would run waits, or
   // until `limit`.
   void waitForBlocks(std::chrono::steady_clock::time_point limit);
@@ -37,7 +34,7 @@ public:
   void setWaker(std::function<void()> wake);
 
 private:
-  mutable std::mutex mutex_;
+  std::mutex mutex_;
   std::condition_variable posted_;
   std::deque<Block> blocks_;
   std::mutex wakeMutex_;

@@ -1,9 +1,7 @@
 #include "platform/appkit/NSApplication.h"
 
 #include "platform/appkit/MenuBuilding.h"
-#include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSMenu.h"
-#include "platform/appkit/NSPopUpButton.h"
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSOperationQueue.h"
 #include "platform/foundation/NSTimer.h"
@@ -20,8 +18,10 @@
 #include <QTest>
 #include <QVBoxLayout>
 
-#include <cstdio>
+#include <functional>
+#include <string>
 #include <thread>
+#include <vector>
 
 namespace tarn::test {
 namespace {
@@ -40,16 +40,29 @@ int runAlert(const std::string& message, const std::vector<std::string>& buttons
   return alert.runModal();
 }
 
+// Shows an alert, does something while it is up, and answers it by Return.
+void duringAlert(const std::function<void(QWidget& panel)>& action, const std::string& message = "Wait") {
+  whenModal([&](QWidget& panel) {
+    action(panel);
+    press(Qt::Key_Return);
+  });
+  EXPECT_EQ(runAlert(message), 1000);
+}
+
 class Application : public testing::Test {
 protected:
   Application() : layout(&window) {
     layout.addWidget(&button);
     layout.addWidget(&other);
+    menu.addItem("Item", [] {});
     button.setFocusPolicy(Qt::StrongFocus);
     show(window, {300, 200});
   }
 
+  void openMenu() { popUpMenu(menu, window, window.mapToGlobal(QPoint(5, 5))); }
+
   Steps steps;
+  NSMenu menu{"Menu"};
   QWidget window;
   QVBoxLayout layout;
   QPushButton button{"One"};
@@ -58,17 +71,16 @@ protected:
 
 TEST_F(Application, RunsPostedBlocksBeforeTheNextInputEvent) {
   QObject::connect(&button, &QPushButton::clicked, [&] { steps.emplace_back("click"); });
-  post([&] {
-    steps.emplace_back("first");
-    post([&] { steps.emplace_back("posted by the first"); });
-  });
-  QTest::mouseClick(&button, Qt::LeftButton);
-  EXPECT_EQ(steps, (Steps{"first", "posted by the first", "click"}));
-
-  steps.clear();
-  post([&] { steps.emplace_back("block"); });
-  QTest::keyClick(&button, Qt::Key_Space);
-  EXPECT_EQ(steps, (Steps{"block", "click"}));
+  for (const auto& input : std::initializer_list<std::function<void()>>{
+           [&] { QTest::mouseClick(&button, Qt::LeftButton); }, [&] { QTest::keyClick(&button, Qt::Key_Space); }}) {
+    steps.clear();
+    post([&] {
+      steps.emplace_back("first");
+      post([&] { steps.emplace_back("posted by the first"); });
+    });
+    input();
+    EXPECT_EQ(steps, (Steps{"first", "posted by the first", "click"}));
+  }
 }
 
 TEST_F(Application, DropsAnInputEventWhoseReceiverABlockTookAway) {
@@ -104,29 +116,24 @@ TEST_F(Application, WakesForABlockOfAnotherThread) {
   poster.join();
 }
 
-TEST_F(Application, HoldsBlocksBackWhileOneOfThemShowsAnAlert) {
+TEST_F(Application, RunsBlocksBehindAnAlertUnlessABlockShowsIt) {
   post([&] {
-    whenModal([&](QWidget&) {
+    duringAlert([&](QWidget&) {
       settle();
       steps.emplace_back("alert is up");
-      press(Qt::Key_Return);
     });
-    runAlert("Wait");
     steps.emplace_back("first ended");
   });
   post([&] { steps.emplace_back("second"); });
   settle();
   EXPECT_EQ(steps, (Steps{"alert is up", "first ended", "second"}));
-}
 
-TEST_F(Application, LetsBlocksRunBehindAnAlertRaisedByAClick) {
+  steps.clear();
   QObject::connect(&button, &QPushButton::clicked, [&] {
-    whenModal([&](QWidget&) {
+    duringAlert([&](QWidget&) {
       post([&] { steps.emplace_back("block"); });
       settle();
-      press(Qt::Key_Return);
     });
-    runAlert("Wait");
     steps.emplace_back("answered");
   });
   click(button);
@@ -136,147 +143,75 @@ TEST_F(Application, LetsBlocksRunBehindAnAlertRaisedByAClick) {
 TEST_F(Application, FiresTimersInTheEventLoopButNotUnderAnAlertAMenuOrAnOpenList) {
   int fired = 0;
   const auto timer = NSTimer::scheduledTimerWithTimeInterval(0.02, true, [&] { ++fired; });
-  ASSERT_TRUE(waitUntil([&] { return fired > 0; }));
-
-  // Each holds for several intervals; all that was missed makes one shot.
-  const auto holds = [&](const std::function<void()>& close) {
+  const auto fires = [&] { return waitUntil([&, before = fired] { return fired > before; }); };
+  const auto holds = [&] {
     const int before = fired;
     QTest::qWait(120);
-    const bool held = fired == before;
-    close();
-    return held;
+    return fired == before;
   };
-  whenModal([&](QWidget&) { EXPECT_TRUE(holds([] { press(Qt::Key_Return); })); });
-  runAlert("Wait");
-  EXPECT_TRUE(waitUntil([&, before = fired] { return fired > before; }));
-
-  NSMenu menu("Menu");
-  menu.addItem("Item", [] {});
-  popUpMenu(menu, window, window.mapToGlobal(QPoint(5, 5)));
-  EXPECT_TRUE(holds([] { press(Qt::Key_Escape); }));
-  EXPECT_TRUE(waitUntil([&, before = fired] { return fired > before; }));
+  ASSERT_TRUE(fires());
+  duringAlert([&](QWidget&) { EXPECT_TRUE(holds()); });
+  EXPECT_TRUE(fires());
 
   QComboBox box(&window);
   box.addItems({"a", "b"});
   box.show();
-  click(box);
-  ASSERT_NE(openPopUp(), nullptr);
-  EXPECT_TRUE(holds([] { press(Qt::Key_Escape); }));
-  EXPECT_TRUE(waitUntil([&, before = fired] { return fired > before; }));
+  for (const auto& open : std::initializer_list<std::function<void()>>{[&] { openMenu(); }, [&] { click(box); }}) {
+    open();
+    ASSERT_NE(openPopUp(), nullptr);
+    EXPECT_TRUE(holds());
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(fires());
+  }
   timer->invalidate();
 }
 
-TEST_F(Application, FiresARepeatingTimerOnceForAllThatItMissed) {
-  int fired = 0;
-  const auto timer = NSTimer::scheduledTimerWithTimeInterval(0.05, true, [&] { ++fired; });
-  whenModal([&](QWidget&) {
-    QTest::qWait(400);
-    press(Qt::Key_Return);
-  });
-  runAlert("Wait");
-  QTest::qWait(10);
-  EXPECT_LE(fired, 1);
-  timer->invalidate();
-}
+using Alert = Application;
 
-TEST_F(Application, TerminatesWhenNobodyObjects) {
-  bool may = false;
-  NSApplication::shared().setShouldTerminate([&] { return may; });
-  post([&] {
-    NSApplication::shared().terminate();
-    steps.emplace_back("refused");
-    may = true;
-    NSApplication::shared().terminate();
-  });
-  EXPECT_EQ(NSApplication::shared().run(), 0);
-  EXPECT_EQ(steps, Steps{"refused"});
-  NSApplication::shared().setShouldTerminate(nullptr);
-}
-
-TEST(ApplicationDeathTest, ExitsAtOnceWithWhatWasPrintedAndNoDestructor) {
-  struct Loud {
-    ~Loud() { std::_Exit(9); }
+TEST_F(Alert, AnswersByReturnAndEscape) {
+  struct Case {
+    Qt::Key key;
+    std::vector<std::string> buttons;
+    int answer;  // 0: the alert stays
   };
-  EXPECT_EXIT(
-      {
-        static const Loud loud;
-        NSApplication::exitNow(3);
-      },
-      testing::ExitedWithCode(3), "");
-}
-
-class Alert : public Application {
-protected:
-  // What runModal answers when this key is pressed in the alert; 0 when the alert stays.
-  static int answerTo(Qt::Key key, const std::vector<std::string>& buttons) {
+  for (const auto& [key, buttons, answer] : {Case{Qt::Key_Return, {}, 1000},
+                                             {Qt::Key_Escape, {}, 1000},
+                                             {Qt::Key_Return, {"Replace", "Cancel"}, 1000},
+                                             {Qt::Key_Escape, {"Replace", "Cancel"}, 1001},
+                                             {Qt::Key_Escape, {"Cancel", "Replace"}, 1000},
+                                             {Qt::Key_Escape, {"Yes", "No"}, 0}}) {
     bool stayed = false;
-    whenModal([&](QWidget& panel) {
-      press(key);
+    whenModal([&, pressed = key](QWidget& panel) {
+      press(pressed);
       stayed = panel.isVisible();
       if (stayed) press(Qt::Key_Return);
     });
-    const int answer = runAlert("Question", buttons);
-    return stayed ? 0 : answer;
-  }
-};
-
-TEST_F(Alert, AnswersByReturnAndEscape) {
-  EXPECT_EQ(answerTo(Qt::Key_Return, {}), 1000);
-  EXPECT_EQ(answerTo(Qt::Key_Escape, {}), 1000);
-  EXPECT_EQ(answerTo(Qt::Key_Return, {"Replace", "Cancel"}), 1000);
-  EXPECT_EQ(answerTo(Qt::Key_Escape, {"Replace", "Cancel"}), 1001);
-  EXPECT_EQ(answerTo(Qt::Key_Escape, {"Cancel", "Replace"}), 1000);
-  EXPECT_EQ(answerTo(Qt::Key_Escape, {"Yes", "No"}), 0);
-}
-
-TEST_F(Alert, AnswersByTheNumberOfTheButtonClicked) {
-  for (int number = 0; number < 3; ++number) {
-    const std::vector<std::string> titles{"Keep & Go", "Convert", "Cancel"};
-    whenModal([&](QWidget& panel) {
-      for (QPushButton* choice : panel.findChildren<QPushButton*>()) {
-        if (choice->text().startsWith(QString::fromStdString(titles[static_cast<std::size_t>(number)]).left(4))) {
-          click(*choice);
-          return;
-        }
-      }
-    });
-    EXPECT_EQ(runAlert("Question", titles), 1000 + number);
+    const int given = runAlert("Question", buttons);
+    EXPECT_EQ(stayed ? 0 : given, answer) << key << " " << buttons.size();
   }
 }
 
 TEST_F(Alert, ShowsAUsersTextAsItIsAndStaysOnTheScreen) {
-  const std::string text = "<b>key</b> & <img src=x>\n" + std::string(30'000, 'w');
-  whenModal([&](QWidget& panel) {
-    const auto* shown = panel.findChild<QPlainTextEdit*>();
-    EXPECT_TRUE(shown->toPlainText().startsWith(QString::fromUtf8("<b>key</b> & <img src=x>\nwww")));
-    EXPECT_LT(panel.height(), 560);
-    EXPECT_LT(panel.width(), 900);
-    press(Qt::Key_Return);
-  });
-  runAlert(text);
-}
+  duringAlert(
+      [](QWidget& panel) {
+        const auto* shown = panel.findChild<QPlainTextEdit*>();
+        EXPECT_TRUE(shown->toPlainText().startsWith(QString::fromUtf8("<b>key</b> & <img src=x>\nwww")));
+        EXPECT_LT(panel.height(), 560);
+        EXPECT_LT(panel.width(), 900);
+      },
+      "<b>key</b> & <img src=x>\n" + std::string(30'000, 'w'));
 
-TEST_F(Alert, IsAsHighAsItsMessage) {
   std::string sentences;
   for (int sentence = 0; sentence < 12; ++sentence)
     sentences += "There is one more sentence to read here. ";
-  whenModal([&](QWidget& panel) {
-    EXPECT_EQ(panel.findChild<QPlainTextEdit*>()->verticalScrollBar()->maximum(), 0);
-    press(Qt::Key_Return);
-  });
-  runAlert(sentences);
+  duringAlert([](QWidget& panel) { EXPECT_EQ(panel.findChild<QPlainTextEdit*>()->verticalScrollBar()->maximum(), 0); },
+              sentences);
 }
 
 TEST_F(Alert, ClosesAnOpenMenuFirst) {
-  NSMenu menu("Menu");
-  menu.addItem("Item", [] {});
-  popUpMenu(menu, window, window.mapToGlobal(QPoint(5, 5)));
+  openMenu();
   ASSERT_NE(openPopUp(), nullptr);
-  whenModal([&](QWidget&) {
-    EXPECT_EQ(openPopUp(), nullptr);
-    press(Qt::Key_Return);
-  });
-  runAlert("Now");
+  duringAlert([](QWidget&) { EXPECT_EQ(openPopUp(), nullptr); });
 }
 
 TEST_F(Alert, RaisedInAChangeOfFocusShowsWhenTheChangeHasEnded) {

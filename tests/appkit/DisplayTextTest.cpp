@@ -1,7 +1,5 @@
 #include "platform/appkit/DisplayText.h"
 
-#include "tests/appkit/ExactTexts.h"
-
 #include <gtest/gtest.h>
 
 namespace tarn::test {
@@ -19,12 +17,6 @@ TEST(DisplayText, ShowsAMarkForEachControlCharacter) {
   }
   EXPECT_EQ(displayUnit(u'\t', TabsShow::asGap), u'\t');
   EXPECT_EQ(displayUnit(u'\u200D', TabsShow::asMark), u'\u200D');
-}
-
-TEST(DisplayText, TakesAsManyUnitsAsTheText) {
-  const QString text = allTreacherousTexts();
-  EXPECT_EQ(displayText(text, TabsShow::asMark).size(), text.size());
-  EXPECT_EQ(displayText(u"plain", TabsShow::asMark), QStringLiteral("plain"));
 }
 
 }  // namespace tarn::test

@@ -74,7 +74,7 @@ protected:
     return static_cast<PageController&>(*item->viewController()).page();
   }
 
-  void removeAndAddAll(const std::shared_ptr<NSTabViewItem>& but = nullptr) {
+  void removeAllAndAddAllBut(const std::shared_ptr<NSTabViewItem>& but) {
     const auto all = tabs.tabViewItems();
     for (const auto& item : all)
       tabs.removeTabViewItem(item);
@@ -94,15 +94,12 @@ TEST_F(TabView, SelectsByClickTheFirstAddedAndWhatTakesARemovedOnesPlace) {
   const auto three = add("three");
   EXPECT_EQ(tabs.selectedTabViewItem(), one);
   EXPECT_TRUE(page(one).isVisible());
-  EXPECT_FALSE(page(two).isVisible());
-
   click(widget.bar(), widget.bar().tabRect(1).center());
   EXPECT_EQ(tabs.selectedTabViewItem(), two);
   EXPECT_TRUE(page(two).isVisible());
-
+  EXPECT_FALSE(page(one).isVisible());
   tabs.removeTabViewItem(two);
   EXPECT_EQ(tabs.selectedTabViewItem(), three);
-  EXPECT_EQ(tabs.indexOfTabViewItem(two), -1);
   settle();
   EXPECT_TRUE(page(three).isVisible());
   EXPECT_FALSE(page(two).isVisible());
@@ -110,7 +107,6 @@ TEST_F(TabView, SelectsByClickTheFirstAddedAndWhatTakesARemovedOnesPlace) {
   EXPECT_EQ(tabs.selectedTabViewItem(), one);
   tabs.removeTabViewItem(one);
   EXPECT_EQ(tabs.selectedTabViewItem(), nullptr);
-  settle();
 }
 
 TEST_F(TabView, TakesNoFocusByAClickButByTabAndThenArrowsChange) {
@@ -123,6 +119,8 @@ TEST_F(TabView, TakesNoFocusByAClickButByTabAndThenArrowsChange) {
   EXPECT_TRUE(widget.bar().hasFocus());
   press(Qt::Key_Right);
   EXPECT_EQ(tabs.selectedTabViewItem(), two);
+  one->setLabel("Q&A");
+  EXPECT_EQ(widget.bar().tabText(0), "Q&&A");
 }
 
 TEST_F(TabView, KeepsEachViewsStateWhenAllAreRemovedAndAddedAgain) {
@@ -134,7 +132,7 @@ TEST_F(TabView, KeepsEachViewsStateWhenAllAreRemovedAndAddedAgain) {
   page(two).edit->setSelection(1, 2);
   page(two).painted = page(one).painted = page(two).hidden = page(one).hidden = 0;
 
-  removeAndAddAll();
+  removeAllAndAddAllBut(nullptr);
   tabs.selectTabViewItemAtIndex(1);
   EXPECT_EQ(page(one).painted + page(two).painted, 0);
   settle();
@@ -153,7 +151,7 @@ TEST_F(TabView, LetsAViewAndItsControllerGoInTheirOwnAction) {
   settle();
   const QPointer<QWidget> closed = &page(two);
   QObject::connect(page(two).close, &QPushButton::clicked, [&] {
-    removeAndAddAll(two);
+    removeAllAndAddAllBut(two);
     two.reset();
     tabs.selectTabViewItemAtIndex(1);
   });
@@ -164,20 +162,14 @@ TEST_F(TabView, LetsAViewAndItsControllerGoInTheirOwnAction) {
   EXPECT_TRUE(page(tabs.selectedTabViewItem()).isVisible());
 }
 
-TEST_F(TabView, ShowsANewLabelAndToolTip) {
-  const auto one = add("one");
-  one->setLabel("Q&A");
-  one->setToolTip("Q&A of the team");
-  EXPECT_EQ(widget.bar().tabText(0), "Q&&A");
-  EXPECT_EQ(widget.bar().tabToolTip(0), "Q&A of the team");
-}
-
 TEST_F(TabView, NarrowsManyTabsAndScrollsWhenThatIsNotEnough) {
-  for (int index = 0; index < 6; ++index)
-    add("a connection of a long name " + std::to_string(index));
+  const auto addUntil = [&](int count) {
+    while (int(tabs.tabViewItems().size()) < count)
+      add("a connection of a long name");
+  };
+  addUntil(6);
   EXPECT_LE(widget.bar().tabRect(5).right(), widget.width());
-  for (int index = 6; index < 40; ++index)
-    add("a connection of a long name " + std::to_string(index));
+  addUntil(40);
   tabs.selectTabViewItemAtIndex(39);
   settle();
   EXPECT_TRUE(widget.bar().rect().intersects(widget.bar().tabRect(39)));

@@ -31,7 +31,8 @@ protected:
   TableFixture() {
     auto* layout = new QVBoxLayout(&window);
     layout->setContentsMargins(0, 0, 0, 0);
-    for (QWidget* child : std::initializer_list<QWidget*>{widget, other, button}) layout->addWidget(child);
+    for (QWidget* child : std::initializer_list<QWidget*>{widget, other, button})
+      layout->addWidget(child);
     button->setFocusPolicy(Qt::NoFocus);
     widget->setColumnTitles({"Name", "Score"});
     widget->setColumnIdentifiers({"nameColumn", "scoreColumn"});
@@ -47,8 +48,6 @@ protected:
     other->setFocus();
     log.clear();
   }
-
-  // ---- the model
 
   int numberOfRowsInTableView(const NSTableView& asking) override {
     EXPECT_EQ(&asking, &table);
@@ -79,8 +78,6 @@ protected:
     table.reloadData();
   }
 
-  // ---- what is told
-
   void tableViewSelectionIsChanging(NSTableView&) override { log.push_back("changing " + selection()); }
   void tableViewSelectionDidChange(NSTableView&) override { log.push_back("changed " + selection()); }
   void mouseDown(NSTableView&, int row, int column) override { log.push_back("mouse " + place(row, column)); }
@@ -105,14 +102,11 @@ protected:
   std::string selection() const { return std::to_string(table.selectedRow()); }
   Log take() { return std::exchange(log, {}); }
 
-  // ---- a hand
-
   QWidget& cells() { return *widget->viewport(); }
   QPoint at(int row, int column) const { return widget->cellRect(row, column).center(); }
 
   NSTableCellView& cell(int row, int column) { return *table.viewAtColumn(column, row, false); }
 
-  // What a controller does to open a cell.
   void open(int row, int column) {
     NSTableCellView& opened = cell(row, column);
     opened.setEditable(true);

@@ -26,9 +26,16 @@ void expectSound(const TextStore& store, const QString& text, bool manyLines) {
     ASSERT_EQ(block.start, start);
     ASSERT_LE(block.length, TextStore::longestBlock);
     ASSERT_EQ(store.rowsBefore(block), rows);
+    ASSERT_EQ(store.blockAt(block.start).start, block.start);
+    for (std::size_t inBlock = 0; inBlock < block.rows; ++inBlock) {
+      std::size_t row = rows + inBlock;
+      ASSERT_EQ(store.blockAtRow(row).start, block.start);
+      ASSERT_EQ(row, inBlock);
+    }
     const QString shown = text.mid(qsizetype(block.start), qsizetype(block.length));
     if (!store.hasNext(block)) break;
     ASSERT_GT(block.length, 0u);
+    ASSERT_EQ(store.blockAt(block.end() - 1).start, block.start);
     ASSERT_EQ(store.previous(store.next(block)).start, block.start);
     const qsizetype content = shown.size() - qsizetype(block.ending);
     if (manyLines) {
@@ -59,6 +66,7 @@ TEST(TextStore, HoldsItsBlocksSoundUnderRandomChanges) {
   for (const TextStore::Lines lines : {TextStore::Lines::many, TextStore::Lines::one}) {
     std::mt19937 random(20);
     TextStore store(lines);
+    store.setColumns(40);
     QString model;
     for (int step = 0; step < 600; ++step) {
       const std::size_t position = model.isEmpty() ? 0 : random() % std::size_t(model.size() + 1);
@@ -71,26 +79,6 @@ TEST(TextStore, HoldsItsBlocksSoundUnderRandomChanges) {
       if (HasFatalFailure()) return;
     }
     expectSound(store, model, lines == TextStore::Lines::many);
-  }
-}
-
-TEST(TextStore, FindsTheBlockOfEachPositionAndRow) {
-  std::mt19937 random(3);
-  TextStore store(TextStore::Lines::many);
-  store.set(toUtf8(randomText(random, 100000)));
-  store.setColumns(40);
-  std::size_t row = 0;
-  for (TextStore::Block block = store.firstBlock();; block = store.next(block)) {
-    ASSERT_EQ(store.blockAt(block.start).start, block.start);
-    if (block.length > 0) {
-      ASSERT_EQ(store.blockAt(block.end() - 1).start, block.start);
-    }
-    for (std::size_t inBlock = 0; inBlock < block.rows; ++inBlock, ++row) {
-      std::size_t wanted = row;
-      ASSERT_EQ(store.blockAtRow(wanted).start, block.start);
-      ASSERT_EQ(wanted, inBlock);
-    }
-    if (!store.hasNext(block)) break;
   }
 }
 

@@ -25,7 +25,7 @@ protected:
 
   // The store is refused with this reason, holds nothing, takes nothing, and its file stays as it is.
   void expectRefused(const std::string& reason) const {
-    const std::string before = contents();
+    const std::string before = contentsOf(storeFile());
     const auto container = makeContainer();
     const auto error = container->loadPersistentStores();
     ASSERT_TRUE(error);
@@ -35,54 +35,35 @@ protected:
     EXPECT_FALSE(context.executeFetchRequest(favouritesRequest(context)));
     insertFavourite(context, "new");
     EXPECT_TRUE(context.save());
-    EXPECT_EQ(contents(), before);
-  }
-
-  void makeStoreWithOneRecord() const {
-    const auto store = openStore();
-    insertFavourite(store->viewContext(), "old");
-    ASSERT_FALSE(store->viewContext().save());
+    EXPECT_EQ(contentsOf(storeFile()), before);
   }
 };
 
-TEST_F(PersistentContainer, MakesAStoreThatOnlyTheUserMayRead) {
+TEST_F(PersistentContainer, LetsOnlyTheUserReadAStoreNewOrOld) {
+  const std::string folder = home_.storeFile().parent_path();
   const auto maskBefore = umask(0);
-  makeStoreWithOneRecord();
+  makeStore({"old"});
   umask(maskBefore);
-  EXPECT_EQ(modeOf(storeFile()), 0600U);
-  EXPECT_EQ(modeOf(home_.storeFile().parent_path()), 0700U);
-  EXPECT_EQ(sql("PRAGMA user_version"), "1");
-}
-
-TEST_F(PersistentContainer, TakesAnOpenStoreAwayFromOthers) {
-  makeStoreWithOneRecord();
+  const auto expectPrivate = [&] {
+    EXPECT_EQ(modeOf(storeFile()), 0600U);
+    EXPECT_EQ(modeOf(folder), 0700U);
+  };
+  expectPrivate();
   chmod(storeFile().c_str(), 0664);
-  chmod(home_.storeFile().parent_path().c_str(), 0755);
+  chmod(folder.c_str(), 0755);
   EXPECT_EQ(namesOf(openStore()->viewContext()), "old ");
-  EXPECT_EQ(modeOf(storeFile()), 0600U);
-  EXPECT_EQ(modeOf(home_.storeFile().parent_path()), 0700U);
+  expectPrivate();
 }
 
 TEST_F(PersistentContainer, TakesAnEmptyFileForAFirstStart) {
   write("");
-  EXPECT_EQ(namesOf(openStore()->viewContext()), "");
-  makeStoreWithOneRecord();
+  makeStore({"old"});
   EXPECT_EQ(namesOf(openStore()->viewContext()), "old ");
 }
 
-TEST_F(PersistentContainer, RefusesAFileThatIsNoStore) {
-  write("These are somebody's notes, and no database at all.\n" + std::string(2000, 'x'));
-  expectRefused("not a database");
-}
-
 TEST_F(PersistentContainer, RefusesADamagedStore) {
-  {
-    const auto store = openStore();
-    for (int i = 0; i < 50; ++i)
-      insertFavourite(store->viewContext(), std::string(500, 'x'));
-    ASSERT_FALSE(store->viewContext().save());
-  }
-  std::string damaged = contents();
+  makeStore(std::vector<std::string>(50, std::string(500, 'x')));
+  std::string damaged = contentsOf(storeFile());
   ASSERT_GT(damaged.size(), 5 * 4096U);
   for (std::size_t i = 4 * 4096; i < 5 * 4096; ++i)
     damaged[i] = static_cast<char>(i * 7);
@@ -90,22 +71,20 @@ TEST_F(PersistentContainer, RefusesADamagedStore) {
   expectRefused("damaged");
   write(damaged.substr(0, 3 * 4096 + 100));
   expectRefused("malformed");
+  write("These are somebody's notes, and no database at all.\n" + std::string(2000, 'x'));
+  expectRefused("not a database");
 }
 
-TEST_F(PersistentContainer, RefusesAStoreOfANewerVersion) {
-  makeStoreWithOneRecord();
+TEST_F(PersistentContainer, RefusesAStoreOfANewerVersionOrOfOtherTables) {
+  makeStore({"old"});
   sql("PRAGMA user_version = 2");
   expectRefused("newer version");
-}
-
-TEST_F(PersistentContainer, RefusesADatabaseWithOtherTables) {
-  makeStoreWithOneRecord();
-  sql("ALTER TABLE ServerItemStorage DROP COLUMN auth");
+  sql("PRAGMA user_version = 1; ALTER TABLE ServerItemStorage DROP COLUMN auth");
   expectRefused("no ServerItemStorage.auth");
 }
 
 TEST_F(PersistentContainer, RefusesAStoreThatMayNotBeWritten) {
-  makeStoreWithOneRecord();
+  makeStore({"old"});
   chmod(storeFile().c_str(), 0400);
   expectRefused("can't be written");
   EXPECT_EQ(modeOf(storeFile()), 0400U);
@@ -129,11 +108,7 @@ TEST_F(PersistentContainer, FallsBackToTheHomeFolder) {
 }
 
 TEST_F(PersistentContainer, NeedsAModelThatCanBeRead) {
-  const std::string path = (home_.folder() / "model").string();
-  const auto read = [&](const std::string& text) {
-    std::ofstream(path) << text;
-    return NSManagedObjectModel::initWithContentsOfFile(path);
-  };
+  const auto read = NSManagedObjectModel::initWithContents;
   ASSERT_TRUE(model());
   EXPECT_EQ(model()->entities().size(), 2U);
   EXPECT_TRUE(read("# comment\n\nentity E\n  key string optional"));
@@ -141,8 +116,6 @@ TEST_F(PersistentContainer, NeedsAModelThatCanBeRead) {
                            "entity E\nkey string", "entity E\nk'y string required"}) {
     EXPECT_FALSE(read(text)) << text;
   }
-  EXPECT_FALSE(NSManagedObjectModel::initWithContentsOfFile(path + ".missing"));
-  EXPECT_FALSE(NSManagedObjectModel::initWithContentsOfFile(home_.folder().string()));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "platform/coredata/NSPersistentContainer.h"
 #include "tests/support/TemporaryDataHome.h"
@@ -16,14 +17,13 @@ namespace tarn::test {
 class StoreFixture : public testing::Test {
 protected:
   static std::shared_ptr<const NSManagedObjectModel> model() {
-    return NSManagedObjectModel::initWithContentsOfFile(TARN_SOURCE_DIR "/resources/ServerItemModel.momd");
+    return NSManagedObjectModel::initWithContents(contentsOf(TARN_SOURCE_DIR "/resources/ServerItemModel.momd"));
   }
 
   static std::unique_ptr<NSPersistentContainer> makeContainer() {
     return std::make_unique<NSPersistentContainer>("ServerItemModel", model());
   }
 
-  // As at a start of the program.
   static std::unique_ptr<NSPersistentContainer> openStore() {
     auto container = makeContainer();
     const auto error = container->loadPersistentStores();
@@ -58,11 +58,18 @@ protected:
     return names;
   }
 
+  static void makeStore(const std::vector<std::string>& names) {
+    const auto store = openStore();
+    for (const std::string& name : names)
+      insertFavourite(store->viewContext(), name);
+    ASSERT_FALSE(store->viewContext().save());
+  }
+
   std::string storeFile() const { return home_.storeFile().string(); }
 
-  std::string contents() const {
+  static std::string contentsOf(const std::string& path) {
     std::ostringstream all;
-    all << std::ifstream(storeFile(), std::ios::binary).rdbuf();
+    all << std::ifstream(path, std::ios::binary).rdbuf();
     return all.str();
   }
 

@@ -79,8 +79,8 @@ protected:
 
   void showEverything() {
     OperationTabLayout& t = tab();
-    for (NSView* view : std::initializer_list<NSView*>{&t.btnSave, &t.btnNew, &t.btnDelete, &t.btnAddRow,
-                                                       &t.btnDeleteSelectedRows}) {
+    for (NSView* view :
+         std::initializer_list<NSView*>{&t.btnSave, &t.btnNew, &t.btnDelete, &t.btnAddRow, &t.btnDeleteSelectedRows}) {
       view->setHidden(false);
     }
   }
@@ -181,19 +181,6 @@ TYPED_TEST(Forms, NameTheirControlsAndCutNoTextOff) {
   }
 }
 
-TYPED_TEST(Forms, LeavePicturesToLookAt) {
-  const std::string scale = qApp->devicePixelRatio() > 1.5 ? "-200" : "";
-  for (const bool dark : {false, true}) {
-    useDarkPalette(dark);
-    TypeParam form;
-    QWidget& window = *form.window.widget();
-    show(window);
-    grab(window, "layout-" + window.objectName().toStdString() + (dark ? "-dark" : "-light") + scale);
-    window.close();
-  }
-  useDarkPalette(false);
-}
-
 TEST_F(Layouts, GiveEachValuePaneTheWholePlaceAlsoWhileHidden) {
   open();
   const NSRect place = tab().valueDataStringScrollView.frame();
@@ -228,112 +215,6 @@ TEST_F(Layouts, HoldTheirListsAndColumns) {
   ASSERT_EQ(tab().valueDataSortedSetTable.numberOfColumns(), 2);
   EXPECT_EQ(tab().valueDataSortedSetTable.tableColumn(0).identifier(), "zSetValueColumn");
   EXPECT_EQ(tab().valueDataSortedSetTable.tableColumn(1).identifier(), "zSetScoreColumn");
-}
-
-// A few rows of each kind, so that the pictures show the program at work.
-class SampleRows final : public NSTableViewDataSource, public NSTableViewDelegate {
-public:
-  explicit SampleRows(std::vector<std::vector<std::string>> rows) : rows_(std::move(rows)) {}
-
-  int numberOfRowsInTableView(const NSTableView&) override { return static_cast<int>(rows_.size()); }
-  void viewForTableColumn(NSTableView&, int column, int row, NSTableCellView& cell) override {
-    cell.setStringValue(rows_[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)]);
-  }
-  void tableViewSelectionIsChanging(NSTableView&) override {}
-  void tableViewSelectionDidChange(NSTableView&) override {}
-
-private:
-  std::vector<std::vector<std::string>> rows_;
-};
-
-struct SampleItem final : NSObject {
-  SampleItem(NSOutlineCell shown, std::vector<NSItem> below) : cell(std::move(shown)), children(std::move(below)) {}
-  NSOutlineCell cell;
-  std::vector<NSItem> children;
-};
-
-class SampleTree final : public NSOutlineViewDataSource, public NSOutlineViewDelegate {
-public:
-  static NSItem make(const char* image, const char* text, std::vector<NSItem> children = {}) {
-    NSOutlineCell cell;
-    if (*image != '\0') cell.image = NSImage::imageNamed(image);
-    cell.text = text;
-    return std::make_shared<SampleItem>(std::move(cell), std::move(children));
-  }
-
-  int numberOfChildrenOfItem(const NSItem& item) override {
-    return item ? static_cast<int>(of(item).children.size()) : 1;
-  }
-  NSItem childOfItem(int index, const NSItem& item) override {
-    return item ? of(item).children[static_cast<std::size_t>(index)] : root;
-  }
-  bool isItemExpandable(const NSItem& item) override { return item == root || of(item).cell.image.name() != "db"; }
-  NSOutlineCell viewForItem(const NSItem& item) override { return of(item).cell; }
-  bool shouldShowOutlineCellForItem(const NSItem& item) override { return item != root; }
-  double heightOfRowByItem(const NSItem&) override { return 24; }
-  bool shouldExpandItem(const NSItem&) override { return true; }
-  bool shouldSelectItem(const NSItem&) override { return true; }
-
-  NSItem running = make("server-running", "local", {make("db", "db0(12)"), make("db", "db1(0)")});
-  NSItem root = make("", "My Favourite",
-                     {running, make("server", "staging"), make("server-connecting", "cluster"),
-                      make("server-disconnected", "a server with a rather long name")});
-
-private:
-  static SampleItem& of(const NSItem& item) { return static_cast<SampleItem&>(*item); }
-};
-
-void fill(NSTableView& table, SampleRows& rows) {
-  table.setDataSource(&rows);
-  table.setDelegate(&rows);
-  table.reloadData();
-  table.selectRowIndexes({1}, false);
-}
-
-TEST_F(Layouts, LeavePicturesToLookAt) {
-  SampleTree tree;
-  SampleRows keys({{"user:1000"}, {"user:1001"}, {"会话:北京"}, {"cache:html:index"}, {"\\B/w=="}});
-  SampleRows hash({{"name", "Ada Lovelace"}, {"城市", "北京市海淀区"}, {"json", R"({"id": 1, "tags": ["a", "b"]})"}});
-  const std::string scale = qApp->devicePixelRatio() > 1.5 ? "-200" : "";
-  for (const bool dark : {false, true}) {
-    useDarkPalette(dark);
-    const std::string suffix = (dark ? "-dark" : "-light") + scale;
-    open();
-    grab(root(), "layout-empty" + suffix);
-
-    auto other = std::make_shared<NSTabViewItem>();
-    other->setLabel("staging");
-    other->setViewController(std::make_shared<TabController>());
-    window->mainTab.addTabViewItem(other);
-    window->serverSelection.setDataSource(&tree);
-    window->serverSelection.setDelegate(&tree);
-    window->serverSelection.reloadData();
-    window->serverSelection.expandItem(tree.root);
-    window->serverSelection.expandItem(tree.running);
-    window->serverSelection.selectRowIndexes({2}, false);
-    tab().labServerName.setStringValue("Name:local Server:127.0.0.1 Port:6379");
-    tab().labStatus.setStringValue("Status:Connected");
-    tab().popDatabase.addItemsWithTitles({"db0", "db1"});
-    tab().popKeyDataCharset.addItemsWithTitles({"utf8", "Base64"});
-    tab().popValueDataCharset.addItemsWithTitles({"utf8", "Base64", "ISO_2022_CN_EXT"});
-    tab().labType.setStringValue("Type: Hash");
-    tab().txtKey.setStringValue("user:1000");
-    tab().txtTTL.setStringValue("3600");
-    tab().labKeySize.setStringValue("Key Size: 9byte(s)");
-    tab().labDataSize.setStringValue("Data Size: 1234567byte(s) Data Count:100000");
-    fill(tab().tableKeys, keys);
-    fill(tab().valueDataHashTable, hash);
-    showPane("Hash");
-    tab().hashKeyTextView.setString("城市");
-    tab().hashValueTextView.setString("北京市海淀区");
-    grab(root(), "layout-reading" + suffix);
-    showEverything();
-    grab(root(), "layout-all" + suffix);
-    showPane("SortedSet");
-    grab(root(), "layout-sorted-set" + suffix);
-    window.reset();
-  }
-  useDarkPalette(false);
 }
 
 }  // namespace

@@ -15,6 +15,7 @@ TEST(Translations, ReachBothTheLayoutsAndTheCode) {
   const OperationTabLayout tab;
   EXPECT_EQ(tab.btnSave.stringValue(), chinese ? "保存" : "Save");
   EXPECT_EQ(tab.labStatus.stringValue(), chinese ? "状态：未连接" : "Status:NotConnected");
+  EXPECT_EQ(localizedString(""), "");
   EXPECT_EQ(localizedString("My Favourite"), chinese ? "我的收藏" : "My Favourite");
 }
 
