@@ -13,6 +13,8 @@ public:
   ~LoopbackPort();
 
   int number() const { return number_; }
+  // The socket that holds the port, for a test that listens on it itself.
+  int descriptor() const { return descriptor_; }
 
 private:
   int descriptor_ = -1;

@@ -80,10 +80,6 @@ void RedisServer::freeze() {
   ::kill(pid_, SIGSTOP);
 }
 
-void RedisServer::thaw() {
-  ::kill(pid_, SIGCONT);
-}
-
 void RedisServer::spawn() {
   std::vector<std::string> words = {"redis-server", "--port", std::to_string(port()), "--bind", "127.0.0.1",
                                     "--save",       "",       "--appendonly",         "no",     "--daemonize",

@@ -30,9 +30,8 @@ public:
   // Ends the server, as a crash does; `start` brings it up again on the same port, empty.
   void kill();
   void start();
-  // Stops and continues the process: its sockets stay open and nothing answers.
+  // Stops the process: its sockets stay open and nothing answers.
   void freeze();
-  void thaw();
 
 private:
   void spawn();

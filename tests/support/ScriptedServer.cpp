@@ -1,6 +1,5 @@
 #include "tests/support/ScriptedServer.h"
 
-#include <arpa/inet.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
@@ -102,26 +101,14 @@ std::string ScriptedServer::Peer::copyOfReceived() const {
   return received_;
 }
 
-ScriptedServer::ScriptedServer(Script script)
-    : script_(std::move(script)), listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t size = sizeof address;
-  auto* const generic = reinterpret_cast<sockaddr*>(&address);
-  if (::bind(listener_, generic, size) != 0 || ::listen(listener_, SOMAXCONN) != 0 ||
-      ::getsockname(listener_, generic, &size) != 0) {
-    ::close(listener_);
-    throw std::runtime_error("No free port on 127.0.0.1");
-  }
-  port_ = ntohs(address.sin_port);
+ScriptedServer::ScriptedServer(Script script) : script_(std::move(script)) {
+  if (::listen(port_.descriptor(), SOMAXCONN) != 0) throw std::runtime_error("Can't listen on 127.0.0.1");
   acceptor_ = std::thread([this] { acceptAll(); });
 }
 
 ScriptedServer::~ScriptedServer() {
-  ::shutdown(listener_, SHUT_RDWR);
+  ::shutdown(port_.descriptor(), SHUT_RDWR);
   acceptor_.join();
-  ::close(listener_);
   for (const auto& connection : accepted_)
     connection->peer.shutDown();
   for (const auto& connection : accepted_)
@@ -138,7 +125,7 @@ std::vector<std::string> ScriptedServer::received() const {
 
 void ScriptedServer::acceptAll() {
   for (;;) {
-    const int descriptor = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
+    const int descriptor = ::accept4(port_.descriptor(), nullptr, nullptr, SOCK_CLOEXEC);
     if (descriptor < 0 && (errno == EINTR || errno == ECONNABORTED)) continue;
     if (descriptor < 0) return;
     // What a script sends leaves at once, byte by byte where it likes.

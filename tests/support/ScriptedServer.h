@@ -10,6 +10,8 @@
 #include <thread>
 #include <vector>
 
+#include "tests/support/LoopbackPort.h"
+
 namespace tarn::test {
 
 // A peer on a loopback port that does what no real server does: cut replies, malformed bytes, stalls, early closes. It
@@ -31,8 +33,6 @@ public:
     void send(std::string_view bytes);
     // Ends the stream in order; what has arrived unread is recorded first.
     void close();
-
-    const std::string& received() const { return received_; }
 
   private:
     friend class ScriptedServer;
@@ -59,7 +59,7 @@ public:
   ScriptedServer& operator=(const ScriptedServer&) = delete;
   ~ScriptedServer();
 
-  int port() const { return port_; }
+  int port() const { return port_.number(); }
   int connections() const { return connections_; }
 
   // All bytes received so far, connection by connection in the order accepted.
@@ -71,8 +71,7 @@ private:
   void acceptAll();
 
   Script script_;
-  int listener_ = -1;
-  int port_ = 0;
+  LoopbackPort port_;
   std::atomic<int> connections_ = 0;
   mutable std::mutex mutex_;
   std::vector<std::unique_ptr<Connection>> accepted_;

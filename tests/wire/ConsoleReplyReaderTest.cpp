@@ -14,16 +14,12 @@ struct Reading {
   std::string rest;
 };
 
-Reading read(std::string_view stream, std::size_t arrival = static_cast<std::size_t>(-1)) {
-  MemoryCalls calls(stream, arrival);
-  const auto socket = calls.makeSocket();
+Reading read(std::string_view stream, std::size_t arrival = MemoryCalls::wholeAtOnce) {
   Reading reading;
-  {
-    ConsoleReplyReader reader(*socket);
+  reading.rest = MemoryCalls::feed<ConsoleReplyReader>(stream, arrival, [&](ConsoleReplyReader& reader) {
     reading.text = reader.readReply();
     reading.failure = reader.failure();
-  }
-  reading.rest = calls.rest();
+  });
   return reading;
 }
 
@@ -78,16 +74,15 @@ TEST(ConsoleReplyReader, StaysInStepBehindWhatItDoesNotShow) {
   EXPECT_EQ(textOf("*2\r\n|1\r\n+a\r\n+b\r\n:1\r\n:2\r\n"), "\n1)\t(int)1\n2)\t(int)2");
 }
 
-struct Broken {
-  const char* stream;
-  const char* text;
-  const char* message;
-};
-
 // Each failure at each place, at the top of a reply and inside it, where it ends the reply.
 TEST(ConsoleReplyReader, EndsABrokenReplyWithWhatThereWasAndTheMessage) {
   const char* const lost = "(Err) Can not connect to server";
   const char* const undecodable = "(Err) Server reply Error, unrecognized reply.";
+  struct Broken {
+    const char* stream;
+    const char* text;
+    const char* message;
+  };
   for (const Broken& broken : std::initializer_list<Broken>{
            {"", "", "Can not connect to server"},
            {"\xC3", "", undecodable},

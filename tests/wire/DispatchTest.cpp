@@ -11,22 +11,7 @@ namespace {
 
 using Status = ConnectionStatus;
 
-class Dispatch : public WireTest {};
-
-TEST_F(Dispatch, ReturnsTheServersOwnErrors) {
-  RedisServer server;
-  const auto client = connectedItem(server.port());
-  const auto arity = client->execute(RedisCommand::get, {});
-  EXPECT_FALSE(arity.ok);
-  EXPECT_EQ(arity.type, ReplyType::REDIS_REPLY_ERROR);
-  EXPECT_EQ(arity.message, "ERR wrong number of arguments for 'get' command");
-  const Bytes odd = "a\r\n\0\xFF b"_bytes;
-  EXPECT_TRUE(client->execute(RedisCommand::set, {odd, odd}).ok);
-  EXPECT_EQ(client->getValue(odd).second, odd);
-  EXPECT_EQ(client->connectionStatus(), Status::connected);
-  EXPECT_EQ(alerts(), Messages{});
-  client->closeConnection();
-}
+using Dispatch = WireTest;
 
 // Whatever comes back in place of a reply, the lock is free afterwards and the next connect works.
 TEST_F(Dispatch, RecoversFromAReplyCutAtAnyByteAndFromGarbage) {
@@ -56,18 +41,17 @@ TEST_F(Dispatch, RecoversFromAReplyCutAtAnyByteAndFromGarbage) {
   waitUntil([&] { return openDescriptors() == before; });
 }
 
-TEST_F(Dispatch, NeverSendsOnAConnectionThatIsGone) {
-  const auto client = item(1);
-  const auto never = client->execute(RedisCommand::get, {"k"_bytes});
-  EXPECT_EQ(never.message, "Can not connect to server, Please Reconnect to the server.");
-  EXPECT_EQ(client->connectionStatus(), Status::disConnected);
-
+TEST_F(Dispatch, NeverSendsOnAConnectionThatIsGoneAndSaysSo) {
   ScriptedServer peer([](ScriptedServer::Peer&, int) {});
   const auto closed = connectedItem(peer.port());
   waitUntil([&] { return !closed->isAlive(); });
-  EXPECT_EQ(closed->execute(RedisCommand::get, {"k"_bytes}).message,
-            "Can not connect to server, Please Reconnect to the server.");
-  EXPECT_EQ(closed->connectionStatus(), Status::disConnected);
+  for (const auto& client : {item(1), closed}) {
+    host_.calls.clear();
+    EXPECT_EQ(client->keyType("k"_bytes), std::pair(false, std::string()));
+    EXPECT_EQ(alerts(), Messages{"Can not connect to server, Please Reconnect to the server."});
+    EXPECT_EQ(host_.calls, (Messages{"row", "Status:DisConnected"}));
+    EXPECT_EQ(client->connectionStatus(), Status::disConnected);
+  }
   EXPECT_EQ(peer.received().front(), "");
 }
 
@@ -113,22 +97,21 @@ TEST_F(Dispatch, FollowsTheRedirectsOfARealCluster) {
   EXPECT_TRUE(client->isAlive());
   EXPECT_EQ(openDescriptors(), before);
   EXPECT_EQ(alerts(), Messages{});
-  client->closeConnection();
 }
 
 TEST_F(Dispatch, EndsRedirectsThatLeadNowhere) {
   RedisServer dead;
   dead.kill();
   std::mutex mutex;
-  std::string line;
-  const auto answerNext = [&](const std::string& error) {
+  std::string error;
+  const auto answerNext = [&](const std::string& next) {
     const std::lock_guard lock(mutex);
-    line = "-" + error + "\r\n";
+    error = next;
   };
   ScriptedServer peer([&](ScriptedServer::Peer& client, int) {
     while (!client.readRequest().empty()) {
       const std::lock_guard lock(mutex);
-      client.send(line);
+      client.send("-" + error + "\r\n");
     }
   });
   const std::size_t before = openDescriptors();
@@ -147,10 +130,8 @@ TEST_F(Dispatch, EndsRedirectsThatLeadNowhere) {
   expectFailed("The cluster redirects without end: " + toItself);
   EXPECT_EQ(peer.connections(), 1 + 16);
 
-  for (const std::string unreadable : {"MOVED", "MOVED 1", "MOVED 1 127.0.0.1", "ASK 1 :7001", "MOVED 1 h:x"}) {
-    answerNext(unreadable);
-    expectFailed("Can not read the redirect of the cluster: " + unreadable);
-  }
+  answerNext("MOVED 1 h:x");
+  expectFailed("Can not read the redirect of the cluster: MOVED 1 h:x");
   const std::string gone = "127.0.0.1:" + std::to_string(dead.port());
   answerNext("MOVED 1 " + gone);
   expectFailed("Can not connect to cluster node server(" + gone + ")");
@@ -176,7 +157,6 @@ TEST_F(Dispatch, KeepsEachReplyWithItsRequest) {
   }
   for (std::thread& thread : threads)
     thread.join();
-  client->closeConnection();
 }
 
 // Loads and scans run while the connection is closed under them and opened again.
@@ -200,14 +180,13 @@ TEST_F(Dispatch, ClosesCleanlyUnderRunningLoads) {
     client->closeConnection();
     EXPECT_TRUE(client->dbs()->empty());
     EXPECT_FALSE(client->isAlive());
-    waitUntil([&] { return queue.operationCount() == 0; });
+    waitUntilIdle(*client);
     EXPECT_TRUE(client->dbs()->empty());
   }
   alerts();
   EXPECT_EQ(openDescriptors(), before);
   EXPECT_TRUE(client->connectToServer().ok);
   EXPECT_EQ(client->lrangeAll("list"_bytes).size(), 20000U);
-  client->closeConnection();
 }
 
 }  // namespace

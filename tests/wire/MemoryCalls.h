@@ -3,9 +3,9 @@
 #include <fcntl.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstddef>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "wire/Socket.h"
@@ -17,13 +17,28 @@ namespace tarn::test {
 // real call knows, and closes behind the last one.
 class MemoryCalls final : public SocketCalls {
 public:
-  explicit MemoryCalls(std::string_view stream, std::size_t arrival = static_cast<std::size_t>(-1))
-      : rest_(stream), arrival_(arrival) {}
+  explicit MemoryCalls(std::string_view stream, std::size_t arrival = wholeAtOnce) : rest_(stream), arrival_(arrival) {}
 
   // What nobody has taken.
   std::string_view rest() const { return rest_; }
 
-  std::shared_ptr<Socket> makeSocket() { return std::make_shared<Socket>(::open("/dev/null", O_RDWR | O_CLOEXEC), *this); }
+  std::shared_ptr<Socket> makeSocket() {
+    return std::make_shared<Socket>(::open("/dev/null", O_RDWR | O_CLOEXEC), *this);
+  }
+
+  static constexpr std::size_t wholeAtOnce = static_cast<std::size_t>(-1);
+
+  // Has a reader of this type read from the stream, and answers with what it left there.
+  template <typename Reader, typename Reading>
+  static std::string feed(std::string_view stream, std::size_t arrival, const Reading& reading) {
+    MemoryCalls calls(stream, arrival);
+    const auto socket = calls.makeSocket();
+    {
+      Reader reader(*socket);
+      reading(reader);
+    }
+    return std::string(calls.rest_);
+  }
 
   ssize_t receive(int, void* bytes, std::size_t count, int flags) override {
     const std::string_view part = rest_.substr(0, std::min(count, arrival_));

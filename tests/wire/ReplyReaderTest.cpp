@@ -18,17 +18,20 @@ struct Reading {
   std::string rest;
 };
 
-Reading read(std::string_view stream, std::size_t arrival = static_cast<std::size_t>(-1)) {
-  MemoryCalls calls(stream, arrival);
-  const auto socket = calls.makeSocket();
+Reading read(std::string_view stream, std::size_t arrival = MemoryCalls::wholeAtOnce) {
   Reading reading;
-  {
-    ReplyReader reader(*socket);
+  reading.rest = MemoryCalls::feed<ReplyReader>(stream, arrival, [&](ReplyReader& reader) {
     reading.result = reader.readReply();
     reading.lost = reader.lostConnection();
-  }
-  reading.rest = calls.rest();
+  });
   return reading;
+}
+
+std::string nested(char type, int depth) {
+  std::string stream;
+  for (int i = 0; i < depth; ++i)
+    stream += type + std::string("1\r\n");
+  return stream;
 }
 
 std::vector<std::string> listOf(const ReplyResult& result) {
@@ -133,15 +136,8 @@ TEST(ReplyReader, DropsWhatBeginsWithAnUnknownByte) {
 }
 
 TEST(ReplyReader, TellsWhereAReplyWentWrong) {
-  const std::string deep = [] {
-    std::string stream;
-    for (int i = 0; i < 100000; ++i)
-      stream += "*1\r\n";
-    return stream;
-  }();
-  std::string deepPush = deep;
-  for (std::size_t i = 0; i < deepPush.size(); i += 4)
-    deepPush[i] = '>';
+  const std::string deep = nested('*', 100000);
+  const std::string deepPush = nested('>', 100000);
   const std::vector<std::pair<std::string_view, std::string_view>> cases{
       {"", "Can not connect to server"},
       {"\x80", "Server reply Error, unrecognized reply."},
@@ -186,9 +182,7 @@ TEST(ReplyReader, TellsWhereAReplyWentWrong) {
 }
 
 TEST(ReplyReader, TakesNestingUpToItsLimit) {
-  std::string stream;
-  for (int i = 0; i < ReplyScanner::maxDepth; ++i)
-    stream += "*1\r\n";
+  const std::string stream = nested('*', ReplyScanner::maxDepth);
   EXPECT_EQ(listOf(read(stream + ":1\r\n").result), std::vector<std::string>{"1"});
   EXPECT_TRUE(read("*1\r\n" + stream + ":1\r\n").lost);
 }

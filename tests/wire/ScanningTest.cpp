@@ -15,7 +15,7 @@ std::string scanReply(const std::string& cursor, const std::vector<std::string>&
   return reply;
 }
 
-class Scanning : public WireTest {};
+using Scanning = WireTest;
 
 TEST_F(Scanning, FindsAllKeysThatMatchUpToTheLimit) {
   RedisServer server({"--enable-debug-command", "yes"});
@@ -31,7 +31,6 @@ TEST_F(Scanning, FindsAllKeysThatMatchUpToTheLimit) {
   EXPECT_TRUE(client->scanKeys("none"_bytes, 10, false).empty());
   EXPECT_TRUE(client->scanKeys("*"_bytes, 0, false).empty());
   EXPECT_EQ(alerts(), Messages{});
-  client->closeConnection();
 }
 
 TEST_F(Scanning, FollowsTheCursorAndStopsAtTheLimit) {
@@ -45,7 +44,6 @@ TEST_F(Scanning, FollowsTheCursorAndStopsAtTheLimit) {
   };
   const std::string nodes = "*2\r\n$7\r\ncluster\r\n$5\r\nnodes\r\n";
   EXPECT_EQ(peer.received().front(), nodes + scan("0") + scan("17") + scan("99") + nodes + scan("0"));
-  client->closeConnection();
 }
 
 TEST_F(Scanning, DropsWhatItFoundWhenACommandOrCursorFails) {
@@ -61,7 +59,6 @@ TEST_F(Scanning, DropsWhatItFoundWhenACommandOrCursorFails) {
     EXPECT_TRUE(client->scanKeys("*"_bytes, 10, false).empty());
     EXPECT_TRUE(client->hscanAll("h"_bytes).empty());
     EXPECT_EQ(alerts(), (Messages{message, message}));
-    client->closeConnection();
   }
 }
 
@@ -74,7 +71,6 @@ TEST_F(Scanning, ReadsWholeSetsAndHashes) {
   ASSERT_EQ(hash.size(), 6000U);
   for (std::size_t i = 0; i < hash.size(); i += 2)
     EXPECT_EQ(hash[i].view().substr(1), hash[i + 1].view());
-  client->closeConnection();
 }
 
 TEST_F(Scanning, SearchesEveryMasterOfACluster) {
@@ -99,7 +95,6 @@ TEST_F(Scanning, SearchesEveryMasterOfACluster) {
   EXPECT_EQ(client->scanKeys("*"_bytes, noLimit, false).size(), 60U - std::stoul(lost.substr(1)));
   EXPECT_EQ(openDescriptors(), before);
   EXPECT_EQ(alerts(), Messages{"127.0.0.1:" + std::to_string(deadPort) + ", Connect Failure"});
-  client->closeConnection();
 }
 
 // Two masters that are down: with the connection closed while the first is tried, the second isn't, and nothing is
@@ -131,7 +126,7 @@ TEST_F(Scanning, LeavesTheOtherMastersWhenTheConnectionIsClosed) {
       EXPECT_TRUE(client->scanKeys("*"_bytes, noLimit, false).empty());
     } else {
       client->infoFromServerMain();
-      waitUntil([&] { return client->operationQueue().operationCount() == 0; });
+      waitUntilIdle(*client);
     }
     EXPECT_LE(calls.connects, 3);
     EXPECT_EQ(client->connectionStatus(), ConnectionStatus::notConnected);

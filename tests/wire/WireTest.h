@@ -17,9 +17,31 @@
 #include "tests/support/RedisServer.h"
 #include "tests/support/ScriptedServer.h"
 #include "wire/ServerItem.h"
+#include "wire/ServerItemHost.h"
 #include "wire/SocketCalls.h"
 
 namespace tarn::test {
+
+// Whoever is above the servers: keeps what it was asked to show.
+class RecordingHost final : public ServerItemHost {
+public:
+  RecordingHost() { install(this); }
+  ~RecordingHost() override { install(nullptr); }
+
+  void reloadServerRow(const std::shared_ptr<ServerItem>&) override { calls.push_back("row"); }
+  void refreshServerRow(const std::shared_ptr<ServerItem>&) override { calls.push_back("counts"); }
+  void showStatusInTab(const std::shared_ptr<ServerItem>& server) override {
+    calls.push_back("Status:" + std::string(rawValue(server->connectionStatus())));
+  }
+  void bringDatabasesUpToDate(const std::shared_ptr<ServerItem>&, bool connected) override {
+    calls.push_back(connected ? "databases" : "no databases");
+  }
+  void showSelectedDatabase(const std::shared_ptr<ServerItem>& server) override {
+    calls.push_back("db" + std::to_string(server->currentDbIdx()));
+  }
+
+  std::vector<std::string> calls;
+};
 
 // Connections on loopback, the alerts that they raised, and a count of the descriptors that they left open.
 class WireTest : public testing::Test {
@@ -63,9 +85,16 @@ public:
     while (!done()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
 
+  static void waitUntilIdle(ServerItem& server) {
+    waitUntil([&] { return server.operationQueue().operationCount() == 0; });
+  }
+
 protected:
   using Messages = std::vector<std::string>;
 
+  RecordingHost host_;
+
+private:
   AlertRecorder recorder_;
 };
 
