@@ -1,5 +1,10 @@
 #include "tests/endtoend/Desk.h"
 
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QMenu>
+#include <QMenuBar>
+
 #include <algorithm>
 
 #include "favourites/FavouritesStore.h"
@@ -36,7 +41,7 @@ void Desk::storeFavourite(const std::string& name, int port, const std::string& 
   favourite.setAuth(password);
   favourite.setDefaultCharset("utf8");
   FavouritesStore().insertRecord(favourite);
-  const auto error = delegate_.context().save();
+  const auto error = delegate_->context().save();
   EXPECT_FALSE(error) << error->description();
 }
 
@@ -52,6 +57,32 @@ void Desk::openWindow() {
 void Desk::dropWindow() {
   controller_.reset();
   content_.reset();
+}
+
+void Desk::restart() {
+  dropWindow();
+  delegate_.reset();
+  delegate_.emplace();
+  openWindow();
+}
+
+void Desk::toFront() {
+  show(*content_->window().widget());
+}
+
+void Desk::openForm(const NSButton& button) {
+  click(button);
+  ASSERT_TRUE(waitUntil([&] { return form().window.widget()->isActiveWindow(); }));
+}
+
+void Desk::newKey(const std::string& type) {
+  click(tab().btnNew);
+  NewKeyValueTypeSelectLayout& dialog = content_->newKeyValueTypeSelectWindowController()->dialog().outlets();
+  ASSERT_TRUE(waitUntil([&] { return dialog.window.widget()->isActiveWindow(); }));
+  chooseTitle(dialog.popValueType, type);
+  click(dialog.btnConfirm);
+  toFront();
+  ASSERT_EQ(tab().labType.stringValue(), "Type: " + type + " (New)");
 }
 
 OperationTabLayout& Desk::tab() {
@@ -101,17 +132,63 @@ Desk::Texts Desk::sortedKeys(NSTableView& table) {
   return texts;
 }
 
-void Desk::clickRow(NSTableView& table, const std::string& text) {
-  const Texts texts = column(table);
-  const auto found = std::find(texts.begin(), texts.end(), text);
-  ASSERT_NE(found, texts.end()) << text;
-  const int row = static_cast<int>(found - texts.begin());
-  table.scrollRowToVisible(row);
-  auto& widget = dynamic_cast<TableViewWidget&>(*table.widget());
-  test::click(*widget.viewport(), widget.cellRect(row, 0).center());
+void Desk::openDatabase(const std::string& favourite, const std::string& text) {
+  clickTriangle(favourite);
+  ASSERT_TRUE(waitUntil([&] { return std::ranges::count(treeRows(), text) == 1; }))
+      << testing::PrintToString(treeRows());
+  clickTreeRow(text);
 }
 
-void Desk::retype(NSTextField& field, std::string_view text) {
+QPoint Desk::cellPlace(NSTableView& table, const std::string& text, int columnNumber) {
+  const Texts texts = column(table, columnNumber);
+  const auto found = std::find(texts.begin(), texts.end(), text);
+  EXPECT_NE(found, texts.end()) << text;
+  const int row = static_cast<int>(found - texts.begin());
+  table.scrollRowToVisible(row);
+  return dynamic_cast<TableViewWidget&>(*table.widget()).cellRect(row, columnNumber).center();
+}
+
+void Desk::clickRow(NSTableView& table, const std::string& text) {
+  const QPoint place = cellPlace(table, text, 0);
+  test::click(*dynamic_cast<TableViewWidget&>(*table.widget()).viewport(), place);
+}
+
+void Desk::typeInCell(NSTableView& table, const std::string& text, int columnNumber, std::string_view typed) {
+  const QPoint place = cellPlace(table, text, columnNumber);
+  doubleClick(*dynamic_cast<TableViewWidget&>(*table.widget()).viewport(), place);
+  press(Qt::Key_A, Qt::ControlModifier);
+  type(typed);
+}
+
+namespace {
+
+template <typename Menu>
+void clickItem(Menu& menu, const std::string& text) {
+  for (QAction* item : menu.actions()) {
+    if (item->text().toStdString() == text) return test::click(menu, menu.actionGeometry(item).center());
+  }
+  FAIL() << text;
+}
+
+}  // namespace
+
+void Desk::chooseInMenu(NSTableView& table, const std::string& rowText, const std::string& item) {
+  const QPoint place = cellPlace(table, rowText, 0);
+  QWidget& cells = *dynamic_cast<TableViewWidget&>(*table.widget()).viewport();
+  test::click(cells, place, Qt::RightButton);
+  QContextMenuEvent event(QContextMenuEvent::Mouse, place, cells.mapToGlobal(place));
+  QApplication::sendEvent(&cells, &event);
+  settle();
+  clickItem(dynamic_cast<QMenu&>(*openPopUp()), item);
+}
+
+void Desk::chooseInMainMenu(const std::string& menu, const std::string& item) {
+  clickItem(*content_->window().widget()->findChild<QMenuBar*>(), menu);
+  ASSERT_NE(openPopUp(), nullptr) << menu;
+  clickItem(dynamic_cast<QMenu&>(*openPopUp()), item);
+}
+
+void Desk::retype(const NSView& field, std::string_view text) {
   test::click(*field.widget());
   press(Qt::Key_A, Qt::ControlModifier);
   press(Qt::Key_Delete);
@@ -134,6 +211,34 @@ void Desk::click(const NSView& view) {
 void Desk::searchFor(std::string_view text) {
   retype(tab().txtSearchKey, text);
   press(Qt::Key_Return);
+}
+
+testing::AssertionResult Desk::lists(const Texts& keys) {
+  if (waitUntil([&] { return sortedKeys(tab().tableKeys) == keys; })) return testing::AssertionSuccess();
+  return testing::AssertionFailure() << "the keys are " << testing::PrintToString(sortedKeys(tab().tableKeys));
+}
+
+void Desk::readKey(const std::string& key, const std::string& dataSize) {
+  clickRow(tab().tableKeys, key);
+  ASSERT_TRUE(becomes(tab().labDataSize, dataSize));
+}
+
+void Desk::save(Texts messages) {
+  click(tab().btnSave);
+  expectSaved(std::move(messages));
+}
+
+void Desk::saveByKey() {
+  press(Qt::Key_S, Qt::ControlModifier);
+  // A button that is pressed by its chord shows it for a moment first.
+  ASSERT_TRUE(waitUntil([&] { return !alerts.shown().empty(); }));
+  expectSaved({});
+}
+
+void Desk::expectSaved(Texts messages) {
+  messages.push_back("Saved.");
+  EXPECT_EQ(alerts.messages(), messages);
+  alerts.clear();
 }
 
 testing::AssertionResult Desk::becomes(const NSControl& control, std::string_view text) {

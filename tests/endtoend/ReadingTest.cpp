@@ -34,12 +34,6 @@ protected:
                      {"SET", "plain", "ASCII"}});
   }
 
-  // Clicks the key and waits until its load has ended.
-  void readKey(const std::string& key, const std::string& dataSize) {
-    clickRow(tab().tableKeys, key);
-    ASSERT_TRUE(becomes(tab().labDataSize, dataSize));
-  }
-
   // What a load leaves around every value.
   void expectKey(const std::string& key, const std::string& type, const std::string& ttl, const std::string& ttlToolTip,
                  int keySize) {
@@ -50,11 +44,6 @@ protected:
     EXPECT_EQ(tab().labKeySize.stringValue(), "Key Size: " + std::to_string(keySize) + "byte(s)");
     EXPECT_TRUE(tab().labDealingQueue.stringValue().starts_with("Dealing Queue:"));
     EXPECT_EQ(alerts.messages(), Texts{});
-  }
-
-  testing::AssertionResult lists(const Texts& keys) {
-    if (waitUntil([&] { return sortedKeys(tab().tableKeys) == keys; })) return testing::AssertionSuccess();
-    return testing::AssertionFailure() << "the keys are " << testing::PrintToString(sortedKeys(tab().tableKeys));
   }
 };
 

@@ -33,17 +33,7 @@ protected:
 
   void openWindow() {
     Desk::openWindow();
-    toFront();
-  }
-
-  // Offscreen no window manager gives the keyboard back when a window in front closes.
-  void toFront() { show(*window().window().widget(), {1180, 720}); }
-
-  NewConnectionLayout& form() { return window().newConnectionWindowController()->form().outlets(); }
-
-  void readKey(const std::string& key, const std::string& dataSize) {
-    clickRow(tab().tableKeys, key);
-    ASSERT_TRUE(becomes(tab().labDataSize, dataSize));
+    show(*window().window().widget(), {1180, 720});
   }
 
   // Shows the alert that the action raises, and leaves it by Escape.
@@ -71,8 +61,7 @@ TEST_F(UserGuide, ItsTasksInTheirOrder) {
   openWindow();
   picture("guide-first-start");
 
-  click(window().outlets().btnNew);
-  ASSERT_TRUE(waitUntil([&] { return form().window.widget()->isActiveWindow(); }));
+  openForm(window().outlets().btnNew);
   const std::string port = std::to_string(redis.port());
   for (const std::string& text : Texts{"shop", "127.0.0.1", port}) {
     type(text);
@@ -83,9 +72,7 @@ TEST_F(UserGuide, ItsTasksInTheirOrder) {
   toFront();
   ASSERT_EQ(treeRows(), (Texts{"My Favourite", "shop"}));
 
-  clickTriangle("shop");
-  ASSERT_TRUE(waitUntil([&] { return treeRows() == Texts{"My Favourite", "shop", "db0(6)", "db1(2)"}; }));
-  clickTreeRow("db0(6)");
+  ASSERT_NO_FATAL_FAILURE(openDatabase("shop", "db0(6)"));
   ASSERT_TRUE(waitUntil([&] { return tab().tableKeys.numberOfRows() == 6; }));
   searchFor("user:");
   ASSERT_TRUE(waitUntil([&] { return tab().tableKeys.numberOfRows() == 3; }));
