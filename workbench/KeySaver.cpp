@@ -25,11 +25,12 @@ void KeySaver::save() {
   if (!takeHead(job) || !takeValue(job)) return;
   const int shownString = string_.revision();
   if (!ask(job)) return;
-  if (job.type == "String" && string_.revision() == shownString) string_.setValueData(job.value);
+  const bool isStringOnForm = job.type == "String" && string_.revision() == shownString;
+  if (isStringOnForm) string_.setValueData(job.value);
   queue_.updateDealingQueueLabel();
   if (!saveKeyValue(job)) {
     queue_.poster().post([this] { queue_.updateDealingQueueLabel(); });
-  } else if (string_.revision() == shownString) {
+  } else if (isStringOnForm) {
     string_.valueSaved();
   }
 }

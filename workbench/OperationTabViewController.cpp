@@ -64,6 +64,7 @@ OperationTabViewController::OperationTabViewController() : d_(std::make_shared<P
   outlets.btnSave.setAction([tab = std::weak_ptr(d_)] {
     if (const auto alive = tab.lock()) alive->saver.save();
   });
+  outlets.btnSave.setKeyEquivalent("Ctrl+S");
   outlets.btnDelete.setAction([tab = std::weak_ptr(d_)] {
     if (const auto alive = tab.lock()) alive->deleter.deleteKey();
   });

@@ -4,6 +4,7 @@
 #include "platform/appkit/Utf8.h"
 
 #include <QAbstractButton>
+#include <QKeySequence>
 #include <QVariant>
 
 namespace tarn {
@@ -29,6 +30,10 @@ std::string NSButton::stringValue() const {
 
 void NSButton::setStringValue(std::string_view title) {
   d_->button->setText(toQString(title).replace(QLatin1Char('&'), QLatin1String("&&")));
+}
+
+void NSButton::setKeyEquivalent(std::string_view chord) {
+  d_->button->setShortcut(QKeySequence(toQString(chord)));
 }
 
 bool NSButton::state() const {

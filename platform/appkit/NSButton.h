@@ -18,6 +18,10 @@ public:
   std::string stringValue() const override;
   void setStringValue(std::string_view title) override;
 
+  // A chord with Ctrl, such as "Ctrl+S", that does what a click does while the button is on the screen. A change of the
+  // title takes it away.
+  void setKeyEquivalent(std::string_view chord);
+
   // On or off. Setting it sends no action.
   bool state() const;
   void setState(bool on);
