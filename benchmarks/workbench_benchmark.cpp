@@ -12,6 +12,7 @@
 #include "benchmarks/BenchmarkReport.h"
 #include "benchmarks/workbench_benchmark_children.h"
 #include "benchmarks/workbench_benchmark_rows.h"
+#include "benchmarks/workbench_benchmark_save.h"
 #include "benchmarks/workbench_benchmark_tab.h"
 #include "favourites/FavouritesStore.h"
 #include "platform/appkit/NSApplication.h"
@@ -68,6 +69,8 @@ void measureLists(BenchmarkReport& report) {
   };
   fill("utf8", "item of a list %06d");
   fill("gbk", "\\214\\208\\206\\196\\214\\208\\206\\196 %011d");
+  const SaveTimes saving = timesOfSaving(redis.port(), "utf8");
+  report.add({"save of a 1,000,000-row list, utf8", saving.save, "ms", saving.floor, saving.save / saving.floor, 1.5});
   BenchmarkTab tab(redis.port());
   const auto show = [&](const std::string& key) {
     return medianOfRounds([&] { return tab.showValue(key, tab.outlets().valueDataSetTable); });
