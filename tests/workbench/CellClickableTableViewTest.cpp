@@ -9,15 +9,10 @@ namespace {
 
 class CellClickableTableViewTest : public ::testing::Test, public ClickableTableViewDelegate {
 protected:
-  void didDoubleClick(NSTableView&, int row, int column) override { clicks.emplace_back(row, column); }
+  void didDoubleClick(NSTableView&, int, int column) override { doubleClicked = column; }
   void commitEditableCells(NSTableView&) override { ++commits; }
 
-  void clickAt(double time, int row, int column = 0) {
-    now = time;
-    clickable.mouseDown(table, row, column);
-  }
-
-  std::vector<std::pair<int, int>> clicks;
+  int doubleClicked = -1;
   int commits = 0;
   double now = 0;
   TableViewWidget widget;
@@ -25,30 +20,22 @@ protected:
   CellClickableTableView clickable{table, *this, [this] { return now; }};
 };
 
-using Clicks = std::vector<std::pair<int, int>>;
-
 TEST_F(CellClickableTableViewTest, TwoClicksOnOneRowWithinTheTimeAreADoubleClick) {
-  clickAt(1000.0, 3);
-  clickAt(1001.1, 3, 1);
-  EXPECT_EQ(clicks, (Clicks{{3, 1}}));
-  clickAt(1002.2, 3);
-  EXPECT_EQ(clicks, (Clicks{{3, 1}, {3, 0}}));
-  clickAt(1003.5, 3);
-  clickAt(1003.6, 4);
-  clickAt(1003.7, 3);
-  EXPECT_EQ(clicks.size(), 2U);
-}
-
-TEST_F(CellClickableTableViewTest, TheVeryFirstClickIsNone) {
-  clickAt(1000.0, 0);
-  EXPECT_EQ(clicks, Clicks());
-}
-
-TEST_F(CellClickableTableViewTest, AClickBesideTheCellsCountsForNothing) {
-  clickAt(1000.0, 3);
-  clickAt(1000.1, -1, -1);
-  clickAt(1000.2, 3);
-  EXPECT_EQ(clicks, (Clicks{{3, 0}}));
+  struct Click {
+    double time;
+    int row;
+    int column;
+    bool isDouble;
+  };
+  // The very first click is none, and one beside the cells counts for nothing.
+  const Click clicks[] = {{1000.0, 0, 0, false}, {1001.1, 0, 1, true},  {1002.2, 0, 0, true},    {1003.5, 0, 0, false},
+                          {1003.6, 4, 0, false}, {1003.7, 0, 0, false}, {1003.8, -1, -1, false}, {1003.9, 0, 2, true}};
+  for (const Click& click : clicks) {
+    now = click.time;
+    doubleClicked = -1;
+    clickable.mouseDown(table, click.row, click.column);
+    EXPECT_EQ(doubleClicked, click.isDouble ? click.column : -1) << click.time;
+  }
   clickable.resignFirstResponder(table);
   EXPECT_EQ(commits, 1);
 }

@@ -21,41 +21,19 @@ protected:
 };
 
 TEST_F(KeyBrowserTest, ListsWhatThePatternFindsAsEscapedText) {
-  for (const std::string key : {"user:1", "user:2", "other", "a\\b", "line\nfeed", "\xFF\x01"}) {
+  for (const std::string key : {"user", "a\\b", "line\nfeed", "\xFF\x01"})
     redis.command({"SET", key, "v"});
-  }
   openTab(redis.port());
-  EXPECT_EQ(outlets().labKey.stringValue(), "Key(utf8):");
-  EXPECT_EQ(keysFor(""), (Texts{"\\B/wE=", "a\\\\b", "line\\nfeed", "other", "user:1", "user:2"}));
-  EXPECT_EQ(outlets().tableKeys.tableColumn(0).headerToolTip(), "Count Shown:6");
-  EXPECT_TRUE(outlets().labDealingQueue.stringValue().starts_with("Dealing Queue:"));
-  EXPECT_EQ(keysFor("user"), (Texts{"user:1", "user:2"}));
-  EXPECT_EQ(keysFor("line\\nfeed"), (Texts{"line\\nfeed"}));
-
-  click(*outlets().chkExactly.widget());
-  waitUntilIdle();
-  EXPECT_EQ(keysFor("user"), Texts{});
-  EXPECT_EQ(keysFor("\\B/wE="), (Texts{"\\B/wE="}));
+  EXPECT_EQ(keysFor(""), (Texts{"\\B/wE=", "a\\\\b", "line\\nfeed", "user"}));
+  EXPECT_EQ(keysFor("line\\nfeed"), Texts{"line\\nfeed"});
+  outlets().chkExactly.setState(true);
+  EXPECT_EQ(keysFor("use"), Texts{});
+  EXPECT_EQ(keysFor("\\B/wE="), Texts{"\\B/wE="});
   EXPECT_EQ(keysFor(""), Texts{});
-
-  click(*outlets().btnSearchKeyClear.widget());
-  EXPECT_EQ(outlets().txtSearchKey.stringValue(), "");
   EXPECT_EQ(alerts.messages(), Texts{});
-}
 
-TEST_F(KeyBrowserTest, SearchesOnEnterAndSaysWhyItDoesNot) {
-  redis.command({"SET", "user", "v"});
-  openTab(redis.port());
-  click(*outlets().txtSearchKey.widget());
-  type("use");
-  press(Qt::Key_Return);
-  waitUntilIdle();
-  EXPECT_EQ(outlets().tableKeys.numberOfRows(), 1);
-
-  outlets().txtSearchKey.setStringValue("\\Bqw=");
-  press(Qt::Key_Return);
-  EXPECT_EQ(alerts.messages(), (Texts{"Can not decode base64 part of the Search Key '\\Bqw='"}));
-  EXPECT_EQ(outlets().tableKeys.numberOfRows(), 0);
+  EXPECT_EQ(keysFor("\\Bqw="), Texts{});
+  EXPECT_EQ(alerts.messages(), Texts{"Can not decode base64 part of the Search Key '\\Bqw='"});
 }
 
 TEST_F(KeyBrowserTest, FetchesNoMoreThanTheLimit) {
@@ -69,11 +47,10 @@ TEST_F(KeyBrowserTest, ListsTheDatabaseThatIsChosen) {
   redis.command({"SET", "zero", "v"});
   redis.command({"SET", "three", "v"}, 3);
   openTab(redis.port());
-  EXPECT_EQ(outlets().popDatabase.titleOfSelectedItem(), "db0");
-  EXPECT_EQ(keysFor(""), (Texts{"zero"}));
+  EXPECT_EQ(keysFor(""), Texts{"zero"});
   choose(*outlets().popDatabase.widget(), 3);
   waitUntilIdle();
-  EXPECT_EQ(texts(outlets().tableKeys, 0), (Texts{"three"}));
+  EXPECT_EQ(texts(outlets().tableKeys, 0), Texts{"three"});
   EXPECT_EQ(server->currentDbIdx(), 3);
 
   tab->emptyDatabases();
@@ -88,12 +65,9 @@ TEST_F(KeyBrowserTest, ShowsTheKeysInAnotherCharsetOverABlankForm) {
   search("");
   selectKey("\\B1tA=");
   EXPECT_EQ(outlets().txtKey.stringValue(), "\\B1tA=");
-  outlets().popKeyDataCharset.selectItemWithTitle("GBK");
-  const int gbk = outlets().popKeyDataCharset.indexOfSelectedItem();
-  choose(*outlets().popKeyDataCharset.widget(), gbk);
+  chooseTitle(outlets().popKeyDataCharset, "GBK");
   waitUntilIdle();
-  EXPECT_EQ(texts(outlets().tableKeys, 0), (Texts{"中"}));
-  EXPECT_EQ(outlets().labKey.stringValue(), "Key(GBK):");
+  EXPECT_EQ(texts(outlets().tableKeys, 0), Texts{"中"});
   EXPECT_EQ(outlets().txtKey.stringValue(), "");
   EXPECT_EQ(outlets().txtTTL.stringValue(), "-1");
   EXPECT_EQ(outlets().txtTTL.toolTip(), "(Persist)");

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <algorithm>
+#include <condition_variable>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -11,11 +13,13 @@
 
 namespace tarn::test {
 
-// A server of four databases that takes everything, lists the keys "a", "b" and "c" of one type, and remembers each
-// request of a tab's own as one line of words.
+// A server of four databases that takes everything, lists the keys "a", "b" and "c", which are strings of their names
+// or of one type and value, and remembers each request of a tab's own as one line of words.
 class RecordingServer final {
 public:
   using Lines = std::vector<std::string>;
+
+  ~RecordingServer() { releaseScans(); }
 
   int port() const { return peer_.port(); }
 
@@ -26,12 +30,27 @@ public:
     value_ = std::move(value);
   }
 
-  // From the next command of this name on: an error, or the end of the connection.
-  void refuse(const std::string& command) { set(command, "-ERR refused\r\n"); }
-  void closeAt(const std::string& command) { set(command, ""); }
+  // From the next command of this name on: this reply, an error, or the end of the connection.
+  void reply(const std::string& command, std::string reply) {
+    const std::lock_guard lock(mutex_);
+    replies_[command] = std::move(reply);
+  }
+  void refuse(const std::string& command) { reply(command, "-ERR refused\r\n"); }
+  void closeAt(const std::string& command) { reply(command, ""); }
   void allow() {
     const std::lock_guard lock(mutex_);
     replies_.clear();
+  }
+
+  // A scan is answered when it is released.
+  void holdScans() {
+    const std::lock_guard lock(mutex_);
+    holdsScans_ = true;
+  }
+  void releaseScans() {
+    const std::lock_guard lock(mutex_);
+    holdsScans_ = false;
+    released_.notify_all();
   }
 
   // All since the last call.
@@ -41,12 +60,8 @@ public:
   }
 
 private:
-  void set(const std::string& command, std::string reply) {
-    const std::lock_guard lock(mutex_);
-    replies_[command] = std::move(reply);
-  }
-
-  std::string replyTo(const std::string& command) {
+  std::string replyTo(const Lines& words) {
+    const std::string& command = words.front();
     if (const auto special = replies_.find(command); special != replies_.end()) return special->second;
     if (command == "config") return "*2\r\n$9\r\ndatabases\r\n$1\r\n4\r\n";
     if (command == "scan") return "*2\r\n$1\r\n0\r\n*3\r\n$1\r\na\r\n$1\r\nb\r\n$1\r\nc\r\n";
@@ -54,7 +69,9 @@ private:
     if (command == "type") return "+" + type_ + "\r\n";
     if (command == "ttl") return ":-1\r\n";
     static const Lines reads{"get", "lrange", "sscan", "hscan", "zrange"};
-    if (std::find(reads.begin(), reads.end(), command) != reads.end()) return value_;
+    if (std::find(reads.begin(), reads.end(), command) != reads.end()) {
+      return value_.value_or("$" + std::to_string(words.at(1).size()) + "\r\n" + words.at(1) + "\r\n");
+    }
     return "+OK\r\n";
   }
 
@@ -65,10 +82,11 @@ private:
         line += (line.empty() ? "" : " ") + word;
       std::string reply;
       {
-        const std::lock_guard lock(mutex_);
-        static const Lines others{"info", "cluster", "config", "scan"};
+        std::unique_lock lock(mutex_);
+        static const Lines others{"info", "cluster", "config"};
         if (std::find(others.begin(), others.end(), words.front()) == others.end()) sent_.push_back(line);
-        reply = replyTo(words.front());
+        if (words.front() == "scan") released_.wait(lock, [this] { return !holdsScans_; });
+        reply = replyTo(words);
       }
       if (reply.empty()) return;
       at.send(reply);
@@ -77,9 +95,11 @@ private:
 
   std::mutex mutex_;
   std::string type_ = "string";
-  std::string value_ = "$5\r\nvalue\r\n";
+  std::optional<std::string> value_;
   std::map<std::string, std::string> replies_;
   Lines sent_;
+  bool holdsScans_ = false;
+  std::condition_variable released_;
   ScriptedServer peer_{[this](ScriptedServer::Peer& at, int) { serve(at); }};
 };
 

@@ -48,12 +48,20 @@ protected:
     edit(row, text);
     press(Qt::Key_Return);
   }
+  static void typeAndTakeBack() {
+    press(Qt::Key_End);
+    type("x");
+    press(Qt::Key_Backspace);
+  }
+  void leave() {
+    outlets.txtKey.becomeFirstResponder();
+    settle();
+  }
   void editBelow(int row, std::string_view text) {
     clickCell(table, row, GetParam().column);
     editor.becomeFirstResponder();
     replaceText(text);
-    outlets.txtKey.becomeFirstResponder();
-    settle();
+    leave();
   }
   NSTableCellView& cellOf(int row) { return cell(table, row, GetParam().column); }
 
@@ -84,46 +92,35 @@ TEST_P(RowEditingOfColumn, ADoubleClickOpensTheCellAndEnterCommitsIt) {
 TEST_P(RowEditingOfColumn, KeepsWhatIsTypedWhenTheFocusLeavesOrAnotherRowIsClicked) {
   showRows({"first"_bytes, "second"_bytes});
   edit(0, "left");
-  outlets.txtKey.becomeFirstResponder();
-  settle();
-  EXPECT_EQ(rows.data()[0], "left"_bytes);
+  leave();
   EXPECT_EQ(editor.string(), "left");
-
   edit(1, "clicked away");
   clickCell(table, 0, GetParam().column);
   EXPECT_EQ(rows.data(), (Rows{"left"_bytes, "clicked away"_bytes}));
   EXPECT_EQ(editor.string(), "left");
 }
 
-TEST_P(RowEditingOfColumn, TextWithoutAFormLeavesTheRowAsItWas) {
+// Wrong Base64 is told, and only when the focus leaves.
+TEST_P(RowEditingOfColumn, ATextThatStandsForNothingLeavesTheRowAsItWas) {
   outlets.popValueDataCharset.selectItemWithTitle("iso_8859_1");
   showRows({"a\nb"_bytes});
-  editAndConfirm(0, "中");
-  EXPECT_EQ(cellOf(0).stringValue(), "a\\nb");
-  EXPECT_EQ(rows.data()[0], "a\nb"_bytes);
-  edit(0, "中");
-  outlets.txtKey.becomeFirstResponder();
-  settle();
-  EXPECT_EQ(cellOf(0).stringValue(), "a\\nb");
-  EXPECT_EQ(texts(rows), (Texts{"a\nb"}));
-  EXPECT_EQ(alerts.messages(), Texts{});
+  const std::string what = GetParam().tag == 4 ? "Key" : "Value";
+  const std::pair<const char*, Texts> cases[] = {{"中", {}},
+                                                 {"\\Bqw=", {"Can not decode Base64 " + what + " '\\Bqw='"}}};
+  for (const auto& [typed, told] : cases) {
+    editAndConfirm(0, typed);
+    EXPECT_EQ(cellOf(0).stringValue(), "a\\nb");
+    EXPECT_EQ(alerts.messages(), Texts{});
+    edit(0, typed);
+    leave();
+    EXPECT_EQ(alerts.messages(), told);
+    EXPECT_EQ(cellOf(0).stringValue(), "a\\nb");
+    EXPECT_EQ(texts(rows), Texts{"a\nb"});
+    EXPECT_EQ(rows.data(), Rows{"a\nb"_bytes});
+  }
 }
 
-TEST_P(RowEditingOfColumn, WrongBase64IsToldOnlyWhenTheFocusLeaves) {
-  showRows({"old"_bytes});
-  editAndConfirm(0, "\\Bqw=");
-  EXPECT_EQ(cellOf(0).stringValue(), "old");
-  EXPECT_EQ(alerts.messages(), Texts{});
-  edit(0, "\\Bqw=");
-  outlets.txtKey.becomeFirstResponder();
-  settle();
-  const char* what = GetParam().tag == 4 ? "Key" : "Value";
-  EXPECT_EQ(alerts.messages(), (Texts{"Can not decode Base64 " + std::string(what) + " '\\Bqw='"}));
-  EXPECT_EQ(cellOf(0).stringValue(), "old");
-  EXPECT_EQ(rows.data()[0], "old"_bytes);
-}
-
-TEST_P(RowEditingOfColumn, MarkedBase64IsBytesInAnyCharset) {
+TEST_P(RowEditingOfColumn, Base64IsBytesInAnyCharset) {
   outlets.popValueDataCharset.selectItemWithTitle("iso_8859_1");
   showRows({"old"_bytes});
   editAndConfirm(0, "\\Bqw==");
@@ -131,9 +128,7 @@ TEST_P(RowEditingOfColumn, MarkedBase64IsBytesInAnyCharset) {
   EXPECT_EQ(rows.row(0), (RowText{"\\Bqw==", true}));
   tab->tables.changeCharset(table);
   EXPECT_EQ(cellOf(0).stringValue(), "«");
-}
 
-TEST_P(RowEditingOfColumn, ACellOfBase64EmptiesItsRow) {
   outlets.popValueDataCharset.selectItemWithTitle("Base64");
   showRows({"old"_bytes, "kept"_bytes});
   editAndConfirm(0, "ab");
@@ -158,44 +153,23 @@ TEST_P(RowEditingOfColumn, ACellThatNoHandChangedCommitsNothing) {
     ASSERT_TRUE(editorOf(table));
     press(Qt::Key_Return);
     open(row);
-    outlets.txtKey.becomeFirstResponder();
-    settle();
+    leave();
     open(row);
     type("x");
     press(Qt::Key_Escape);
     open(row);
-    press(Qt::Key_End);
-    type("x");
-    press(Qt::Key_Backspace);
+    typeAndTakeBack();
     press(Qt::Key_Return);
     open(row);
-    press(Qt::Key_End);
-    type("x");
-    press(Qt::Key_Backspace);
-    outlets.txtKey.becomeFirstResponder();
+    typeAndTakeBack();
+    leave();
     editor.becomeFirstResponder();
-    type("x");
-    press(Qt::Key_Backspace);
-    outlets.txtKey.becomeFirstResponder();
-    settle();
+    typeAndTakeBack();
+    leave();
   }
   tab->editing.commitAllEditableCells();
   EXPECT_EQ(rows.data(), before);
   EXPECT_EQ(alerts.messages(), Texts{});
-}
-
-TEST_P(RowEditingOfColumn, EscapesAreReadAsTheyWereTyped) {
-  outlets.chkTranslate.setState(false);
-  showRows({"a"_bytes, "b"_bytes});
-  editAndConfirm(0, "x\\ny");
-  EXPECT_EQ(rows.data()[0], "x\\ny"_bytes);
-  edit(1, "p\\nq");
-  outlets.chkTranslate.setState(true);
-  tab->editing.endCellEdits(false);
-  tab->tables.reloadAllTables();
-  settle();
-  EXPECT_EQ(rows.data()[1], "p\\nq"_bytes);
-  EXPECT_EQ(cellOf(1).stringValue(), "p\\\\nq");
 }
 
 TEST_P(RowEditingOfColumn, AnEndedEditLapsesWhenTheRowsWereRebuilt) {
@@ -213,6 +187,12 @@ TEST_P(RowEditingOfColumn, AnEndedEditLapsesWhenTheRowsWereRebuilt) {
 
 TEST_P(RowEditingOfColumn, TheEditorChangesTheSelectedRow) {
   showRows({"a"_bytes, "b"_bytes});
+  editor.becomeFirstResponder();
+  type("nowhere");
+  leave();
+  EXPECT_EQ(rows.data(), (Rows{"a"_bytes, "b"_bytes}));
+  EXPECT_EQ(state.currentDataRow, -1);
+
   editBelow(1, "x\\ny");
   EXPECT_EQ(rows.data(), (Rows{"a"_bytes, "x\\ny"_bytes}));
   EXPECT_EQ(cellOf(1).stringValue(), "x\\\\ny");
@@ -229,30 +209,20 @@ TEST_P(RowEditingOfColumn, TheEditorChangesTheSelectedRow) {
 }
 
 TEST_P(RowEditingOfColumn, AnEditorWhoseTextStandsForNothingKeepsIt) {
-  outlets.popValueDataCharset.selectItemWithTitle("iso_8859_1");
+  struct Case {
+    const char* title;
+    const char* typed;
+    const char* shown;
+  };
   showRows({"old"_bytes});
-  editBelow(0, "中");
-  EXPECT_EQ(editor.string(), "中");
-  EXPECT_EQ(rows.data()[0], "old"_bytes);
-  EXPECT_EQ(cellOf(0).stringValue(), "old");
-  editBelow(0, "\\B!");
-  EXPECT_EQ(rows.data()[0], "old"_bytes);
-
-  outlets.popValueDataCharset.selectItemWithTitle("Base64");
-  editBelow(0, "qw==");
-  EXPECT_EQ(editor.string(), "\\Bb2xk");
-  EXPECT_EQ(rows.data()[0], "old"_bytes);
-  EXPECT_EQ(alerts.messages(), Texts{});
-}
-
-TEST_P(RowEditingOfColumn, AnEditorWithoutARowChangesNothing) {
-  showRows({"a"_bytes});
-  editor.becomeFirstResponder();
-  type("nowhere");
-  outlets.txtKey.becomeFirstResponder();
-  settle();
-  EXPECT_EQ(rows.data(), (Rows{"a"_bytes}));
-  EXPECT_EQ(state.currentDataRow, -1);
+  for (const auto& [title, typed, shown] :
+       {Case{"iso_8859_1", "中", "中"}, Case{"iso_8859_1", "\\B!", "\\B!"}, Case{"Base64", "qw==", "\\Bb2xk"}}) {
+    outlets.popValueDataCharset.selectItemWithTitle(title);
+    editBelow(0, typed);
+    EXPECT_EQ(editor.string(), shown);
+    EXPECT_EQ(rows.data(), Rows{"old"_bytes});
+    EXPECT_EQ(alerts.messages(), Texts{});
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(, RowEditingOfColumn, ::testing::ValuesIn(columns),
@@ -355,7 +325,7 @@ TEST_F(RowEditingTest, TheScoreEditorChangesTheRowThatItShowed) {
   EXPECT_EQ(state.sortedSetScore, (Texts{"8", "7"}));
 }
 
-TEST_F(RowEditingTest, TheSweepTakesWhatIsTypedWithoutAnEndOfTheEdit) {
+TEST_F(RowEditingTest, TheSweepTakesWhatIsTypedAndGoesOnOverRowsThatChangeBehindAnAlert) {
   showSortedSet({"a"_bytes, "b"_bytes}, {"1", "2"});
   openCell(sortedSetTable, 0, 0);
   replaceText("A");
@@ -365,9 +335,7 @@ TEST_F(RowEditingTest, TheSweepTakesWhatIsTypedWithoutAnEndOfTheEdit) {
   replaceText("3");
   tab->editing.commitAllEditableCells();
   EXPECT_EQ(state.sortedSetScore, (Texts{"1", "3"}));
-}
 
-TEST_F(RowEditingTest, TheSweepGoesOnOverRowsThatChangeBehindAnAlert) {
   showHash({"f"_bytes, "g"_bytes}, {"v"_bytes, "w"_bytes});
   openCell(hashTable, 1, 0);
   replaceText("\\B!");

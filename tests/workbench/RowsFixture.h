@@ -7,9 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/appkit/TableViewWidget.h"
 #include "tests/support/AlertRecorder.h"
-#include "tests/support/widgets/Hand.h"
+#include "tests/workbench/TableHands.h"
 #include "workbench/RowActions.h"
 #include "workbench/RowEditing.h"
 #include "workbench/ValuePanes.h"
@@ -62,28 +61,8 @@ protected:
     showPane("SortedSet");
   }
 
-  static TableViewWidget& widgetOf(const NSTableView& table) {
-    return dynamic_cast<TableViewWidget&>(*table.widget());
-  }
-  static void clickCell(const NSTableView& table, int row, int column, Qt::MouseButton button = Qt::LeftButton,
-                        Qt::KeyboardModifiers modifiers = {}) {
-    click(*widgetOf(table).viewport(), widgetOf(table).cellRect(row, column).center(), button, modifiers);
-  }
-  static void openCell(const NSTableView& table, int row, int column) {
-    doubleClick(*widgetOf(table).viewport(), widgetOf(table).cellRect(row, column).center());
-  }
-  // The text field of the open cell, or nothing.
-  static TextFieldWidget* editorOf(const NSTableView& table) {
-    auto* editor = widgetOf(table).viewport()->findChild<TextFieldWidget*>();
-    return editor && editor->isVisible() ? editor : nullptr;
-  }
   static NSTableCellView& cell(NSTableView& table, int row, int column) {
     return *table.viewAtColumn(column, row, true);
-  }
-  static void replaceText(std::string_view text) {
-    press(Qt::Key_A, Qt::ControlModifier);
-    press(Qt::Key_Delete);
-    type(text);
   }
   static Texts texts(const ValueColumn& rows) {
     Texts result;

@@ -65,6 +65,16 @@ protected:
     waitUntilIdle();
   }
 
+  // By a hand, in the pop-up's list.
+  static void chooseTitle(NSPopUpButton& popUp, const std::string& title) {
+    const int before = popUp.indexOfSelectedItem();
+    popUp.selectItemWithTitle(title);
+    const int index = popUp.indexOfSelectedItem();
+    popUp.selectItemAtIndex(before);
+    ASSERT_GE(index, 0) << title;
+    choose(*popUp.widget(), index);
+  }
+
   static std::vector<std::string> texts(NSTableView& table, int column) {
     std::vector<std::string> result;
     for (int row = 0; row < table.numberOfRows(); ++row) {
