@@ -1,5 +1,7 @@
 #include "platform/appkit/TextFieldWidget.h"
 
+#include "platform/appkit/FocusChange.h"
+
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPointer>
@@ -129,6 +131,8 @@ void TextFieldWidget::focusInEvent(QFocusEvent* event) {
 
 void TextFieldWidget::focusOutEvent(QFocusEvent* event) {
   const QPointer<TextFieldWidget> self(this);
+  // What is selected in a field without the keyboard looks as if the next key replaced it.
+  if (!leavesForMoment(*event)) setSelection(caret(), caret());
   TextInputWidget::focusOutEvent(event);
   if (self) showCaret();
 }
@@ -235,7 +239,7 @@ void TextFieldWidget::paintEvent(QPaintEvent*) {
   }
   const QRect area = contents();
   painter.setClipRect(area.adjusted(-margin, 0, margin, 0));
-  drawPlaceholder(painter, area.adjusted(0, 1, 0, 0));
+  drawPlaceholder(painter, area.adjusted(0, 1, 0, 0), false);
   double x = area.x() - offset_;
   for (TextStore::Block block = leftBlock();; block = store().next(block)) {
     const auto layout = layoutBlock(block, {});

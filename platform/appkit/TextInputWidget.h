@@ -134,7 +134,8 @@ protected:
   double caretX(const BlockLayout& layout, const TextStore::Block& block, std::size_t position) const;
   void drawBlock(QPainter& painter, const QPointF& top, const BlockLayout& layout, const TextStore::Block& block) const;
   void drawCaret(QPainter& painter) const;
-  void drawPlaceholder(QPainter& painter, const QRect& rect) const;
+  // In one line, cut where the space ends; or in as many as it takes.
+  void drawPlaceholder(QPainter& painter, const QRect& rect, bool wraps) const;
 
 private:
   // Asks, and answers whether the change may go on: the answer may have been no, or whoever was asked has set the text

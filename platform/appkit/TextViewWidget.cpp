@@ -365,7 +365,7 @@ void TextViewWidget::paintEvent(QPaintEvent* event) {
     painter.drawRect(rect().adjusted(0, 0, -1, -1));
   }
   painter.setClipRect(area.adjusted(-1, -1, margin, margin));
-  drawPlaceholder(painter, area);
+  drawPlaceholder(painter, area, true);
   const Row top = rowOf(top_);
   int y = area.y() - top.row * rowHeight();
   for (TextStore::Block block = top.block;; block = store().next(block)) {

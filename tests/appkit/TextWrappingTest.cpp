@@ -150,4 +150,22 @@ TEST_F(TextWrapping, EndsARowThatWouldNeverBeFull) {
   EXPECT_EQ(view.caret(), view.textLength());
 }
 
+TEST_F(TextWrapping, WrapsThePlaceholderOfAnEmptyView) {
+  const auto lastRowDrawn = [this] {
+    const QImage image = view.grab(area()).toImage();
+    int last = -1;
+    for (int y = 0; y < image.height(); ++y) {
+      // Beside the caret.
+      for (int x = 4; x < image.width(); ++x) {
+        if (image.pixel(x, y) != image.pixel(image.width() - 1, image.height() - 1)) last = y / rowHeight();
+      }
+    }
+    return last;
+  };
+  view.setPlaceholderText(QStringLiteral("Nothing to show."));
+  EXPECT_EQ(lastRowDrawn(), 0);
+  view.setPlaceholderText(QStringLiteral("Nothing to show. ").repeated(8));
+  EXPECT_GT(lastRowDrawn(), 0);
+}
+
 }  // namespace tarn::test
