@@ -83,8 +83,8 @@ void ConsolePane::runPastedLine(std::string_view line) {
 }
 
 void ConsolePane::runTypedLine() {
-  // With the blank that ends the prompt, which means nothing.
-  const std::string command = outlets_.txtViewCli.substringFromIndex(txtViewCLiCurrentReadOnlyLen_ - 1);
+  // Without the blank that ends the prompt: it means nothing, and a translated one may end in something else.
+  const std::string command = outlets_.txtViewCli.substringFromIndex(txtViewCLiCurrentReadOnlyLen_);
   logCommand(command);
   if (state_.server) {
     const std::string result = reply(command);
