@@ -210,19 +210,19 @@ TEST_F(ConnectionFormTest, AnEditNeedsExactlyOneServer) {
   store("local", 1);
   store("other", 2);
   openWindow();
-  click(*window().outlets().btnEdit.widget());
-  window().outlets().serverSelection.selectRowIndexes({0}, false);
-  click(*window().outlets().btnEdit.widget());
-  window().outlets().serverSelection.selectRowIndexes({1, 2}, false);
-  click(*window().outlets().btnEdit.widget());
+  const auto edit = [this](const std::vector<int>& rows) {
+    window().outlets().serverSelection.selectRowIndexes(rows, false);
+    click(*window().outlets().btnEdit.widget());
+  };
+  for (const auto& rows : {std::vector<int>{}, {0}, {1, 2}})
+    edit(rows);
   EXPECT_FALSE(controller());
   const std::string message =
       "To Edit Connection, you should choose one and only one connection In the 'My Favourite' list. And not db.";
-  EXPECT_EQ(alerts.messages(), (Texts{message, message, message}));
+  EXPECT_EQ(alerts.messages(), Texts(3, message));
   EXPECT_EQ(alerts.shown()[0].style, static_cast<int>(NSAlert::Style::informational));
   // The root doesn't count beside it.
-  window().outlets().serverSelection.selectRowIndexes({0, 1}, false);
-  click(*window().outlets().btnEdit.widget());
+  edit({0, 1});
   EXPECT_TRUE(isOpen());
 }
 

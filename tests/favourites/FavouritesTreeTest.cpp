@@ -41,28 +41,13 @@ TEST_F(FavouritesTreeTest, ShowsStatusByIconAndDatabasesWithTheirCounts) {
   EXPECT_EQ(tree.viewForItem(db).toolTip, "db3");
   EXPECT_EQ(tree.viewForItem(db).image.name(), "db");
   EXPECT_FALSE(tree.isItemExpandable(db));
-}
 
-TEST_F(FavouritesTreeTest, AListThatIsReplacedWhileItIsReadStaysWhole) {
-  MainLayout layout;
-  const auto root = std::make_shared<MyFavouriteItem>();
-  const auto server = makeServer("local", 1);
+  // A list that is replaced while it is read stays whole.
   server->setDbs({std::make_shared<DbItem>(0, server), std::make_shared<DbItem>(1, server)});
-  FavouritesTree tree(layout.serverSelection, root);
-
   ASSERT_EQ(tree.numberOfChildrenOfItem(server), 2);
   server->setDbs({});
   EXPECT_NE(tree.childOfItem(1, server), nullptr);
   EXPECT_EQ(tree.numberOfChildrenOfItem(server), 0);
-}
-
-TEST_F(FavouritesTreeTest, ShowsFavouritesOfTheStoreCollapsedAndConnectsNothing) {
-  store("one", 1);
-  store("two", 2);
-  openWindow();
-  EXPECT_EQ(rows(), (Texts{"My Favourite", "one", "two"}));
-  EXPECT_EQ(tabLabels(), Texts());
-  EXPECT_EQ(server(0)->operationQueue().operationCount(), 0U);
 }
 
 TEST_F(FavouritesTreeTest, WithoutASelectedServerEachCommandSaysWhatItNeeds) {
@@ -70,17 +55,15 @@ TEST_F(FavouritesTreeTest, WithoutASelectedServerEachCommandSaysWhatItNeeds) {
   EXPECT_EQ(rows(), Texts{"My Favourite"});
   clickRow(0);
   auto& outlets = window().outlets();
-  click(*outlets.btnConn.widget());
-  click(*outlets.btnClose.widget());
-  click(*outlets.btnRem.widget());
-  EXPECT_EQ(
-      alerts.messages(),
-      (Texts{"To (Re)Connect Selected Connection, you should choose one or more than one connection(s) In the 'My "
-             "Favourite' list. And not db.",
-             "To Close Selected Connection, you should choose one or more than one connection(s) In the 'My "
-             "Favourite' list. And not db.",
-             "To Remove Selected Connection, you should choose one or more than one connection(s) In the 'My "
-             "Favourite' list. And not db."}));
+  Texts needs;
+  for (const auto& [button, what] : {std::pair(&outlets.btnConn, "(Re)Connect"), std::pair(&outlets.btnClose, "Close"),
+                                     std::pair(&outlets.btnRem, "Remove")}) {
+    click(*button->widget());
+    needs.push_back(std::string("To ") + what +
+                    " Selected Connection, you should choose one or more than one connection(s) In the 'My Favourite' "
+                    "list. And not db.");
+  }
+  EXPECT_EQ(alerts.messages(), needs);
   for (const auto& alert : alerts.shown())
     EXPECT_EQ(alert.style, static_cast<int>(NSAlert::Style::informational));
   EXPECT_EQ(tabLabels(), Texts());

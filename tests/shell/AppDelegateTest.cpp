@@ -81,20 +81,6 @@ using Names = std::vector<std::string>;
 
 }  // namespace
 
-TEST_F(AppDelegateTest, IsSharedAndTheHostOfTheStoreWhileItLives) {
-  EXPECT_EQ(AppDelegate::shared(), nullptr);
-  {
-    AppDelegate delegate;
-    EXPECT_EQ(AppDelegate::shared(), &delegate);
-    EXPECT_EQ(StoreHost::installed(), &delegate);
-    ASSERT_TRUE(delegate.managedObjectModel());
-    EXPECT_EQ(delegate.managedObjectModel()->entities().size(), 2U);
-    EXPECT_EQ(&delegate.context(), &delegate.persistentContainer().viewContext());
-  }
-  EXPECT_EQ(AppDelegate::shared(), nullptr);
-  EXPECT_EQ(StoreHost::installed(), nullptr);
-}
-
 TEST_F(AppDelegateTest, AMissingOrEmptyStoreIsAFirstStart) {
   EXPECT_EQ(favouritesOfANewStart(), Names());
   writeStoreFile("");

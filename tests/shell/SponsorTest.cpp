@@ -61,15 +61,7 @@ TEST_F(Sponsoring, AButtonPaysTheProductOfItsNumberOnceTheStoreOffersIt) {
   EXPECT_TRUE(alerts.shown().empty());
 }
 
-TEST_F(Sponsoring, ARefusedRequestIsTold) {
-  StandInStore store;
-  open();
-  store.answer(SKError{"The shop is closed."});
-  settle();
-  EXPECT_EQ(alerts.messages(), Texts{"The shop is closed."});
-}
-
-TEST_F(Sponsoring, TheItemAgainMakesAFreshWindowThatAloneIsTold) {
+TEST_F(Sponsoring, TheItemAgainMakesAFreshWindowThatAloneIsToldOfARefusal) {
   StandInStore store;
   open();
   const auto before = store.answer;
@@ -79,6 +71,9 @@ TEST_F(Sponsoring, TheItemAgainMakesAFreshWindowThatAloneIsTold) {
   before(SKError{"The shop is closed."});
   settle();
   EXPECT_TRUE(alerts.shown().empty());
+  store.answer(SKError{"The shop is closed."});
+  settle();
+  EXPECT_EQ(alerts.messages(), Texts{"The shop is closed."});
   EXPECT_TRUE(form().window.isVisible());
 }
 

@@ -104,10 +104,6 @@ void grab(QWidget& widget, const std::string& name) {
   widget.grab().save(QStringLiteral("pictures/%1.png").arg(QString::fromStdString(name)));
 }
 
-QWidget* topModal() {
-  return QApplication::activeModalWidget();
-}
-
 QWidget* openPopUp() {
   return QApplication::activePopupWidget();
 }
@@ -115,7 +111,7 @@ QWidget* openPopUp() {
 void whenModal(std::function<void(QWidget& modal)> action) {
   auto* timer = new QTimer(QApplication::instance());
   QObject::connect(timer, &QTimer::timeout, [timer, action = std::move(action)] {
-    QWidget* modal = topModal();
+    QWidget* modal = QApplication::activeModalWidget();
     if (!modal || !modal->isVisible() || QApplication::activeWindow() != modal) return;
     timer->stop();
     timer->deleteLater();

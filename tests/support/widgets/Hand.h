@@ -38,10 +38,6 @@ bool waitUntil(const std::function<bool()>& done, std::chrono::milliseconds limi
 
 // The descendant of this object name; a test that asks for one that isn't there ends.
 QWidget& named(const QWidget& root, const char* objectName);
-template <typename Widget>
-Widget& namedAs(const QWidget& root, const char* objectName) {
-  return dynamic_cast<Widget&>(named(root, objectName));
-}
 
 // Shows a widget as a window of this size, and waits until it has the keyboard.
 void show(QWidget& widget, QSize size = {});
@@ -49,8 +45,7 @@ void show(QWidget& widget, QSize size = {});
 // A picture of the widget, saved as a PNG of this name under "pictures" in the current folder.
 void grab(QWidget& widget, const std::string& name);
 
-// The modal window on top, or the open menu or list; nothing where there is none.
-QWidget* topModal();
+// The open menu or list; nothing where there is none.
 QWidget* openPopUp();
 
 // Runs once, as soon as a modal window is up: call it before the code that raises one and waits for it.
