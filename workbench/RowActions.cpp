@@ -28,9 +28,14 @@ void RowActions::setMenu(NSTableView& table, std::string title) {
 }
 
 void RowActions::forEachShownTable(const std::function<void(NSTableView& table)>& act) {
-  if (!outlets_.valueDataSetScrollView.isHidden()) act(outlets_.valueDataSetTable);
-  if (!outlets_.valueDataHashScrollView.isHidden()) act(outlets_.valueDataHashTable);
-  if (!outlets_.valueDataSortedSetScrollView.isHidden()) act(outlets_.valueDataSortedSetTable);
+  // Behind an alert of one another pane may come on show, and the tab may go.
+  const std::shared_ptr<void> tab = queue_.tab();
+  std::vector<NSTableView*> shown;
+  if (!outlets_.valueDataSetScrollView.isHidden()) shown.push_back(&outlets_.valueDataSetTable);
+  if (!outlets_.valueDataHashScrollView.isHidden()) shown.push_back(&outlets_.valueDataHashTable);
+  if (!outlets_.valueDataSortedSetScrollView.isHidden()) shown.push_back(&outlets_.valueDataSortedSetTable);
+  for (NSTableView* const table : shown)
+    act(*table);
 }
 
 void RowActions::deleteSelectedRows() {
