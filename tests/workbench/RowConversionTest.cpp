@@ -73,13 +73,6 @@ TEST(SaveValidation, ReadsATtl) {
   EXPECT_EQ(ttlFromText("9223372036854775807"), std::numeric_limits<std::int64_t>::max());
 }
 
-TEST(SaveValidation, AsksForRowsOfEachType) {
-  EXPECT_EQ(alertOfRows("Set", 0, {}), "Set Can Not be Empty. If you want to remove this set click 'Delete'.");
-  EXPECT_EQ(alertOfRows("List", 0, {}), "List Can Not be Empty. If you want to remove this list click 'Delete'.");
-  EXPECT_EQ(alertOfRows("Hash", 0, {}), "Hash Can Not be Empty. If you want to remove this hash click 'Delete'.");
-  EXPECT_EQ(alertOfRows("List", 1, {""}), std::nullopt);
-}
-
 TEST(SaveValidation, ReadsAStringAsItStands) {
   EXPECT_EQ(stringDataFromText("a\\n\\Bqw==", "utf8").value(), "a\\n\\Bqw=="_bytes);
   EXPECT_EQ(stringDataFromText("1tA=", "Base64").value(), "\xD6\xD0"_bytes);
