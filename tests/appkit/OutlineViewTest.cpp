@@ -11,6 +11,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -71,12 +72,11 @@ protected:
   }
   bool shouldShowOutlineCellForItem(const NSItem& item) override { return known(item).level == 1; }
   double heightOfRowByItem(const NSItem&) override { return 24.0; }
-  bool shouldExpandItem(const NSItem& item) override {
-    log.push_back("expand " + known(item).name);
-    return allows;
-  }
-  bool shouldSelectItem(const NSItem& item) override {
-    log.push_back("select " + known(item).name);
+  bool shouldExpandItem(const NSItem& item) override { return answer("expand ", item); }
+  bool shouldSelectItem(const NSItem& item) override { return answer("select ", item); }
+  bool answer(const char* question, const NSItem& item) {
+    log.push_back(question + known(item).name);
+    if (whenAsked) whenAsked();
     return allows;
   }
 
@@ -100,6 +100,7 @@ protected:
   std::shared_ptr<Item> second;
   Log log;
   bool allows = true;
+  std::function<void()> whenAsked;
   int questions = 0;
   QWidget window;
   OutlineViewWidget* widget = new OutlineViewWidget;
@@ -264,24 +265,11 @@ TEST_F(OutlineView, HoldsItsItemsAndAsksForNoChildrenWhilePainting) {
 }
 
 TEST_F(OutlineView, SurvivesADelegateThatReloadsWhenAsked) {
-  struct Reloader final : NSOutlineViewDelegate {
-    NSOutlineCell viewForItem(const NSItem&) override { return {}; }
-    bool shouldShowOutlineCellForItem(const NSItem&) override { return true; }
-    double heightOfRowByItem(const NSItem&) override { return 24; }
-    bool shouldExpandItem(const NSItem&) override { return change(); }
-    bool shouldSelectItem(const NSItem&) override { return change(); }
-    bool change() const {
-      root->children.erase(root->children.begin());
-      outline->reloadData();
-      return true;
-    }
-    Item* root = nullptr;
-    NSOutlineView* outline = nullptr;
-  } reloader;
   addServers();
-  reloader.root = root.get();
-  reloader.outline = &outline;
-  outline.setDelegate(&reloader);
+  whenAsked = [&] {
+    root->children.erase(root->children.begin());
+    outline.reloadData();
+  };
   click(rows(), text(first));
   EXPECT_TRUE(selected().empty());
   EXPECT_EQ(shown(), "root second ");

@@ -107,7 +107,7 @@ TEST_F(TableEditing, StaysOpenUnderAnInactiveWindowAMenuAPopUpOrAButton) {
   choose(*box, 1);
   click(*button);
   EXPECT_TRUE(isOpen());
-  EXPECT_TRUE(editor().hasFocus());
+  EXPECT_TRUE(waitUntil([&] { return editor().hasFocus(); }));
   EXPECT_EQ(take(), Log{});
   EXPECT_EQ(cell(1, 0).stringValue(), "x");
 

@@ -1,15 +1,10 @@
 #include "tests/appkit/TableFixture.h"
 
 #include "platform/appkit/CellText.h"
-#include "platform/appkit/NSMenu.h"
 
 #include <QAccessible>
-#include <QContextMenuEvent>
 #include <QFontMetrics>
-#include <QMenu>
-#include <QTest>
 
-#include <memory>
 #include <utility>
 
 namespace tarn::test {
@@ -118,25 +113,6 @@ TEST_F(TableView, MovesTheSelectionByKeyboard) {
   take();
   press(Qt::Key_Down);
   EXPECT_EQ(take(), Log{});
-}
-
-TEST_F(TableView, RightClickSelectsTheRowAndOpensTheMenu) {
-  auto menu = std::make_shared<NSMenu>("Rows");
-  menu->addItem("Add Row", [this] { log.push_back("add"); });
-  table.setMenu(menu);
-  fill(5);
-  for (const QPoint place : {at(3, 0), QPoint(30, 150)}) {
-    QTest::mousePress(&cells(), Qt::RightButton, {}, place);
-    QContextMenuEvent event(QContextMenuEvent::Mouse, place, cells().mapToGlobal(place));
-    QApplication::sendEvent(&cells(), &event);
-    auto* opened = dynamic_cast<QMenu*>(openPopUp());
-    ASSERT_NE(opened, nullptr);
-    EXPECT_EQ(table.selectedRow(), 3);
-    opened->actions().front()->trigger();
-    opened->close();
-    settle();
-  }
-  EXPECT_EQ(take(), (Log{"changing 3", "changed 3", "add", "add"}));
 }
 
 TEST_F(TableView, ColumnsHaveTheirWidthsAndLimits) {
