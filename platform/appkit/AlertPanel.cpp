@@ -61,6 +61,7 @@ public:
       setFont(bold);
     }
     setPlainText(text);
+    setAccessibleName(text);
     setFixedSize(textWidth, fittingHeight());
   }
 

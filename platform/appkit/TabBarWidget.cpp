@@ -48,7 +48,7 @@ QColor mixed(const QColor& one, const QColor& other, double share) {
 }  // namespace
 
 TabBarWidget::TabBarWidget(QWidget* parent) : QTabBar(parent) {
-  setFocusPolicy(Qt::TabFocus);
+  setFocusPolicy(Qt::NoFocus);
   setUsesScrollButtons(true);
   setExpanding(false);
   setElideMode(Qt::ElideLeft);
@@ -117,6 +117,17 @@ bool TabBarWidget::event(QEvent* event) {
   const int index = tabAt(help->pos());
   if (index >= 0) showPlainToolTip(help->globalPos(), tabToolTip(index), this);
   return true;
+}
+
+// A bar without tabs would be a stop of the Tab key with nothing to see or do.
+void TabBarWidget::tabInserted(int index) {
+  setFocusPolicy(Qt::TabFocus);
+  QTabBar::tabInserted(index);
+}
+
+void TabBarWidget::tabRemoved(int index) {
+  if (count() == 0) setFocusPolicy(Qt::NoFocus);
+  QTabBar::tabRemoved(index);
 }
 
 }  // namespace tarn

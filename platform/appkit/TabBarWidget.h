@@ -25,6 +25,8 @@ protected:
   QSize minimumTabSizeHint(int index) const override;
   void paintEvent(QPaintEvent* event) override;
   bool event(QEvent* event) override;
+  void tabInserted(int index) override;
+  void tabRemoved(int index) override;
 
 private:
   void paintTab(QPainter& painter, int index) const;
