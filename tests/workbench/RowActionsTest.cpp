@@ -131,15 +131,17 @@ TEST_F(RowActionsTest, TextBeingTypedGoesWithItsRow) {
 
 TEST_F(RowActionsTest, TheMenuOfATableAddsAndDeletes) {
   struct Case {
+    const char* type;
     NSTableView& table;
     const char* title;
   };
   showList({"a"_bytes, "b"_bytes});
   showHash({"a"_bytes, "b"_bytes}, {"a"_bytes, "b"_bytes});
   showSortedSet({"a"_bytes, "b"_bytes}, {"1", "2"});
-  for (const auto& [table, title] : {Case{setTable, "SetTable快捷菜单"}, Case{hashTable, "HashTable快捷菜单"},
-                                     Case{sortedSetTable, "SortedSet快捷菜单"}}) {
-    showPane(&table == &setTable ? "Set" : &table == &hashTable ? "Hash" : "SortedSet");
+  for (const auto& [type, table, title] :
+       {Case{"Set", setTable, "SetTable快捷菜单"}, Case{"Hash", hashTable, "HashTable快捷菜单"},
+        Case{"SortedSet", sortedSetTable, "SortedSet快捷菜单"}}) {
+    showPane(type);
     const auto choose = [&](const char* item) {
       clickCell(table, 1, 0, Qt::RightButton);
       QWidget* cells = widgetOf(table).viewport();
