@@ -35,6 +35,21 @@ Texts bulks(const std::string& reply) {
   return found;
 }
 
+// A server keeps the members of a set, and the fields of a hash, in an order of its own: pairs stay together.
+Texts inOneOrder(const std::string& type, const Texts& value) {
+  if (type == "list") return value;
+  std::vector<Texts> rows;
+  const std::size_t width = type == "set" ? 1 : 2;
+  for (std::size_t i = 0; i + width <= value.size(); i += width)
+    rows.emplace_back(value.begin() + static_cast<std::ptrdiff_t>(i),
+                      value.begin() + static_cast<std::ptrdiff_t>(i + width));
+  std::sort(rows.begin(), rows.end());
+  Texts ordered;
+  for (const Texts& row : rows)
+    ordered.insert(ordered.end(), row.begin(), row.end());
+  return ordered;
+}
+
 class SavingBytesTest : public TabFixture {
 protected:
   // Makes "key" anew on the server.
@@ -147,7 +162,7 @@ TEST_F(SavingBytesTest, AskBeforeTheyWriteOtherBytesThanTheValueHolds) {
     Texts before = stored(type);
     save();
     EXPECT_EQ(alerts.messages(), Texts{"Saved."}) << type;
-    EXPECT_EQ(stored(type), before) << type;
+    EXPECT_EQ(inOneOrder(type, stored(type)), inOneOrder(type, before)) << type;
 
     Texts all = calmRows();
     all.insert(all.end(), rows.begin(), rows.end());
@@ -165,9 +180,7 @@ TEST_F(SavingBytesTest, AskBeforeTheyWriteOtherBytesThanTheValueHolds) {
     EXPECT_EQ(alerts.shown()[0].message,
               "The text of " + count + " row(s) stands for other bytes than the value holds.");
     Texts after = stored(type);
-    EXPECT_EQ(std::multiset<std::string>(after.begin(), after.end()),
-              std::multiset<std::string>(before.begin(), before.end()))
-        << type;
+    EXPECT_EQ(inOneOrder(type, after), inOneOrder(type, before)) << type;
 
     load();
     alerts.answerNext(1002);
@@ -177,9 +190,7 @@ TEST_F(SavingBytesTest, AskBeforeTheyWriteOtherBytesThanTheValueHolds) {
     save();
     Texts expected = converted(before);
     after = stored(type);
-    EXPECT_EQ(std::multiset<std::string>(after.begin(), after.end()),
-              std::multiset<std::string>(expected.begin(), expected.end()))
-        << type;
+    EXPECT_EQ(inOneOrder(type, after), inOneOrder(type, expected)) << type;
     // What was converted is so now, though its text is on show as it was.
     save();
     EXPECT_EQ(alerts.messages(), Texts{"Saved."}) << type;
@@ -191,8 +202,7 @@ TEST_F(SavingBytesTest, AskBeforeTheyWriteOtherBytesThanTheValueHolds) {
     save();
     EXPECT_EQ(alerts.messages(), Texts{"Saved."}) << type;
     after = stored(type);
-    EXPECT_EQ(std::multiset<std::string>(after.begin(), after.end()),
-              std::multiset<std::string>(before.begin(), before.end()));
+    EXPECT_EQ(inOneOrder(type, after), inOneOrder(type, before));
     outlets().popValueDataCharset.selectItemWithTitle("utf8");
   }
 }
@@ -297,13 +307,20 @@ struct Row {
 
 // Typed into the editor under the table.
 void typeInEditor(const Model& model, const std::string& typed, Row& row) {
+  // What is shown anyway is no change.
+  if (typed == row.text) return;
   std::optional<std::string> bytes;
   if (typed.starts_with("\\B")) {
     bytes = Model::plain(base64ToBytes(typed.substr(2)));
   } else if (!model.isBase64()) {
     bytes = model.encoded(typed);
   }
-  row = bytes ? Row{typed, *bytes} : Row{model.textOf(row.bytes), row.bytes};
+  if (bytes) {
+    row = {typed, *bytes};
+  } else {
+    // Made from the bytes again, under utf8 where the title is no charset.
+    row.text = rowDisplayText(row.bytes, model.isBase64() && typed.starts_with("\\B") ? "utf8" : model.title).text;
+  }
 }
 
 class RandomRows final {
@@ -347,13 +364,18 @@ private:
 };
 
 TEST_F(SavingBytesTest, LoadEditSaveAndReloadFollowTheRules) {
-  const char* asked = std::getenv("TARN_SAVE_CASES");
-  const int cases = asked ? std::atoi(asked) : 300;
+  const auto numberIn = [](const char* variable, int otherwise) {
+    const char* text = std::getenv(variable);
+    return text ? std::atoi(text) : otherwise;
+  };
+  // A case that failed is run again by its number.
+  const int first = numberIn("TARN_SAVE_FIRST", 0);
+  const int end = first + numberIn("TARN_SAVE_CASES", 300);
   make("list", {"x"});
   openKey();
   const std::vector<std::string> titles = charsetTitles();
   const Texts types{"list", "set", "hash", "zset"};
-  for (int number = 0; number < cases; ++number) {
+  for (int number = first; number < end; ++number) {
     RandomRows random(static_cast<unsigned>(number));
     const Model model{titles[random.below(titles.size())], random.below(2) == 0};
     const std::string type = types[random.below(types.size())];
@@ -396,7 +418,7 @@ TEST_F(SavingBytesTest, LoadEditSaveAndReloadFollowTheRules) {
     }
     if (asks) alerts.answerNext(keepsBytes ? keeps : converts);
     save();
-    ASSERT_EQ(alerts.shown().size(), asks ? 2U : 1U);
+    ASSERT_EQ(alerts.shown().size(), asks ? 2U : 1U) << ::testing::PrintToString(alerts.messages());
     ASSERT_EQ(alerts.messages().back(), "Saved.");
 
     // What a set, a hash or a sorted set makes of equal rows: the last one stays.
