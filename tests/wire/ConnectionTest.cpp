@@ -1,9 +1,12 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <sched.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <map>
 #include <thread>
 
@@ -210,6 +213,32 @@ TEST_F(Connection, TellsEachSystemCallThatFails) {
   EXPECT_TRUE(server->connectToServer().ok);
   EXPECT_TRUE(server->deleteKey("k"_bytes));
   server->closeConnection();
+}
+
+TEST_F(Connection, TellsThatTheProcessHasNoDescriptorLeft) {
+  const auto server = item(1);
+  rlimit limit{};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
+  const rlimit none{3, limit.rlim_max};
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+  const auto outcome = server->connectToServer();
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
+  EXPECT_EQ(outcome.message, "Can not create socket.");
+  EXPECT_EQ(server->connectionStatus(), Status::disConnected);
+}
+
+TEST_F(Connection, TellsThatThereIsNoRoute) {
+  if (::geteuid() != 0) GTEST_SKIP() << "A network namespace with an unreachable route takes root.";
+  const auto server = item(6379);
+  server->setServerIp("10.9.8.7");
+  bool ready = false;
+  // A namespace belongs to the thread that made it, and goes with it.
+  std::thread([&] {
+    ready =
+        ::unshare(CLONE_NEWNET) == 0 && std::system("ip link set lo up && ip route add unreachable 10.9.8.7/32") == 0;
+    if (ready) expectFailure(*server, {"Can not reach Server((a)).", Status::disConnected, "host can not reach"});
+  }).join();
+  if (!ready) GTEST_SKIP() << "No network namespace can be set up here.";
 }
 
 TEST_F(Connection, NoticesAPeerThatClosesAndLeavesWaitingBytesAlone) {
