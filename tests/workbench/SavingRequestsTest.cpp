@@ -1,7 +1,7 @@
 // What a save and a delete send, in which order, and what they leave behind where a command fails.
 
-#include "tests/workbench/RecordingServer.h"
-#include "tests/workbench/TabFixture.h"
+#include "tests/workbench/RecordedTab.h"
+#include "tests/workbench/TableHands.h"
 
 namespace tarn::test {
 namespace {
@@ -17,27 +17,11 @@ constexpr int moves = 1000;
 constexpr int keepsOld = 1001;
 constexpr int cancels = 1002;
 
-class SavingRequestsTest : public TabFixture {
+class SavingRequestsTest : public RecordedTab {
 protected:
-  ~SavingRequestsTest() override {
-    server->closeConnection();
-    tab.reset();
-    settle();
-  }
-
-  // Key "b" of this type is on show.
-  void open(const std::string& type, const std::string& value) {
-    peer.hold(type, value);
-    openTab(peer.port());
-    search("");
-    selectKey("b");
-    peer.sent();
-  }
-
-  void typeInto(NSTextField& field, std::string_view text) {
+  static void typeInto(NSTextField& field, std::string_view text) {
     field.becomeFirstResponder();
-    press(Qt::Key_A, Qt::ControlModifier);
-    type(text);
+    replaceText(text);
   }
 
   // What the save sends; it has ended, and what it shows is shown.
@@ -52,8 +36,6 @@ protected:
   }
 
   Texts keys() { return texts(outlets().tableKeys, 0); }
-
-  RecordingServer peer;
 };
 
 TEST_F(SavingRequestsTest, AStringIsSetWithoutADelete) {
@@ -63,14 +45,6 @@ TEST_F(SavingRequestsTest, AStringIsSetWithoutADelete) {
   typeInto(outlets().txtTTL, "60");
   EXPECT_EQ(save(), (Texts{"set b value EX 60"}));
   EXPECT_EQ(outlets().labDataSize.stringValue(), "Data Size: 5byte(s)");
-}
-
-TEST_F(SavingRequestsTest, CtrlSSaves) {
-  open("string", "$5\r\nvalue\r\n");
-  outlets().valueDataStringTxtView.becomeFirstResponder();
-  press(Qt::Key_S, Qt::ControlModifier);
-  EXPECT_TRUE(waitUntil([&] { return alerts.messages() == Texts{"Saved."}; }));
-  EXPECT_EQ(peer.sent(), (Texts{"persist b", "set b value"}));
 }
 
 TEST_F(SavingRequestsTest, RowsAreDeletedAndWrittenInOneCommand) {
@@ -84,8 +58,7 @@ TEST_F(SavingRequestsTest, RowsAreDeletedAndWrittenInOneCommand) {
                                 {"set", setRows, "sadd b one two", "Data Size: 6byte(s)"},
                                 {"hash", hashRows, "hmset b f v g w", "Data Size: 4byte(s)"},
                                 {"zset", scoredRows, "zadd b inf m 1e+20 n", "Data Size: 10byte(s)"}};
-  openTab(peer.port());
-  search("");
+  openKeys();
   for (const Case& each : cases) {
     peer.hold(each.type, each.value);
     outlets().tableKeys.deselectAll();
@@ -99,32 +72,26 @@ TEST_F(SavingRequestsTest, RowsAreDeletedAndWrittenInOneCommand) {
   }
 }
 
-TEST_F(SavingRequestsTest, AMoveDeletesTheOldKeyFirst) {
+TEST_F(SavingRequestsTest, ARenamedKeyStaysGetsABrotherOrMoves) {
   open("list", listRows);
-  typeInto(outlets().txtKey, "new");
-  alerts.answerNext(moves);
-  EXPECT_EQ(save(), (Texts{"del b", "del new", "rpush new one two"}));
-  EXPECT_EQ(alerts.messages(), (Texts{"Are you sure to Move old key 'b' to key 'new'?", "Saved."}));
-  EXPECT_EQ(alerts.shown().front().buttons, (Texts{"Sure To Move", "Not Move But New", "Cancel"}));
-  EXPECT_EQ(keys(), (Texts{"a", "new", "c"}));
-  EXPECT_EQ(outlets().tableKeys.selectedRow(), 1);
-}
-
-TEST_F(SavingRequestsTest, ANewKeyBesideTheOldOneLeavesThat) {
-  open("string", "$5\r\nvalue\r\n");
-  typeInto(outlets().txtKey, "new");
-  alerts.answerNext(keepsOld);
-  EXPECT_EQ(save(), (Texts{"persist new", "set new value"}));
-  EXPECT_EQ(keys(), (Texts{"a", "new", "b", "c"}));
-}
-
-TEST_F(SavingRequestsTest, CancelSendsNothing) {
-  open("hash", hashRows);
   typeInto(outlets().txtKey, "new");
   alerts.answerNext(cancels);
   EXPECT_EQ(save(), Texts{});
-  EXPECT_EQ(alerts.shown().size(), 1U);
+  EXPECT_EQ(alerts.messages(), Texts{"Are you sure to Move old key 'b' to key 'new'?"});
+  EXPECT_EQ(alerts.shown().front().buttons, (Texts{"Sure To Move", "Not Move But New", "Cancel"}));
   EXPECT_EQ(outlets().txtKey.stringValue(), "new");
+
+  alerts.answerNext(keepsOld);
+  EXPECT_EQ(save(), (Texts{"del new", "rpush new one two"}));
+  EXPECT_EQ(alerts.messages().back(), "Saved.");
+  EXPECT_EQ(keys(), (Texts{"a", "new", "b", "c"}));
+
+  // The form's old key is the one that was loaded.
+  typeInto(outlets().txtKey, "moved");
+  alerts.answerNext(moves);
+  EXPECT_EQ(save(), (Texts{"del b", "del moved", "rpush moved one two"}));
+  EXPECT_EQ(keys(), (Texts{"a", "new", "moved", "c"}));
+  EXPECT_EQ(outlets().tableKeys.selectedRow(), 2);
 }
 
 TEST_F(SavingRequestsTest, ANewKeyIsWrittenUnaskedAndReadBack) {
@@ -164,8 +131,13 @@ TEST_F(SavingRequestsTest, EndsAtTheFirstCommandThatFails) {
   EXPECT_EQ(save(), (Texts{"del b", "rpush b one two", "expire b 60"}));
   EXPECT_EQ(alerts.messages(), Texts{"Saved."});
 
-  typeInto(outlets().txtKey, "new");
   peer.refuse("del");
+  alerts.clear();
+  click(*outlets().btnDelete.widget());
+  waitUntilIdle();
+  EXPECT_EQ(alerts.shown().size(), 2U);
+  EXPECT_EQ(outlets().txtKey.stringValue(), "b");
+  typeInto(outlets().txtKey, "new");
   EXPECT_EQ(save(), Texts{"del b"});
   EXPECT_EQ(keys(), (Texts{"a", "b", "c"}));
   peer.allow();
@@ -262,16 +234,6 @@ TEST_F(SavingRequestsTest, ADeleteTakesTheKeyOfTheFormAsItWasAsked) {
   EXPECT_EQ(save(), (Texts{"del again", "hmset again f v g w"}));
 }
 
-TEST_F(SavingRequestsTest, ARefusedDeleteLeavesTheForm) {
-  open("list", listRows);
-  peer.refuse("del");
-  click(*outlets().btnDelete.widget());
-  waitUntilIdle();
-  EXPECT_EQ(alerts.shown().size(), 2U);
-  EXPECT_EQ(outlets().txtKey.stringValue(), "b");
-  EXPECT_EQ(keys().size(), 3U);
-}
-
 TEST_F(SavingRequestsTest, TellsWhatIsMissingOneThingAtATime) {
   openTab(peer.port());
   const auto refusal = [&] {
@@ -280,14 +242,20 @@ TEST_F(SavingRequestsTest, TellsWhatIsMissingOneThingAtATime) {
   };
   EXPECT_EQ(refusal(), "To Create a Key-Value Data, you need click 'New' and Choose A Value Type First.");
   tab->newKeyTypeChosen("SortedSet");
-  outlets().txtTTL.setStringValue("");
-  EXPECT_EQ(refusal(), "Please Enter the Key.");
-  outlets().txtKey.setStringValue("k");
-  EXPECT_EQ(refusal(), "Please Enter the TTL.");
-  outlets().txtTTL.setStringValue("-0");
-  EXPECT_EQ(refusal(), "TTL must be -1 or >0. -1 is eternal, >0 is the specified expire time in seconds.");
-  outlets().txtTTL.setStringValue("5");
-  EXPECT_EQ(refusal(), "SortedSet Can Not be Empty. If you want to remove this sortedSet click 'Delete'.");
+  struct Case {
+    NSTextField& field;
+    const char* text;
+    const char* told;
+  };
+  for (const auto& [field, text, told] :
+       {Case{outlets().txtTTL, "", "Please Enter the Key."}, Case{outlets().txtKey, "k", "Please Enter the TTL."},
+        Case{outlets().txtTTL, "-0",
+             "TTL must be -1 or >0. -1 is eternal, >0 is the specified expire time in seconds."},
+        Case{outlets().txtTTL, "5",
+             "SortedSet Can Not be Empty. If you want to remove this sortedSet click 'Delete'."}}) {
+    field.setStringValue(text);
+    EXPECT_EQ(refusal(), told);
+  }
   click(*outlets().btnAddRow.widget());
   type("m");
   EXPECT_EQ(refusal(), "All 'SortedSet Value Score' must be set.");
