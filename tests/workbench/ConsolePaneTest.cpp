@@ -129,7 +129,7 @@ TEST_F(Console, ActsOnTheDatabaseOnShowAndCarriesItAlong) {
   EXPECT_TRUE(text().ends_with("set nowhere 1\nlocal: (Err) Not sent, since db7 can not be selected.\nlocal: "))
       << text();
   settle();
-  EXPECT_EQ(alerts.messages(), std::vector<std::string>{"ERR DB index is out of range"});
+  EXPECT_EQ(alerts.messages(), Texts{"ERR DB index is out of range"});
 }
 
 TEST_F(Console, GoesOnAfterTheServerHasClosedTheConnection) {
@@ -142,7 +142,7 @@ TEST_F(Console, GoesOnAfterTheServerHasClosedTheConnection) {
   press(Qt::Key_Return);
   EXPECT_TRUE(text().ends_with("get k\nlocal: Can not connect to server\nlocal: ")) << text();
   settle();
-  EXPECT_EQ(alerts.messages(), std::vector<std::string>{"Can not connect to server"});
+  EXPECT_EQ(alerts.messages(), Texts{"Can not connect to server"});
   EXPECT_EQ(outlets().labStatus.stringValue(), "Status:Connected");
   paste("set k w\n");
   EXPECT_EQ(redis.command({"GET", "k"}, 1), "$1\r\nw\r\n");

@@ -6,8 +6,6 @@
 namespace tarn::test {
 namespace {
 
-using Texts = std::vector<std::string>;
-
 class KeyBrowserTest : public TabFixture {
 protected:
   Texts keysFor(std::string_view text) {

@@ -7,8 +7,6 @@
 namespace tarn::test {
 namespace {
 
-using Texts = std::vector<std::string>;
-
 const std::string scan = "scan 0 MATCH * COUNT 1000";
 
 class LoadStages : public RecordedTab {};

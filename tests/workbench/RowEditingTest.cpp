@@ -53,10 +53,6 @@ protected:
     type("x");
     press(Qt::Key_Backspace);
   }
-  void leave() {
-    outlets.txtKey.becomeFirstResponder();
-    settle();
-  }
   void editBelow(int row, std::string_view text) {
     clickCell(table, row, GetParam().column);
     editor.becomeFirstResponder();
@@ -290,8 +286,7 @@ TEST_F(RowEditingTest, AScoreOpensAtOnceAndStaysAsTheServerWroteIt) {
   }
   tab->editing.commitAllEditableCells();
   outlets.sortedSetScoreTextField.becomeFirstResponder();
-  outlets.txtKey.becomeFirstResponder();
-  settle();
+  leave();
   EXPECT_EQ(state.sortedSetScore, scores);
 
   clickCell(sortedSetTable, 0, 1);
@@ -312,8 +307,7 @@ TEST_F(RowEditingTest, TheScoreEditorChangesTheRowThatItShowed) {
 
   outlets.sortedSetScoreTextField.becomeFirstResponder();
   replaceText("-");
-  outlets.txtKey.becomeFirstResponder();
-  settle();
+  leave();
   EXPECT_EQ(state.sortedSetScore, (Texts{"1", "7"}));
   EXPECT_EQ(outlets.sortedSetScoreTextField.stringValue(), "-");
 

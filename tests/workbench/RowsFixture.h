@@ -61,6 +61,11 @@ protected:
     showPane("SortedSet");
   }
 
+  // The keyboard goes to another control.
+  void leave() {
+    outlets.txtKey.becomeFirstResponder();
+    settle();
+  }
   static NSTableCellView& cell(NSTableView& table, int row, int column) {
     return *table.viewAtColumn(column, row, true);
   }

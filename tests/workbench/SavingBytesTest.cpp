@@ -12,8 +12,6 @@
 namespace tarn::test {
 namespace {
 
-using Texts = std::vector<std::string>;
-
 constexpr int keeps = 1000;
 constexpr int converts = 1001;
 

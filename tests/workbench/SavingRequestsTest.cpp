@@ -6,8 +6,6 @@
 namespace tarn::test {
 namespace {
 
-using Texts = std::vector<std::string>;
-
 const std::string listRows = "*2\r\n$3\r\none\r\n$3\r\ntwo\r\n";
 const std::string setRows = "*2\r\n$1\r\n0\r\n" + listRows;
 const std::string pairs = "*4\r\n$1\r\nf\r\n$1\r\nv\r\n$1\r\ng\r\n$1\r\nw\r\n";

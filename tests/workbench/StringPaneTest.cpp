@@ -24,6 +24,13 @@ TEST(StringPane, KeepsWhatWasTypedOverAChangeOfTitle) {
   EXPECT_EQ(retitled("é", "utf8", "iso_8859_1", "old"), Text("Ã©"));
 }
 
+// What was saved shows under a new title as what was loaded does: a save asks before it writes the usual form instead.
+TEST(StringPane, TellsAnEditFromTheValue) {
+  const std::string_view unusual = "\x1B(Bkey";
+  EXPECT_FALSE(stringTextUnderNewTitle(unusual, "utf8", "ISO_2022_JP", unusual).isShownText);
+  EXPECT_TRUE(stringTextUnderNewTitle(unusual, "utf8", "ISO_2022_JP", "old").isShownText);
+}
+
 TEST(StringPane, FallsBackOnTheValueAndThenOnNothing) {
   EXPECT_EQ(retitled("", "utf8", "GBK", "\xD6\xD0"), Text("中"));
   EXPECT_EQ(retitled("no Base64", "Base64", "utf8", "old"), Text("old"));

@@ -14,6 +14,8 @@
 
 namespace tarn::test {
 
+using Texts = std::vector<std::string>;
+
 // A tab on the screen, bound to a connection on a loopback port.
 class TabFixture : public ::testing::Test {
 protected:
@@ -75,8 +77,8 @@ protected:
     choose(*popUp.widget(), index);
   }
 
-  static std::vector<std::string> texts(NSTableView& table, int column) {
-    std::vector<std::string> result;
+  static Texts texts(NSTableView& table, int column) {
+    Texts result;
     for (int row = 0; row < table.numberOfRows(); ++row) {
       result.push_back(table.viewAtColumn(column, row, true)->stringValue());
     }

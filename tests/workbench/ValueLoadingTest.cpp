@@ -7,8 +7,6 @@
 namespace tarn::test {
 namespace {
 
-using Texts = std::vector<std::string>;
-
 // Values that come from a server, and rows that go by what the rest of the tab does.
 class ValueLoadingTest : public TabFixture {
 protected:
