@@ -3,6 +3,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/foundation/NSAlert.h"
@@ -26,12 +27,12 @@ void KeySaver::save() {
   const int shownString = string_.revision();
   if (!ask(job)) return;
   const bool isStringOnForm = job.type == "String" && string_.revision() == shownString;
-  if (isStringOnForm) string_.setValueData(job.value);
+  if (isStringOnForm) string_.writingValue(job.value);
   queue_.updateDealingQueueLabel();
   if (!saveKeyValue(job)) {
     queue_.poster().post([this] { queue_.updateDealingQueueLabel(); });
   } else if (isStringOnForm) {
-    string_.valueSaved();
+    string_.valueWritten(std::move(job.value));
   }
 }
 

@@ -18,7 +18,8 @@ RetitledString stringTextUnderNewTitle(std::string_view shown, std::string_view 
   if (shown.empty()) return {stringText(value, newTitle), false};
   const bool fromBase64 = oldTitle == base64Title;
   const std::optional<Bytes> source = convertedString(shown, oldTitle);
-  if (!source) return {stringText(value, newTitle), false};
+  // An edit that was saved, or taken back, is none any more.
+  if (!source || source->view() == value) return {stringText(value, newTitle), false};
   std::optional<std::string> text = stringText(source->view(), newTitle);
   if (text || fromBase64) return {std::move(text), true};
   return {stringText(value, newTitle), false};
@@ -60,6 +61,16 @@ void StringPane::changeCharset() {
   } else {
     wasEdited_ = false;
   }
+}
+
+void StringPane::writingValue(const Bytes& value) {
+  if (isOnShow_) state_.currentValueData = value;
+}
+
+void StringPane::valueWritten(Bytes value) {
+  state_.currentValueData = std::move(value);
+  isOnShow_ = true;
+  outlets_.valueDataStringTxtView.setPlaceholderString(localizedString("The value is empty."));
 }
 
 bool StringPane::isEdited() const {

@@ -18,7 +18,7 @@ std::optional<std::string> stringText(std::string_view bytes, std::string_view t
 struct RetitledString {
   // Nothing if it can't be shown.
   std::optional<std::string> text;
-  // The text is what was shown before, so what was typed is still in it; else it is the value's own.
+  // The text is what was shown before, with what was typed in it and isn't saved; else it is the value's own.
   bool isShownText = false;
 };
 
@@ -45,13 +45,15 @@ public:
   // False while there is a value that can't be seen, because it is no text under the title, couldn't be read, or isn't
   // here yet; also once something is typed in its place.
   bool isOnShow() const { return isOnShow_; }
-  // True if a hand has changed the text since the value was shown, also if the title was changed after that.
+  // True if a hand has changed the text since the value was shown, also if the title was changed after that; an edit
+  // that the value holds by then, since it was saved, counts no more under the new title.
   bool isEdited() const;
   // Counts the texts that were set by code: as long as it stays, the value on show is the same.
   int revision() const { return revision_; }
-  // The bytes that a save is about to write, and what it has written.
-  void setValueData(Bytes value) { state_.currentValueData = std::move(value); }
-  void valueSaved() { isOnShow_ = true; }
+  // The bytes that a save is about to write, and what it has written. Those of a value that isn't on show stay known
+  // until they are replaced.
+  void writingValue(const Bytes& value);
+  void valueWritten(Bytes value);
 
 private:
   // Bytes that are no text show as empty text, with a line that says so and isn't part of it.
