@@ -44,6 +44,25 @@ double keysToTable() {
   return shown;
 }
 
+// What the console does with a reply, in a console that has much to tell already.
+void measureConsole(BenchmarkReport& report) {
+  OperationTabLayout tab;
+  test::show(*tab.view.widget(), {940, 700});
+  std::string said;
+  while (said.size() < 10'000'000)
+    said += "local: a line of a console that has been open all day\n";
+  tab.txtViewCli.setString(said);
+  paint(tab.txtViewCli);
+  add(report, "a short reply appended to a console of 10 MB", medianOfRounds([&] {
+        return millisecondsOf([&] {
+          tab.txtViewCli.appendString("\nlocal: OK\nlocal: ");
+          tab.txtViewCli.scrollRangeToVisible(tab.txtViewCli.selectedRange());
+          paint(tab.txtViewCli);
+        });
+      }),
+      "ms", 20);
+}
+
 void measureKeys(BenchmarkReport& report) {
   add(report, "1,000,000 keys from scan result to a scrollable table", medianOfRounds(keysToTable), "ms", 50);
 
@@ -133,6 +152,7 @@ int main(int argc, char** argv) {
     tarn::NSApplication application(argc, argv);
     BenchmarkReport report(argc, argv);
     measureProgram(report);
+    measureConsole(report);
     measureKeys(report);
     measureLists(report);
     measureRows(report);
