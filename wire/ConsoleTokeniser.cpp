@@ -1,5 +1,7 @@
 #include "wire/ConsoleTokeniser.h"
 
+#include "workbench/codec/EscapeForms.h"
+
 #include <algorithm>
 #include <cstddef>
 
@@ -12,23 +14,9 @@ constexpr char quote = '"';
 
 // Nothing for a character that makes no escape sequence with the backslash before it.
 std::optional<char> escaped(char character) {
-  switch (character) {
-    case '\\':
-    case quote:
-      return character;
-    case 'r':
-      return '\r';
-    case 'n':
-      return '\n';
-    case 't':
-      return '\t';
-    case 'b':
-      return '\b';
-    case 'f':
-      return '\f';
-    default:
-      return std::nullopt;
-  }
+  if (character == '\\' || character == quote) return character;
+  const char control = controlOfLetter(character);
+  return control == 0 ? std::nullopt : std::optional(control);
 }
 
 std::string unescaped(std::string_view line) {

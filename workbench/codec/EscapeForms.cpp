@@ -24,23 +24,6 @@ char letterOfControl(char control) {
   }
 }
 
-char controlOfLetter(char letter) {
-  switch (letter) {
-    case 'r':
-      return '\r';
-    case 'n':
-      return '\n';
-    case 't':
-      return '\t';
-    case 'b':
-      return '\b';
-    case 'f':
-      return '\f';
-    default:
-      return 0;
-  }
-}
-
 bool isEscapable(char c) {
   return c == '\\' || (c >= '\b' && c <= '\r' && c != '\v');
 }
@@ -85,6 +68,23 @@ std::string unescape(std::string_view text, std::string_view doubleBackslash) {
 }
 
 }  // namespace
+
+char controlOfLetter(char letter) {
+  switch (letter) {
+    case 'r':
+      return '\r';
+    case 'n':
+      return '\n';
+    case 't':
+      return '\t';
+    case 'b':
+      return '\b';
+    case 'f':
+      return '\f';
+    default:
+      return 0;
+  }
+}
 
 std::string escapeControls(std::string_view text) {
   return escape(text, false);

@@ -8,6 +8,9 @@ namespace tarn {
 // The six escape sequences: `\\` backslash, `\r` CR, `\n` LF, `\t` TAB, `\b` BS, `\f` FF. Any other backslash stays.
 // All pure; any thread.
 
+// The control character that a letter stands for behind a backslash; 0 if it stands for none.
+char controlOfLetter(char letter);
+
 std::string escapeControls(std::string_view text);
 
 // A double backslash guards what follows it: `\\n` is a backslash and an n.
