@@ -1,6 +1,11 @@
 // What the wire costs over the bare exchange: each piece of work is told as a ratio to the same requests sent, and the
 // same bytes received into a buffer of final size, on a plain socket, with nothing parsed.
 
+#include "benchmarks/BenchmarkReport.h"
+#include "tests/support/RedisServer.h"
+#include "wire/ServerItem.h"
+#include "wire/socket/SocketCalls.h"
+
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
@@ -17,11 +22,6 @@
 #include <memory>
 #include <string>
 #include <vector>
-
-#include "benchmarks/BenchmarkReport.h"
-#include "tests/support/RedisServer.h"
-#include "wire/ServerItem.h"
-#include "wire/SocketCalls.h"
 
 namespace tarn::bench {
 namespace {

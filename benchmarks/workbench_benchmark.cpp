@@ -1,14 +1,6 @@
 // Measures the tab and the window: keys and values from a local server to painted rows and text, the start of the
 // program, pauses of the event loop, resident memory.
 
-#include <cstdio>
-#include <cstdlib>
-#include <exception>
-#include <memory>
-#include <stdexcept>
-#include <string>
-#include <vector>
-
 #include "benchmarks/BenchmarkReport.h"
 #include "benchmarks/workbench_benchmark_children.h"
 #include "benchmarks/workbench_benchmark_rows.h"
@@ -21,6 +13,14 @@
 #include "tests/support/TemporaryDataHome.h"
 #include "tests/support/widgets/Hand.h"
 #include "workbench/KeyBrowser.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace tarn::bench {
 

@@ -1,11 +1,17 @@
 #include "benchmarks/workbench_benchmark_children.h"
 
-#include <unistd.h>
+#include "benchmarks/workbench_benchmark_tab.h"
+#include "favourites/MainViewController.h"
+#include "platform/appkit/NSApplication.h"
+#include "resources/Images.h"
+#include "shell/AppDelegate.h"
+#include "shell/MainWindowController.h"
 
 #include <QApplication>
 #include <QEvent>
 #include <QTimer>
 #include <QWidget>
+#include <unistd.h>
 
 #include <chrono>
 #include <cstdio>
@@ -14,13 +20,6 @@
 #include <functional>
 #include <stdexcept>
 #include <string_view>
-
-#include "benchmarks/workbench_benchmark_tab.h"
-#include "favourites/MainViewController.h"
-#include "platform/appkit/NSApplication.h"
-#include "resources/Images.h"
-#include "shell/AppDelegate.h"
-#include "shell/MainWindowController.h"
 
 namespace tarn::bench {
 

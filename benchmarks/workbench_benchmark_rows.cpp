@@ -1,17 +1,17 @@
 #include "benchmarks/workbench_benchmark_rows.h"
 
+#include "benchmarks/workbench_benchmark_tab.h"
+#include "codec/CharsetEnum.h"
+#include "tests/support/widgets/Hand.h"
+#include "workbench/RowActions.h"
+#include "workbench/RowEditing.h"
+#include "workbench/ValuePanes.h"
+
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
-
-#include "benchmarks/workbench_benchmark_tab.h"
-#include "tests/support/widgets/Hand.h"
-#include "workbench/RowActions.h"
-#include "workbench/RowEditing.h"
-#include "workbench/ValuePanes.h"
-#include "workbench/codec/CharsetEnum.h"
 
 namespace tarn::bench {
 

@@ -1,5 +1,10 @@
 #include "benchmarks/workbench_benchmark_save.h"
 
+#include "benchmarks/workbench_benchmark_tab.h"
+#include "tests/support/AlertRecorder.h"
+#include "tests/support/widgets/Hand.h"
+#include "wire/RequestEncoder.h"
+
 #include <arpa/inet.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -9,11 +14,6 @@
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "benchmarks/workbench_benchmark_tab.h"
-#include "tests/support/AlertRecorder.h"
-#include "tests/support/widgets/Hand.h"
-#include "wire/RequestEncoder.h"
 
 namespace tarn::bench {
 

@@ -1,5 +1,7 @@
 #include "benchmarks/workbench_benchmark_tab.h"
 
+#include "tests/support/widgets/Hand.h"
+
 #include <QAbstractScrollArea>
 #include <QCoreApplication>
 
@@ -9,8 +11,6 @@
 #include <thread>
 #include <utility>
 #include <vector>
-
-#include "tests/support/widgets/Hand.h"
 
 namespace tarn::bench {
 

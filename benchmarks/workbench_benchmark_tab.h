@@ -1,12 +1,12 @@
 #pragma once
 
-#include <functional>
-#include <memory>
-#include <string>
-
 #include "benchmarks/BenchmarkReport.h"
 #include "wire/ServerItem.h"
 #include "workbench/OperationTabViewController.h"
+
+#include <functional>
+#include <memory>
+#include <string>
 
 namespace tarn::bench {
 

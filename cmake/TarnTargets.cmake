@@ -1,4 +1,4 @@
-# How every target of Tarn is built: language, warnings, sanitizers, and one library per folder.
+# How every target of Tarn is built: language, warnings, hardening, sanitizers, batches, and one library per folder.
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -12,6 +12,13 @@ if(CCACHE)
   set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE}")
 endif()
 
+# Sources are compiled several at a time: most of the time of a source goes into the headers that all of them share.
+set(CMAKE_UNITY_BUILD ON)
+set(CMAKE_UNITY_BUILD_BATCH_SIZE 12)
+
+# No path of the build in what is built, so that two folders give the same bytes.
+add_compile_options("-ffile-prefix-map=${CMAKE_BINARY_DIR}=build" "-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.")
+
 add_library(tarn_options INTERFACE)
 target_compile_options(tarn_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Werror)
 target_include_directories(tarn_options INTERFACE "${CMAKE_SOURCE_DIR}")
@@ -24,17 +31,25 @@ if(TARN_SANITIZE)
   target_link_options(tarn_options INTERFACE -fsanitize=${TARN_SANITIZE})
 endif()
 
-# tarn_library(NAME LIBRARY...): a static library of every source in the current folder but main.cpp, and the arrows it
-# may follow.
+# What is released is hardened; the checks of the standard library cost nothing that a benchmark sees.
+add_library(tarn_hardening INTERFACE)
+if(CMAKE_BUILD_TYPE STREQUAL "RelWithDebInfo" AND NOT TARN_SANITIZE)
+  target_compile_options(tarn_hardening INTERFACE -fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+  target_compile_definitions(tarn_hardening INTERFACE _GLIBCXX_ASSERTIONS)
+  target_link_options(tarn_hardening INTERFACE -pie -Wl,-z,relro,-z,now)
+endif()
+
+# Tests are run once and rarely debugged: what they cost is compiling them.
+add_library(tarn_test_options INTERFACE)
+target_link_libraries(tarn_test_options INTERFACE tarn_options)
+# In a batch a fixture stands in an included file, where GCC distrusts a nameless namespace.
+target_compile_options(tarn_test_options INTERFACE -O0 -g1 $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+
+# tarn_library(NAME LIBRARY...): a static library of every source in the current folder and below it, but main.cpp, and
+# the arrows it may follow.
 function(tarn_library name)
-  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/*.h")
-  if(NOT sources)
-    # A folder whose first source is still to come only passes its arrows on.
-    add_library(${name} INTERFACE)
-    target_link_libraries(${name} INTERFACE tarn_options ${ARGN})
-    return()
-  endif()
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/*.h")
   list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
   add_library(${name} STATIC ${sources})
-  target_link_libraries(${name} PUBLIC tarn_options ${ARGN})
+  target_link_libraries(${name} PUBLIC tarn_options ${ARGN} PRIVATE tarn_hardening)
 endfunction()

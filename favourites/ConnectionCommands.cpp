@@ -1,11 +1,11 @@
 #include "favourites/ConnectionCommands.h"
 
-#include <utility>
-
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/NSOperationQueue.h"
+
+#include <utility>
 
 namespace tarn {
 

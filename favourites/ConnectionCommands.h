@@ -1,14 +1,14 @@
 #pragma once
 
-#include <memory>
-#include <string>
-#include <vector>
-
 #include "favourites/FavouritesStore.h"
 #include "favourites/FavouritesTree.h"
 #include "favourites/MyFavouriteItem.h"
 #include "favourites/TabKeeper.h"
 #include "wire/ServerItem.h"
+
+#include <memory>
+#include <string>
+#include <vector>
 
 namespace tarn {
 

@@ -1,11 +1,11 @@
 #include "favourites/FavouritesStore.h"
 
-#include <optional>
-#include <utility>
-
 #include "favourites/StoreHost.h"
 #include "platform/coredata/NSFetchRequest.h"
 #include "platform/foundation/Log.h"
+
+#include <optional>
+#include <utility>
 
 namespace tarn {
 

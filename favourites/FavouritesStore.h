@@ -1,11 +1,11 @@
 #pragma once
 
-#include <memory>
-#include <vector>
-
 #include "favourites/ServerItemStorage.h"
 #include "platform/coredata/NSManagedObjectContext.h"
 #include "wire/ServerItem.h"
+
+#include <memory>
+#include <vector>
 
 namespace tarn {
 

@@ -1,10 +1,10 @@
 #include "favourites/FavouritesTree.h"
 
+#include "platform/foundation/NSLocalizedString.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <utility>
-
-#include "platform/foundation/NSLocalizedString.h"
 
 namespace tarn {
 

@@ -1,14 +1,14 @@
 #pragma once
 
-#include <functional>
-#include <memory>
-#include <string>
-#include <vector>
-
 #include "favourites/MyFavouriteItem.h"
 #include "platform/appkit/NSMenu.h"
 #include "platform/appkit/NSOutlineView.h"
 #include "wire/ServerItem.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
 
 namespace tarn {
 

@@ -1,10 +1,10 @@
 #include "favourites/MainViewController.h"
 
-#include <algorithm>
-#include <utility>
-
 #include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/NSOperationQueue.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace tarn {
 

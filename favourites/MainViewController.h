@@ -1,7 +1,5 @@
 #pragma once
 
-#include <memory>
-
 #include "favourites/ConnectionCommands.h"
 #include "favourites/FavouritesStore.h"
 #include "favourites/FavouritesTree.h"
@@ -13,6 +11,8 @@
 #include "wire/ServerItemHost.h"
 #include "workbench/NewKeyValueTypeSelectWindowController.h"
 #include "workbench/WorkbenchHost.h"
+
+#include <memory>
 
 namespace tarn {
 

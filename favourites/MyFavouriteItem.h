@@ -1,10 +1,10 @@
 #pragma once
 
-#include <memory>
-#include <vector>
-
 #include "platform/foundation/NSObject.h"
 #include "wire/ServerItem.h"
+
+#include <memory>
+#include <vector>
 
 namespace tarn {
 

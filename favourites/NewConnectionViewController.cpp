@@ -1,14 +1,14 @@
 #include "favourites/NewConnectionViewController.h"
 
-#include <algorithm>
-#include <utility>
-
+#include "codec/CharsetEnum.h"
+#include "formatters/PositiveIntegerValueFormatter.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSLocalizedString.h"
-#include "shell/formatters/PositiveIntegerValueFormatter.h"
 #include "wire/DecimalNumber.h"
-#include "workbench/codec/CharsetEnum.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace tarn {
 

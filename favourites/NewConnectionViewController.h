@@ -1,10 +1,5 @@
 #pragma once
 
-#include <functional>
-#include <memory>
-#include <optional>
-#include <string>
-
 #include "favourites/FavouritesStore.h"
 #include "favourites/FavouritesTree.h"
 #include "favourites/MyFavouriteItem.h"
@@ -13,6 +8,11 @@
 #include "platform/foundation/NSUUID.h"
 #include "resources/NewConnectionLayout.h"
 #include "wire/ServerItem.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
 
 namespace tarn {
 

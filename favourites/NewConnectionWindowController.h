@@ -1,11 +1,11 @@
 #pragma once
 
+#include "favourites/NewConnectionViewController.h"
+#include "platform/appkit/NSWindowController.h"
+
 #include <functional>
 #include <memory>
 #include <utility>
-
-#include "favourites/NewConnectionViewController.h"
-#include "platform/appkit/NSWindowController.h"
 
 namespace tarn {
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <memory>
-#include <string_view>
-
 #include "platform/coredata/NSManagedObject.h"
 #include "wire/ServerItem.h"
+
+#include <memory>
+#include <string_view>
 
 namespace tarn {
 

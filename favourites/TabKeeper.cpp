@@ -1,11 +1,11 @@
 #include "favourites/TabKeeper.h"
 
+#include "platform/foundation/NSLocalizedString.h"
+#include "platform/foundation/NSOperationQueue.h"
+
 #include <algorithm>
 #include <utility>
 #include <vector>
-
-#include "platform/foundation/NSLocalizedString.h"
-#include "platform/foundation/NSOperationQueue.h"
 
 namespace tarn {
 

@@ -1,14 +1,14 @@
 #pragma once
 
-#include <map>
-#include <memory>
-#include <string>
-
 #include "favourites/FavouritesTree.h"
 #include "favourites/NSTabViewItemExtension.h"
 #include "platform/appkit/NSTabView.h"
 #include "wire/ServerItem.h"
 #include "workbench/OperationTabViewController.h"
+
+#include <map>
+#include <memory>
+#include <string>
 
 namespace tarn {
 

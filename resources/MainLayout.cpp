@@ -29,7 +29,8 @@ MainLayout::MainLayout()
       myFavouriteScrollView(widgets_->ui.myFavouriteScrollView),
       serverSelection(widgets_->ui.serverSelection),
       mainTab(widgets_->ui.mainTab) {
-  serverSelection.setPlaceholderString(localizedString("No connections yet. Press \"New Connection\" (+) above to begin."));
+  serverSelection.setPlaceholderString(
+      localizedString("No connections yet. Press \"New Connection\" (+) above to begin."));
 }
 
 MainLayout::~MainLayout() = default;

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <memory>
-
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSOutlineView.h"
 #include "platform/appkit/NSTabView.h"
 #include "platform/appkit/NSWindow.h"
+
+#include <memory>
 
 namespace tarn {
 

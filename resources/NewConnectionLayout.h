@@ -1,11 +1,11 @@
 #pragma once
 
-#include <memory>
-
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSPopUpButton.h"
 #include "platform/appkit/NSTextField.h"
 #include "platform/appkit/NSWindow.h"
+
+#include <memory>
 
 namespace tarn {
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <memory>
-
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSPopUpButton.h"
 #include "platform/appkit/NSWindow.h"
+
+#include <memory>
 
 namespace tarn {
 

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <memory>
-
 #include "platform/appkit/NSActivityBar.h"
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSPopUpButton.h"
 #include "platform/appkit/NSTableView.h"
 #include "platform/appkit/NSTextField.h"
 #include "platform/appkit/NSTextView.h"
+
+#include <memory>
 
 namespace tarn {
 

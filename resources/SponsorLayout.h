@@ -1,9 +1,9 @@
 #pragma once
 
-#include <memory>
-
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSWindow.h"
+
+#include <memory>
 
 namespace tarn {
 

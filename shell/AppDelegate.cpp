@@ -1,12 +1,12 @@
 #include "shell/AppDelegate.h"
 
-#include <utility>
-
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/NSOperationQueue.h"
 #include "resources/Model.h"
+
+#include <utility>
 
 namespace tarn {
 

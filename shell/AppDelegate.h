@@ -1,12 +1,12 @@
 #pragma once
 
-#include <memory>
-#include <optional>
-
 #include "favourites/StoreHost.h"
 #include "platform/coredata/NSManagedObjectModel.h"
 #include "platform/coredata/NSPersistentContainer.h"
 #include "shell/SponsorWC.h"
+
+#include <memory>
+#include <optional>
 
 namespace tarn {
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <memory>
-
 #include "favourites/MainViewController.h"
 #include "platform/appkit/NSMenu.h"
+
+#include <memory>
 
 namespace tarn {
 

@@ -1,11 +1,11 @@
 #include "shell/SponsorVC.h"
 
-#include <algorithm>
-#include <utility>
-
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSOperationQueue.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace tarn {
 

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "platform/appkit/NSViewController.h"
 #include "platform/storekit/SKPaymentQueue.h"
 #include "platform/storekit/SKProductsRequest.h"
 #include "resources/SponsorLayout.h"
+
+#include <string>
+#include <vector>
 
 namespace tarn {
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <memory>
-
 #include "platform/appkit/NSWindowController.h"
 #include "shell/SponsorVC.h"
+
+#include <memory>
 
 namespace tarn {
 

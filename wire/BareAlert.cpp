@@ -1,9 +1,9 @@
 #include "wire/BareAlert.h"
 
-#include <utility>
-
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSOperationQueue.h"
+
+#include <utility>
 
 namespace tarn {
 

@@ -1,6 +1,6 @@
 #include "wire/ConsoleTokeniser.h"
 
-#include "workbench/codec/EscapeForms.h"
+#include "codec/EscapeForms.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "platform/foundation/NSObject.h"
+
 #include <memory>
 #include <mutex>
 #include <string>
-
-#include "platform/foundation/NSObject.h"
 
 namespace tarn {
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <span>
-#include <string_view>
-
 #include "platform/foundation/Bytes.h"
 #include "wire/RedisCommand.h"
+
+#include <span>
+#include <string_view>
 
 namespace tarn {
 

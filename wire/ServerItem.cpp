@@ -3,7 +3,7 @@
 #include "platform/foundation/NSAlert.h"
 #include "wire/NodeAddress.h"
 #include "wire/ServerItemHost.h"
-#include "wire/Socket.h"
+#include "wire/socket/Socket.h"
 
 namespace tarn {
 

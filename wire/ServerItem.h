@@ -1,5 +1,15 @@
 #pragma once
 
+#include "platform/foundation/Bytes.h"
+#include "platform/foundation/NSObject.h"
+#include "platform/foundation/NSOperationQueue.h"
+#include "platform/foundation/NSTimer.h"
+#include "platform/foundation/NSUUID.h"
+#include "wire/ConnectionStatus.h"
+#include "wire/DbItem.h"
+#include "wire/RedisCommand.h"
+#include "wire/reply/ReplyResult.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
@@ -12,16 +22,6 @@
 #include <utility>
 #include <vector>
 
-#include "platform/foundation/Bytes.h"
-#include "platform/foundation/NSObject.h"
-#include "platform/foundation/NSOperationQueue.h"
-#include "platform/foundation/NSTimer.h"
-#include "platform/foundation/NSUUID.h"
-#include "wire/ConnectionStatus.h"
-#include "wire/DbItem.h"
-#include "wire/RedisCommand.h"
-#include "wire/ReplyResult.h"
-
 struct addrinfo;
 
 namespace tarn {
@@ -31,8 +31,8 @@ class SocketCalls;
 struct NodeAddress;
 
 // One Redis server: a node of the favourites tree, the owner of one connection, of the list of the server's databases,
-// and of every operation on the wire. Made with std::make_shared; the favourites own it, background blocks and tabs hold
-// it.
+// and of every operation on the wire. Made with std::make_shared; the favourites own it, background blocks and tabs
+// hold it.
 //
 // Threads: the fields may be read and written on any thread. What talks to the server blocks until the reply is in and
 // belongs to `operationQueue` (or, for a save, a console line and the form's test, to the main queue); the lock inside
@@ -98,8 +98,8 @@ public:
   using Closings = std::uint64_t;
   Closings closings() const;
 
-  // Resolves, connects within 5 seconds, authenticates, and has the refresh start. With a refused password the status is
-  // `connected` all the same. Fails if closeConnection has run since `began` was read, which is when the user asked.
+  // Resolves, connects within 5 seconds, authenticates, and has the refresh start. With a refused password the status
+  // is `connected` all the same. Fails if closeConnection has run since `began` was read, which is when the user asked.
   // A database other than the first is selected before any other command gets to the new connection; where the server
   // refuses it, currentDbIdx tells.
   Outcome connectToServer() { return connectToServer(closings()); }
@@ -112,7 +112,8 @@ public:
   // True while there is a connection that the peer hasn't closed; takes nothing from the stream.
   bool isAlive();
 
-  // Main queue. Starts the refresh that runs every 3.0 seconds, in place of the one that runs. A transient item has none.
+  // Main queue. Starts the refresh that runs every 3.0 seconds, in place of the one that runs. A transient item has
+  // none.
   void startLivenessTimer();
   // Main queue. What the timer does: has the operation queue run infoFromServer.
   void infoFromServerMain();

@@ -1,11 +1,11 @@
 // The commands by which the workbench reads and writes keys: each builds its arguments, and shows its own failure.
 
-#include <algorithm>
-
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSLocalizedString.h"
 #include "wire/NodeAddress.h"
 #include "wire/ServerItem.h"
+
+#include <algorithm>
 
 namespace tarn {
 

@@ -1,16 +1,16 @@
 // How a ServerItem opens, tests and closes its connection.
 
+#include "platform/foundation/Log.h"
+#include "platform/foundation/NSLocalizedString.h"
+#include "wire/NodeAddress.h"
+#include "wire/ServerItem.h"
+#include "wire/socket/Socket.h"
+
 #include <netdb.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <memory>
-
-#include "platform/foundation/Log.h"
-#include "platform/foundation/NSLocalizedString.h"
-#include "wire/NodeAddress.h"
-#include "wire/ServerItem.h"
-#include "wire/Socket.h"
 
 namespace tarn {
 

@@ -1,19 +1,19 @@
 // How a ServerItem runs a line typed in the console, follows what the line does to the connection, and reconnects.
 
-#include <algorithm>
-#include <array>
-#include <cctype>
-#include <utility>
-
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSLocalizedString.h"
-#include "wire/ConsoleReplyReader.h"
 #include "wire/ConsoleTokeniser.h"
 #include "wire/DecimalNumber.h"
 #include "wire/RequestEncoder.h"
 #include "wire/ServerItem.h"
 #include "wire/ServerItemHost.h"
-#include "wire/Socket.h"
+#include "wire/reply/ConsoleReplyReader.h"
+#include "wire/socket/Socket.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <utility>
 
 namespace tarn {
 

@@ -1,10 +1,6 @@
 // How a ServerItem finds out what the server holds: its databases, and the number of keys in each.
 
-#include <algorithm>
-#include <limits>
-#include <string>
-#include <unordered_map>
-
+#include "codec/TextCodec.h"
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSLocalizedString.h"
 #include "wire/BareAlert.h"
@@ -13,7 +9,11 @@
 #include "wire/NodeAddress.h"
 #include "wire/ServerItem.h"
 #include "wire/ServerItemHost.h"
-#include "workbench/codec/TextCodec.h"
+
+#include <algorithm>
+#include <limits>
+#include <string>
+#include <unordered_map>
 
 namespace tarn {
 

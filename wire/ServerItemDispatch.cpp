@@ -3,10 +3,10 @@
 #include "platform/foundation/NSLocalizedString.h"
 #include "wire/DecimalNumber.h"
 #include "wire/NodeAddress.h"
-#include "wire/ReplyReader.h"
 #include "wire/RequestEncoder.h"
 #include "wire/ServerItem.h"
-#include "wire/Socket.h"
+#include "wire/reply/ReplyReader.h"
+#include "wire/socket/Socket.h"
 
 namespace tarn {
 

@@ -1,15 +1,15 @@
 // How a ServerItem walks the keys of a server or of all masters of a cluster, and the members of a set or hash.
 
-#include <algorithm>
-#include <iterator>
-#include <limits>
-
+#include "codec/TextCodec.h"
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSLocalizedString.h"
 #include "wire/BareAlert.h"
 #include "wire/NodeAddress.h"
 #include "wire/ServerItem.h"
-#include "workbench/codec/TextCodec.h"
+
+#include <algorithm>
+#include <iterator>
+#include <limits>
 
 namespace tarn {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <functional>
-
 #include "platform/appkit/NSTableView.h"
+
+#include <functional>
 
 namespace tarn {
 

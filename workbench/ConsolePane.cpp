@@ -1,14 +1,14 @@
 #include "workbench/ConsolePane.h"
 
-#include <algorithm>
-#include <memory>
-#include <optional>
-#include <utility>
-
 #include "platform/appkit/NSApplication.h"
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSLocalizedString.h"
 #include "wire/ConsoleTokeniser.h"
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <utility>
 
 namespace tarn {
 

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "platform/appkit/NSTextView.h"
+#include "resources/OperationTabLayout.h"
+#include "workbench/TabState.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "platform/appkit/NSTextView.h"
-#include "resources/OperationTabLayout.h"
-#include "workbench/TabState.h"
 
 namespace tarn {
 

@@ -1,14 +1,14 @@
 #include "workbench/KeyBrowser.h"
 
+#include "platform/foundation/NSAlert.h"
+#include "workbench/SearchPattern.h"
+#include "workbench/StatusTexts.h"
+
 #include <charconv>
 #include <cstdint>
 #include <mutex>
 #include <string>
 #include <utility>
-
-#include "platform/foundation/NSAlert.h"
-#include "workbench/SearchPattern.h"
-#include "workbench/StatusTexts.h"
 
 namespace tarn {
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <functional>
-#include <vector>
-
 #include "workbench/KeyForm.h"
 #include "workbench/TabQueue.h"
 #include "workbench/TabState.h"
+
+#include <functional>
+#include <vector>
 
 namespace tarn {
 

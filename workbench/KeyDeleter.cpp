@@ -1,11 +1,11 @@
 #include "workbench/KeyDeleter.h"
 
-#include <mutex>
-#include <optional>
-
 #include "workbench/KeyPlace.h"
 #include "workbench/SaveQuestions.h"
 #include "workbench/StatusTexts.h"
+
+#include <mutex>
+#include <optional>
 
 namespace tarn {
 

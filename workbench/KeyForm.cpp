@@ -1,11 +1,11 @@
 #include "workbench/KeyForm.h"
 
-#include <memory>
-
+#include "formatters/CouldNegativeNumberFormatter.h"
 #include "platform/foundation/NSAlert.h"
-#include "shell/formatters/CouldNegativeNumberFormatter.h"
 #include "workbench/KeyText.h"
 #include "workbench/StatusTexts.h"
+
+#include <memory>
 
 namespace tarn {
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "platform/foundation/Bytes.h"
+#include "resources/OperationTabLayout.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include "platform/foundation/Bytes.h"
-#include "resources/OperationTabLayout.h"
 
 namespace tarn {
 

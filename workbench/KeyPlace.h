@@ -1,10 +1,10 @@
 #pragma once
 
+#include "platform/foundation/Bytes.h"
+
 #include <cstddef>
 #include <optional>
 #include <vector>
-
-#include "platform/foundation/Bytes.h"
 
 namespace tarn {
 

@@ -1,17 +1,17 @@
 #include "workbench/KeySaver.h"
 
-#include <mutex>
-#include <optional>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSLocalizedString.h"
 #include "workbench/KeyPlace.h"
 #include "workbench/SaveQuestions.h"
 #include "workbench/SaveValidation.h"
 #include "workbench/StatusTexts.h"
+
+#include <mutex>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace tarn {
 

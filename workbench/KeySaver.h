@@ -1,13 +1,13 @@
 #pragma once
 
-#include <cstddef>
-
 #include "workbench/KeyForm.h"
 #include "workbench/RowEditing.h"
 #include "workbench/SaveJob.h"
 #include "workbench/StringPane.h"
 #include "workbench/TabQueue.h"
 #include "workbench/TabState.h"
+
+#include <cstddef>
 
 namespace tarn {
 

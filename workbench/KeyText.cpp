@@ -1,8 +1,8 @@
 #include "workbench/KeyText.h"
 
+#include "codec/EscapeForms.h"
+#include "codec/TextCodec.h"
 #include "platform/foundation/NSLocalizedString.h"
-#include "workbench/codec/EscapeForms.h"
-#include "workbench/codec/TextCodec.h"
 
 namespace tarn {
 

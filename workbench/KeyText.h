@@ -1,9 +1,9 @@
 #pragma once
 
+#include "workbench/TypedBytes.h"
+
 #include <string>
 #include <string_view>
-
-#include "workbench/TypedBytes.h"
 
 namespace tarn {
 

@@ -1,9 +1,9 @@
 #include "workbench/LoadedRows.h"
 
+#include "codec/TextCodec.h"
+
 #include <numeric>
 #include <utility>
-
-#include "workbench/codec/TextCodec.h"
 
 namespace tarn {
 

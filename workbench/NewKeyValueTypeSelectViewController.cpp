@@ -1,8 +1,8 @@
 #include "workbench/NewKeyValueTypeSelectViewController.h"
 
-#include <utility>
-
 #include "platform/foundation/Log.h"
+
+#include <utility>
 
 namespace tarn {
 

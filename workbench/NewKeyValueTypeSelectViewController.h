@@ -1,10 +1,10 @@
 #pragma once
 
-#include <functional>
-#include <string>
-
 #include "platform/appkit/NSViewController.h"
 #include "resources/NewKeyValueTypeSelectLayout.h"
+
+#include <functional>
+#include <string>
 
 namespace tarn {
 

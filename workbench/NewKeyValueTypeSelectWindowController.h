@@ -1,11 +1,11 @@
 #pragma once
 
+#include "platform/appkit/NSWindowController.h"
+#include "workbench/NewKeyValueTypeSelectViewController.h"
+
 #include <functional>
 #include <memory>
 #include <utility>
-
-#include "platform/appkit/NSWindowController.h"
-#include "workbench/NewKeyValueTypeSelectViewController.h"
 
 namespace tarn {
 

@@ -1,7 +1,6 @@
 #include "workbench/OperationTabViewController.h"
 
-#include <utility>
-
+#include "codec/CharsetEnum.h"
 #include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/NSTimer.h"
 #include "workbench/ConsolePane.h"
@@ -19,7 +18,8 @@
 #include "workbench/ValuePanes.h"
 #include "workbench/ValueTables.h"
 #include "workbench/WorkbenchHost.h"
-#include "workbench/codec/CharsetEnum.h"
+
+#include <utility>
 
 namespace tarn {
 

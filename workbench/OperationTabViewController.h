@@ -1,11 +1,11 @@
 #pragma once
 
-#include <memory>
-#include <string>
-
 #include "platform/appkit/NSViewController.h"
 #include "resources/OperationTabLayout.h"
 #include "wire/ServerItem.h"
+
+#include <memory>
+#include <string>
 
 namespace tarn {
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <memory>
-
 #include "platform/appkit/NSActivityBar.h"
 #include "platform/foundation/NSTimer.h"
 #include "workbench/TabPoster.h"
+
+#include <memory>
 
 namespace tarn {
 

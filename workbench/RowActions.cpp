@@ -1,12 +1,12 @@
 #include "workbench/RowActions.h"
 
+#include "platform/appkit/NSMenu.h"
+#include "platform/foundation/NSLocalizedString.h"
+
 #include <array>
 #include <memory>
 #include <utility>
 #include <vector>
-
-#include "platform/appkit/NSMenu.h"
-#include "platform/foundation/NSLocalizedString.h"
 
 namespace tarn {
 

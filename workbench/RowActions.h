@@ -1,11 +1,11 @@
 #pragma once
 
-#include <functional>
-
 #include "workbench/RowEditing.h"
 #include "workbench/TabQueue.h"
 #include "workbench/TabState.h"
 #include "workbench/ValueTables.h"
+
+#include <functional>
 
 namespace tarn {
 

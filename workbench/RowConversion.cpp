@@ -1,10 +1,10 @@
 #include "workbench/RowConversion.h"
 
+#include "codec/EscapeForms.h"
+#include "codec/TextCodec.h"
+
 #include <string>
 #include <utility>
-
-#include "workbench/codec/EscapeForms.h"
-#include "workbench/codec/TextCodec.h"
 
 namespace tarn {
 

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "platform/foundation/Bytes.h"
+#include "workbench/ValueColumn.h"
+
 #include <cstddef>
 #include <optional>
 #include <string_view>
 #include <vector>
-
-#include "platform/foundation/Bytes.h"
-#include "workbench/ValueColumn.h"
 
 namespace tarn {
 

@@ -1,12 +1,12 @@
 #include "workbench/RowEditing.h"
 
-#include <memory>
-#include <utility>
-
+#include "formatters/RequiredCouldNegativeDoubleFormatter.h"
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/NSTimer.h"
-#include "shell/formatters/RequiredCouldNegativeDoubleFormatter.h"
+
+#include <memory>
+#include <utility>
 
 namespace tarn {
 

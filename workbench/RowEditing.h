@@ -1,8 +1,5 @@
 #pragma once
 
-#include <functional>
-#include <string>
-
 #include "platform/appkit/NSTextField.h"
 #include "platform/appkit/NSTextView.h"
 #include "workbench/CellClickableTableView.h"
@@ -10,6 +7,9 @@
 #include "workbench/TabState.h"
 #include "workbench/TypedRow.h"
 #include "workbench/ValueTables.h"
+
+#include <functional>
+#include <string>
 
 namespace tarn {
 

@@ -1,15 +1,15 @@
 #pragma once
 
+#include "wire/ServerItem.h"
+#include "workbench/RowConversion.h"
+#include "workbench/ValueColumn.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "wire/ServerItem.h"
-#include "workbench/RowConversion.h"
-#include "workbench/ValueColumn.h"
 
 namespace tarn {
 

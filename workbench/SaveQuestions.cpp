@@ -1,10 +1,10 @@
 #include "workbench/SaveQuestions.h"
 
-#include <algorithm>
-#include <utility>
-
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSLocalizedString.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace tarn {
 

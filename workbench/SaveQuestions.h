@@ -1,12 +1,12 @@
 #pragma once
 
+#include "workbench/RowConversion.h"
+
 #include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "workbench/RowConversion.h"
 
 namespace tarn {
 

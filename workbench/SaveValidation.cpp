@@ -1,12 +1,12 @@
 #include "workbench/SaveValidation.h"
 
-#include <algorithm>
-
+#include "codec/CharsetEnum.h"
 #include "platform/foundation/NSLocalizedString.h"
 #include "wire/DecimalNumber.h"
 #include "workbench/RowConversion.h"
 #include "workbench/StatusTexts.h"
-#include "workbench/codec/CharsetEnum.h"
+
+#include <algorithm>
 
 namespace tarn {
 

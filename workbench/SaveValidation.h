@@ -1,13 +1,13 @@
 #pragma once
 
+#include "workbench/TypedBytes.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "workbench/TypedBytes.h"
 
 namespace tarn {
 

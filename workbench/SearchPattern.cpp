@@ -1,11 +1,11 @@
 #include "workbench/SearchPattern.h"
 
+#include "codec/EscapeForms.h"
+#include "codec/TextCodec.h"
+#include "platform/foundation/NSLocalizedString.h"
+
 #include <string>
 #include <vector>
-
-#include "platform/foundation/NSLocalizedString.h"
-#include "workbench/codec/EscapeForms.h"
-#include "workbench/codec/TextCodec.h"
 
 namespace tarn {
 

@@ -1,10 +1,10 @@
 #include "workbench/StatusTexts.h"
 
+#include "platform/foundation/NSLocalizedString.h"
+
 #include <algorithm>
 #include <array>
 #include <utility>
-
-#include "platform/foundation/NSLocalizedString.h"
 
 namespace tarn {
 

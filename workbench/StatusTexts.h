@@ -1,10 +1,10 @@
 #pragma once
 
+#include "wire/ConnectionStatus.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
-
-#include "wire/ConnectionStatus.h"
 
 namespace tarn {
 

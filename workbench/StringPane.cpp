@@ -1,10 +1,10 @@
 #include "workbench/StringPane.h"
 
-#include <utility>
-
+#include "codec/TextCodec.h"
 #include "platform/foundation/NSLocalizedString.h"
 #include "workbench/RowConversion.h"
-#include "workbench/codec/TextCodec.h"
+
+#include <utility>
 
 namespace tarn {
 

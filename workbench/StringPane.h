@@ -1,12 +1,12 @@
 #pragma once
 
+#include "resources/OperationTabLayout.h"
+#include "workbench/TabState.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
-
-#include "resources/OperationTabLayout.h"
-#include "workbench/TabState.h"
 
 namespace tarn {
 

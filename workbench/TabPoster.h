@@ -1,9 +1,9 @@
 #pragma once
 
+#include "platform/foundation/NSOperationQueue.h"
+
 #include <memory>
 #include <utility>
-
-#include "platform/foundation/NSOperationQueue.h"
 
 namespace tarn {
 

@@ -1,16 +1,16 @@
 #pragma once
 
-#include <cstddef>
-#include <functional>
-#include <memory>
-#include <utility>
-#include <vector>
-
 #include "platform/foundation/NSOperationQueue.h"
 #include "resources/OperationTabLayout.h"
 #include "workbench/QueueActivity.h"
 #include "workbench/TabPoster.h"
 #include "workbench/TabState.h"
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
 
 namespace tarn {
 
@@ -35,9 +35,9 @@ public:
   // The same for the database that was shown when the work was asked for.
   void addInDatabase(int database, Work work);
 
-  // Does such work here and now, between the queue's blocks, and under a wait cursor; no SELECT of theirs comes between.
-  // Where the wire stands elsewhere, SELECT is sent first, when the running blocks have ended; if that fails, the work is
-  // dropped.
+  // Does such work here and now, between the queue's blocks, and under a wait cursor; no SELECT of theirs comes
+  // between. Where the wire stands elsewhere, SELECT is sent first, when the running blocks have ended; if that fails,
+  // the work is dropped.
   void performInDatabase(int database, const std::function<void(ServerItem& server)>& work);
 
   // Queues a SELECT of the database shown now, behind the running blocks and before all others, then `selected` if the

@@ -1,14 +1,14 @@
 #pragma once
 
+#include "platform/foundation/Bytes.h"
+#include "wire/ServerItem.h"
+#include "workbench/ValueColumn.h"
+
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "platform/foundation/Bytes.h"
-#include "wire/ServerItem.h"
-#include "workbench/ValueColumn.h"
 
 namespace tarn {
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "platform/foundation/Bytes.h"
+
 #include <optional>
 #include <string>
 #include <utility>
-
-#include "platform/foundation/Bytes.h"
 
 namespace tarn {
 

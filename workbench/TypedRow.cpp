@@ -1,8 +1,8 @@
 #include "workbench/TypedRow.h"
 
-#include <utility>
+#include "codec/EscapeForms.h"
 
-#include "workbench/codec/EscapeForms.h"
+#include <utility>
 
 namespace tarn {
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "codec/TextCodec.h"
+#include "platform/foundation/Bytes.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include "platform/foundation/Bytes.h"
-#include "workbench/codec/TextCodec.h"
 
 namespace tarn {
 

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "codec/TextCodec.h"
+#include "platform/foundation/Bytes.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
-
-#include "platform/foundation/Bytes.h"
-#include "workbench/codec/TextCodec.h"
 
 namespace tarn {
 

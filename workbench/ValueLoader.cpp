@@ -1,12 +1,12 @@
 #include "workbench/ValueLoader.h"
 
-#include <optional>
-#include <utility>
-
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSLocalizedString.h"
 #include "workbench/StatusTexts.h"
+
+#include <optional>
+#include <utility>
 
 namespace tarn {
 

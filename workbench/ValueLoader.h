@@ -1,9 +1,5 @@
 #pragma once
 
-#include <functional>
-#include <string>
-#include <vector>
-
 #include "workbench/KeyForm.h"
 #include "workbench/LoadedRows.h"
 #include "workbench/StringPane.h"
@@ -11,6 +7,10 @@
 #include "workbench/TabState.h"
 #include "workbench/ValuePanes.h"
 #include "workbench/ValueTables.h"
+
+#include <functional>
+#include <string>
+#include <vector>
 
 namespace tarn {
 

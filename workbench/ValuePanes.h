@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string_view>
-
 #include "resources/OperationTabLayout.h"
+
+#include <string_view>
 
 namespace tarn {
 

@@ -1,11 +1,11 @@
 #include "workbench/ValueTables.h"
 
+#include "codec/EscapeForms.h"
+#include "formatters/RequiredCouldNegativeDoubleFormatter.h"
+
 #include <algorithm>
 #include <memory>
 #include <utility>
-
-#include "shell/formatters/RequiredCouldNegativeDoubleFormatter.h"
-#include "workbench/codec/EscapeForms.h"
 
 namespace tarn {
 

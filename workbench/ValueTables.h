@@ -1,14 +1,14 @@
 #pragma once
 
+#include "workbench/TabQueue.h"
+#include "workbench/TabState.h"
+
 #include <array>
 #include <cstddef>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "workbench/TabQueue.h"
-#include "workbench/TabState.h"
 
 namespace tarn {
 

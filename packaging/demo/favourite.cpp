@@ -1,13 +1,13 @@
 // Puts one favourite into the store in the user's data folder: favourite NAME HOST PORT. For the demo, whose data
 // folder is a temporary one.
-#include <cstdio>
-#include <cstdlib>
-
 #include "favourites/FavouritesStore.h"
 #include "platform/appkit/NSApplication.h"
 #include "resources/Images.h"
 #include "shell/AppDelegate.h"
 #include "wire/ServerItem.h"
+
+#include <cstdio>
+#include <cstdlib>
 
 int main(int argc, char** argv) {
   using namespace tarn;

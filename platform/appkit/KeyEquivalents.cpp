@@ -1,6 +1,6 @@
 #include "platform/appkit/KeyEquivalents.h"
 
-#include "platform/appkit/TextInputWidget.h"
+#include "platform/appkit/text/TextInputWidget.h"
 #include "platform/foundation/Log.h"
 
 #include <QKeyEvent>

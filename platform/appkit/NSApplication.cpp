@@ -4,12 +4,12 @@
 #include "platform/appkit/ApplicationHost.h"
 #include "platform/appkit/ImageIcon.h"
 #include "platform/appkit/LocalizedLayouts.h"
-#include "platform/appkit/TextInputWidget.h"
+#include "platform/appkit/text/TextInputWidget.h"
 #include "platform/foundation/NSAlert.h"
 
 #include <QWidget>
-
 #include <unistd.h>
+
 #include <cstdio>
 
 namespace tarn {

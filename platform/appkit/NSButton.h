@@ -1,10 +1,10 @@
 #pragma once
 
+#include "platform/appkit/NSControl.h"
+
 #include <memory>
 #include <string>
 #include <string_view>
-
-#include "platform/appkit/NSControl.h"
 
 namespace tarn {
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "platform/appkit/NSView.h"
+
 #include <functional>
 #include <string>
 #include <string_view>
-
-#include "platform/appkit/NSView.h"
 
 namespace tarn {
 

@@ -11,12 +11,13 @@ namespace tarn {
 struct NSMenuItem {
   std::string title;
   std::function<void()> action;
-  std::string keyEquivalent;          // "Ctrl+Q"; empty: none
+  std::string keyEquivalent;  // "Ctrl+Q"; empty: none
   std::shared_ptr<class NSMenu> submenu;
   bool separator = false;
 };
 
-// A menu: what a right click or the menu bar opens. The items are plain data; whoever shows the menu makes the toolkit's.
+// A menu: what a right click or the menu bar opens. The items are plain data; whoever shows the menu makes the
+// toolkit's.
 class NSMenu final {
 public:
   explicit NSMenu(std::string title) : title_(std::move(title)) {}

@@ -2,8 +2,8 @@
 
 #include "platform/appkit/MenuBuilding.h"
 #include "platform/appkit/NSMenu.h"
-#include "platform/appkit/OutlineViewWidget.h"
 #include "platform/appkit/Utf8.h"
+#include "platform/appkit/outline/OutlineViewWidget.h"
 
 #include <QPointer>
 

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "platform/appkit/NSImage.h"
+#include "platform/appkit/NSView.h"
+#include "platform/foundation/NSObject.h"
+
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "platform/appkit/NSImage.h"
-#include "platform/appkit/NSView.h"
-#include "platform/foundation/NSObject.h"
 
 namespace tarn {
 
@@ -46,8 +46,8 @@ public:
 };
 
 // A tree of items, which it holds strongly. Its root row stands 16 points further left. Several rows may be selected;
-// the selection is kept by item when row numbers shift. Expanding and collapsing by code ask nobody. Collapsing drops the
-// selected children and does not select the parent. An item without children stays expanded. A double click doesn't
+// the selection is kept by item when row numbers shift. Expanding and collapsing by code ask nobody. Collapsing drops
+// the selected children and does not select the parent. An item without children stays expanded. A double click doesn't
 // expand; a right click changes nothing but opens the menu.
 class NSOutlineView final : public NSView {
 public:

@@ -1,9 +1,9 @@
 #include "platform/appkit/NSTabView.h"
 
 #include "platform/appkit/NSViewController.h"
-#include "platform/appkit/TabBarWidget.h"
-#include "platform/appkit/TabViewWidget.h"
 #include "platform/appkit/Utf8.h"
+#include "platform/appkit/tabs/TabBarWidget.h"
+#include "platform/appkit/tabs/TabViewWidget.h"
 
 #include <QApplication>
 #include <QFontMetricsF>

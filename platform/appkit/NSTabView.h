@@ -1,10 +1,10 @@
 #pragma once
 
+#include "platform/appkit/NSView.h"
+
 #include <memory>
 #include <string>
 #include <vector>
-
-#include "platform/appkit/NSView.h"
 
 namespace tarn {
 

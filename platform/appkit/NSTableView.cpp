@@ -2,9 +2,9 @@
 
 #include "platform/appkit/MenuBuilding.h"
 #include "platform/appkit/NSMenu.h"
-#include "platform/appkit/TableHeader.h"
-#include "platform/appkit/TableViewWidget.h"
 #include "platform/appkit/Utf8.h"
+#include "platform/appkit/table/TableHeader.h"
+#include "platform/appkit/table/TableViewWidget.h"
 
 #include <QPointer>
 

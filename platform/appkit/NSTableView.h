@@ -1,14 +1,14 @@
 #pragma once
 
+#include "platform/appkit/NSTextField.h"
+#include "platform/appkit/NSView.h"
+#include "platform/foundation/NSFormatter.h"
+
 #include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "platform/appkit/NSTextField.h"
-#include "platform/appkit/NSView.h"
-#include "platform/foundation/NSFormatter.h"
 
 namespace tarn {
 

@@ -1,9 +1,9 @@
 #include "platform/appkit/NSTextField.h"
 
 #include "platform/appkit/KeyEquivalents.h"
-#include "platform/appkit/LabelWidget.h"
-#include "platform/appkit/TextFieldWidget.h"
 #include "platform/appkit/Utf8.h"
+#include "platform/appkit/text/LabelWidget.h"
+#include "platform/appkit/text/TextFieldWidget.h"
 
 #include <QPointer>
 

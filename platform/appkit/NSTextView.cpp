@@ -1,7 +1,7 @@
 #include "platform/appkit/NSTextView.h"
 
-#include "platform/appkit/TextViewWidget.h"
 #include "platform/appkit/Utf8.h"
+#include "platform/appkit/text/TextViewWidget.h"
 
 #include <QPointer>
 

@@ -32,9 +32,9 @@ public:
 };
 
 // Many lines of text to edit. It gives back, code point for code point, the text that it was given, whatever its line
-// ends and control characters, and holds lines of any length: a long line lies in several blocks, and no operation shows
-// where one ends. Text set by code tells nobody and clears undo. Paste and drop insert plain text. Nothing but the
-// user's hand changes the text: there is no substitution of any kind.
+// ends and control characters, and holds lines of any length: a long line lies in several blocks, and no operation
+// shows where one ends. Text set by code tells nobody and clears undo. Paste and drop insert plain text. Nothing but
+// the user's hand changes the text: there is no substitution of any kind.
 class NSTextView final : public NSView {
 public:
   explicit NSTextView(QWidget* widget);

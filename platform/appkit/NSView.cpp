@@ -1,8 +1,8 @@
 #include "platform/appkit/NSView.h"
 
-#include "platform/appkit/TextFieldWidget.h"
 #include "platform/appkit/ToolTips.h"
 #include "platform/appkit/Utf8.h"
+#include "platform/appkit/text/TextFieldWidget.h"
 
 #include <QCoreApplication>
 #include <QLayout>

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "platform/appkit/NSView.h"
+
 #include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
-
-#include "platform/appkit/NSView.h"
 
 namespace tarn {
 

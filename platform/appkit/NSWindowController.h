@@ -1,10 +1,10 @@
 #pragma once
 
-#include <functional>
-#include <memory>
-
 #include "platform/appkit/NSViewController.h"
 #include "platform/appkit/NSWindow.h"
+
+#include <functional>
+#include <memory>
 
 namespace tarn {
 

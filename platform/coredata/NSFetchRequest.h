@@ -1,11 +1,11 @@
 #pragma once
 
+#include "platform/coredata/NSManagedObject.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
-
-#include "platform/coredata/NSManagedObject.h"
 
 namespace tarn {
 

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "platform/coredata/NSEntityDescription.h"
+#include "platform/foundation/NSUUID.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -9,9 +12,6 @@
 #include <string_view>
 #include <variant>
 #include <vector>
-
-#include "platform/coredata/NSEntityDescription.h"
-#include "platform/foundation/NSUUID.h"
 
 namespace tarn {
 

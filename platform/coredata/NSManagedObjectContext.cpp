@@ -1,12 +1,12 @@
 #include "platform/coredata/NSManagedObjectContext.h"
 
-#include <algorithm>
-#include <cstdint>
-#include <utility>
-
 #include "platform/coredata/PersistentStore.h"
 #include "platform/foundation/LocalizableText.h"
 #include "platform/foundation/NSOperationQueue.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
 
 namespace tarn {
 

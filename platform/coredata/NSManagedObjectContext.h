@@ -1,5 +1,10 @@
 #pragma once
 
+#include "platform/coredata/NSError.h"
+#include "platform/coredata/NSFetchRequest.h"
+#include "platform/coredata/NSManagedObject.h"
+#include "platform/coredata/NSManagedObjectModel.h"
+
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -7,11 +12,6 @@
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "platform/coredata/NSError.h"
-#include "platform/coredata/NSFetchRequest.h"
-#include "platform/coredata/NSManagedObject.h"
-#include "platform/coredata/NSManagedObjectModel.h"
 
 namespace tarn {
 

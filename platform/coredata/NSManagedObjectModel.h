@@ -1,11 +1,11 @@
 #pragma once
 
+#include "platform/coredata/NSEntityDescription.h"
+
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "platform/coredata/NSEntityDescription.h"
 
 namespace tarn {
 

@@ -1,11 +1,11 @@
 #include "platform/coredata/NSPersistentContainer.h"
 
-#include <utility>
-#include <variant>
-
 #include "platform/coredata/PersistentStore.h"
 #include "platform/coredata/StoreFile.h"
 #include "platform/foundation/LocalizableText.h"
+
+#include <utility>
+#include <variant>
 
 namespace tarn {
 namespace {

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <memory>
-#include <optional>
-#include <string>
-
 #include "platform/coredata/NSError.h"
 #include "platform/coredata/NSManagedObjectContext.h"
 #include "platform/coredata/NSManagedObjectModel.h"
+
+#include <memory>
+#include <optional>
+#include <string>
 
 namespace tarn {
 

@@ -1,14 +1,14 @@
 #include "platform/coredata/PersistentStore.h"
 
+#include "platform/coredata/SqlStatement.h"
+#include "platform/coredata/StoreFile.h"
+#include "platform/foundation/LocalizableText.h"
+
 #include <sqlite3.h>
 
 #include <cstddef>
 #include <cstdlib>
 #include <utility>
-
-#include "platform/coredata/SqlStatement.h"
-#include "platform/coredata/StoreFile.h"
-#include "platform/foundation/LocalizableText.h"
 
 namespace tarn {
 namespace {

@@ -1,5 +1,9 @@
 #pragma once
 
+#include "platform/coredata/NSError.h"
+#include "platform/coredata/NSManagedObject.h"
+#include "platform/coredata/NSManagedObjectModel.h"
+
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -7,10 +11,6 @@
 #include <string>
 #include <variant>
 #include <vector>
-
-#include "platform/coredata/NSError.h"
-#include "platform/coredata/NSManagedObject.h"
-#include "platform/coredata/NSManagedObjectModel.h"
 
 struct sqlite3;
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "platform/coredata/NSManagedObject.h"
+
 #include <sqlite3.h>
 
 #include <cstdint>
 #include <string>
-
-#include "platform/coredata/NSManagedObject.h"
 
 namespace tarn {
 

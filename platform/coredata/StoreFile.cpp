@@ -1,5 +1,7 @@
 #include "platform/coredata/StoreFile.h"
 
+#include "platform/foundation/LocalizableText.h"
+
 #include <fcntl.h>
 #include <pwd.h>
 #include <sys/stat.h>
@@ -9,8 +11,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <system_error>
-
-#include "platform/foundation/LocalizableText.h"
 
 namespace tarn {
 namespace {

@@ -1,9 +1,9 @@
 #include "platform/foundation/NSAlert.h"
 
-#include <utility>
-
 #include "platform/foundation/Immortal.h"
 #include "platform/foundation/Log.h"
+
+#include <utility>
 
 namespace tarn {
 

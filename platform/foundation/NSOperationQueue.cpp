@@ -1,5 +1,8 @@
 #include "platform/foundation/NSOperationQueue.h"
 
+#include "platform/foundation/Immortal.h"
+#include "platform/foundation/Log.h"
+
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -7,9 +10,6 @@
 #include <system_error>
 #include <thread>
 #include <utility>
-
-#include "platform/foundation/Immortal.h"
-#include "platform/foundation/Log.h"
 
 namespace tarn {
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "platform/foundation/MainQueue.h"
+
 #include <cstddef>
 #include <functional>
 #include <memory>
-
-#include "platform/foundation/MainQueue.h"
 
 namespace tarn {
 
@@ -27,9 +27,9 @@ public:
   void addBarrierBlock(Block block);
 
   // Both run the block on the calling thread, which none of the queue's blocks may wait for, and return when it has
-  // ended. It is no operation of the queue, so it isn't counted, and waits for none that hasn't started. The first waits
-  // for a barrier that runs, and no other starts before it has ended; the second is such a barrier itself: it waits for
-  // all that runs, and nothing starts before it has ended.
+  // ended. It is no operation of the queue, so it isn't counted, and waits for none that hasn't started. The first
+  // waits for a barrier that runs, and no other starts before it has ended; the second is such a barrier itself: it
+  // waits for all that runs, and nothing starts before it has ended.
   void performBesideOperations(const Block& block);
   void performAsBarrier(const Block& block);
 

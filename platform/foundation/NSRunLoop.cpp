@@ -1,12 +1,12 @@
 #include "platform/foundation/NSRunLoop.h"
 
-#include <algorithm>
-#include <utility>
-#include <vector>
-
 #include "platform/foundation/Immortal.h"
 #include "platform/foundation/NSOperationQueue.h"
 #include "platform/foundation/NSTimer.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace tarn {
 

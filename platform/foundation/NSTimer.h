@@ -1,10 +1,10 @@
 #pragma once
 
+#include "platform/foundation/NSRunLoop.h"
+
 #include <atomic>
 #include <functional>
 #include <memory>
-
-#include "platform/foundation/NSRunLoop.h"
 
 namespace tarn {
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "platform/storekit/SKProduct.h"
+
 #include <string>
 #include <utility>
-
-#include "platform/storekit/SKProduct.h"
 
 namespace tarn {
 

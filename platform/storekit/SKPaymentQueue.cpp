@@ -1,9 +1,9 @@
 #include "platform/storekit/SKPaymentQueue.h"
 
-#include <algorithm>
-
 #include "platform/foundation/Immortal.h"
 #include "platform/storekit/SKStore.h"
+
+#include <algorithm>
 
 namespace tarn {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <vector>
-
 #include "platform/storekit/SKPayment.h"
+
+#include <vector>
 
 namespace tarn {
 

@@ -1,11 +1,11 @@
 #include "platform/storekit/SKProductsRequest.h"
 
-#include <utility>
-#include <variant>
-
 #include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/NSOperationQueue.h"
 #include "platform/storekit/SKStore.h"
+
+#include <utility>
+#include <variant>
 
 namespace tarn {
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "platform/storekit/SKProduct.h"
+
 #include <memory>
 #include <set>
 #include <string>
-
-#include "platform/storekit/SKProduct.h"
 
 namespace tarn {
 

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "platform/storekit/SKPayment.h"
+#include "platform/storekit/SKProduct.h"
+
 #include <functional>
 #include <set>
 #include <string>
 #include <variant>
-
-#include "platform/storekit/SKPayment.h"
-#include "platform/storekit/SKProduct.h"
 
 namespace tarn {
 

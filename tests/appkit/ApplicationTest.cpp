@@ -1,13 +1,11 @@
-#include "platform/appkit/NSApplication.h"
-
 #include "platform/appkit/MenuBuilding.h"
+#include "platform/appkit/NSApplication.h"
 #include "platform/appkit/NSMenu.h"
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSOperationQueue.h"
 #include "platform/foundation/NSTimer.h"
 #include "tests/support/widgets/Hand.h"
 
-#include <gtest/gtest.h>
 #include <QApplication>
 #include <QComboBox>
 #include <QEventLoop>
@@ -17,6 +15,7 @@
 #include <QScrollBar>
 #include <QTest>
 #include <QVBoxLayout>
+#include <gtest/gtest.h>
 
 #include <functional>
 #include <string>

@@ -3,7 +3,6 @@
 #include "platform/appkit/NSWindow.h"
 #include "tests/support/widgets/Hand.h"
 
-#include <gtest/gtest.h>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
@@ -11,6 +10,7 @@
 #include <QPushButton>
 #include <QTest>
 #include <QVBoxLayout>
+#include <gtest/gtest.h>
 
 #include <functional>
 #include <memory>

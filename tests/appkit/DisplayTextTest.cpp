@@ -1,4 +1,4 @@
-#include "platform/appkit/DisplayText.h"
+#include "platform/appkit/text/DisplayText.h"
 
 #include <gtest/gtest.h>
 

@@ -9,10 +9,30 @@
 namespace tarn::test {
 
 // Pieces of text that toolkits like to change: line ends, controls, noncharacters, pairs and composed characters.
-constexpr std::array<QStringView, 24> treacherousTexts{
-    u"\r", u"\n", u"\r\n", u"\t", QStringView(u"\0", 1), u"\x1B", u"\x7F", u"\x85", u"\xA0", u"\xAD", u"\u2028",
-    u"\u2029", u"\xFDD0", u"\xFDD1", u"\uFFFC", u"\xFFFE", u"\uFEFF", u"\U0001FFFF", u"e\u0301", u"\u4E2D\u6587",
-    u"\u202E", u"\U0001F469\u200D\U0001F680", u"\u0627\u0644", u"\uE000"};
+constexpr std::array<QStringView, 24> treacherousTexts{u"\r",
+                                                       u"\n",
+                                                       u"\r\n",
+                                                       u"\t",
+                                                       QStringView(u"\0", 1),
+                                                       u"\x1B",
+                                                       u"\x7F",
+                                                       u"\x85",
+                                                       u"\xA0",
+                                                       u"\xAD",
+                                                       u"\u2028",
+                                                       u"\u2029",
+                                                       u"\xFDD0",
+                                                       u"\xFDD1",
+                                                       u"\uFFFC",
+                                                       u"\xFFFE",
+                                                       u"\uFEFF",
+                                                       u"\U0001FFFF",
+                                                       u"e\u0301",
+                                                       u"\u4E2D\u6587",
+                                                       u"\u202E",
+                                                       u"\U0001F469\u200D\U0001F680",
+                                                       u"\u0627\u0644",
+                                                       u"\uE000"};
 
 inline QString allTreacherousTexts() {
   QString all = QString(QChar(0xFEFF));

@@ -1,17 +1,15 @@
-#include "platform/appkit/LabelWidget.h"
-
 #include "platform/appkit/NSTextField.h"
-#include "platform/appkit/TextFieldWidget.h"
 #include "platform/appkit/Utf8.h"
+#include "platform/appkit/text/LabelWidget.h"
+#include "platform/appkit/text/TextFieldWidget.h"
 #include "tests/appkit/ExactTexts.h"
 #include "tests/support/widgets/Hand.h"
-
-#include <gtest/gtest.h>
 
 #include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QHelpEvent>
 #include <QToolTip>
+#include <gtest/gtest.h>
 
 namespace tarn::test {
 

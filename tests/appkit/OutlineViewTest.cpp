@@ -1,14 +1,14 @@
 #include "platform/appkit/NSMenu.h"
 #include "platform/appkit/NSOutlineView.h"
-#include "platform/appkit/OutlineViewWidget.h"
+#include "platform/appkit/outline/OutlineViewWidget.h"
 #include "tests/support/widgets/Hand.h"
 
-#include <gtest/gtest.h>
 #include <QAccessible>
 #include <QContextMenuEvent>
 #include <QMenu>
 #include <QTest>
 #include <QVBoxLayout>
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <functional>

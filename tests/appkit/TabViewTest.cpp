@@ -1,15 +1,14 @@
 #include "platform/appkit/NSTabView.h"
-
 #include "platform/appkit/NSViewController.h"
-#include "platform/appkit/TabBarWidget.h"
-#include "platform/appkit/TabViewWidget.h"
+#include "platform/appkit/tabs/TabBarWidget.h"
+#include "platform/appkit/tabs/TabViewWidget.h"
 #include "tests/support/widgets/Hand.h"
 
-#include <gtest/gtest.h>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
 #include <QVBoxLayout>
+#include <gtest/gtest.h>
 
 #include <cmath>
 

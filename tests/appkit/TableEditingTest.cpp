@@ -1,6 +1,5 @@
-#include "tests/appkit/TableFixture.h"
-
 #include "platform/foundation/NSFormatter.h"
+#include "tests/appkit/TableFixture.h"
 
 #include <QComboBox>
 #include <QMenu>

@@ -1,15 +1,15 @@
 #pragma once
 
 #include "platform/appkit/NSTableView.h"
-#include "platform/appkit/TableHeader.h"
-#include "platform/appkit/TableViewWidget.h"
+#include "platform/appkit/table/TableHeader.h"
+#include "platform/appkit/table/TableViewWidget.h"
 #include "tests/support/widgets/Hand.h"
 
-#include <gtest/gtest.h>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QVBoxLayout>
+#include <gtest/gtest.h>
 
 #include <map>
 #include <string>

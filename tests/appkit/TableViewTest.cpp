@@ -1,6 +1,5 @@
+#include "platform/appkit/table/CellText.h"
 #include "tests/appkit/TableFixture.h"
-
-#include "platform/appkit/CellText.h"
 
 #include <QAccessible>
 #include <QFontMetrics>

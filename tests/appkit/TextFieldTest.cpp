@@ -1,18 +1,16 @@
 #include "platform/appkit/NSTextField.h"
-
 #include "platform/appkit/NSTextView.h"
-#include "platform/appkit/TextFieldWidget.h"
-#include "platform/appkit/TextViewWidget.h"
 #include "platform/appkit/Utf8.h"
+#include "platform/appkit/text/TextFieldWidget.h"
+#include "platform/appkit/text/TextViewWidget.h"
 #include "tests/appkit/ExactTexts.h"
 #include "tests/support/widgets/Hand.h"
-
-#include <gtest/gtest.h>
 
 #include <QApplication>
 #include <QClipboard>
 #include <QTest>
 #include <QVBoxLayout>
+#include <gtest/gtest.h>
 
 #include <functional>
 

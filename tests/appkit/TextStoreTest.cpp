@@ -1,6 +1,5 @@
-#include "platform/appkit/TextStore.h"
-
 #include "platform/appkit/Utf8.h"
+#include "platform/appkit/text/TextStore.h"
 #include "tests/appkit/ExactTexts.h"
 
 #include <gtest/gtest.h>

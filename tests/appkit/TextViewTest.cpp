@@ -1,11 +1,8 @@
 #include "platform/appkit/NSTextView.h"
-
-#include "platform/appkit/TextViewWidget.h"
 #include "platform/appkit/Utf8.h"
+#include "platform/appkit/text/TextViewWidget.h"
 #include "tests/appkit/ExactTexts.h"
 #include "tests/support/widgets/Hand.h"
-
-#include <gtest/gtest.h>
 
 #include <QApplication>
 #include <QClipboard>
@@ -16,6 +13,7 @@
 #include <QScrollBar>
 #include <QTest>
 #include <QVBoxLayout>
+#include <gtest/gtest.h>
 
 #include <functional>
 #include <random>

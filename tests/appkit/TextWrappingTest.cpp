@@ -1,14 +1,13 @@
-#include "platform/appkit/BlockLayout.h"
-#include "platform/appkit/TextViewWidget.h"
+#include "platform/appkit/text/BlockLayout.h"
+#include "platform/appkit/text/TextViewWidget.h"
 #include "tests/support/widgets/Hand.h"
-
-#include <gtest/gtest.h>
 
 #include <QApplication>
 #include <QInputMethodEvent>
 #include <QScrollBar>
 #include <QTest>
 #include <QTextLayout>
+#include <gtest/gtest.h>
 
 #include <random>
 #include <vector>

@@ -1,4 +1,4 @@
-#include "workbench/codec/EscapeForms.h"
+#include "codec/EscapeForms.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
+#include "formatters/CouldNegativeNumberFormatter.h"
+#include "formatters/PositiveIntegerValueFormatter.h"
+#include "formatters/RequiredCouldNegativeDoubleFormatter.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
-
-#include "shell/formatters/CouldNegativeNumberFormatter.h"
-#include "shell/formatters/PositiveIntegerValueFormatter.h"
-#include "shell/formatters/RequiredCouldNegativeDoubleFormatter.h"
 
 namespace tarn {
 namespace {

@@ -1,5 +1,4 @@
-#include "workbench/codec/TextCodec.h"
-
+#include "codec/TextCodec.h"
 #include "platform/foundation/Utf8.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 #include "platform/coredata/NSManagedObjectContext.h"
+#include "tests/coredata/StoreFixture.h"
 
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -8,8 +9,6 @@
 #include <csignal>
 #include <string>
 #include <thread>
-
-#include "tests/coredata/StoreFixture.h"
 
 namespace tarn::test {
 namespace {

@@ -1,11 +1,10 @@
 #include "platform/coredata/NSPersistentContainer.h"
+#include "tests/coredata/StoreFixture.h"
 
 #include <sys/stat.h>
 
 #include <filesystem>
 #include <string>
-
-#include "tests/coredata/StoreFixture.h"
 
 namespace tarn::test {
 namespace {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "platform/coredata/NSPersistentContainer.h"
+#include "tests/support/TemporaryDataHome.h"
+
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -7,9 +10,6 @@
 #include <sstream>
 #include <string>
 #include <vector>
-
-#include "platform/coredata/NSPersistentContainer.h"
-#include "tests/support/TemporaryDataHome.h"
 
 namespace tarn::test {
 

@@ -1,10 +1,10 @@
-#include <string>
-#include <vector>
-
 #include "tests/endtoend/Desk.h"
 #include "tests/support/RedisServer.h"
 #include "tests/support/RespClient.h"
 #include "tests/support/widgets/Hand.h"
+
+#include <string>
+#include <vector>
 
 namespace tarn::test {
 

@@ -1,17 +1,17 @@
+#include "platform/appkit/AlertPanel.h"
+#include "platform/appkit/text/TextViewWidget.h"
+#include "platform/foundation/NSAlert.h"
+#include "tests/endtoend/Desk.h"
+#include "tests/support/RedisServer.h"
+#include "tests/support/RespClient.h"
+#include "tests/support/widgets/Hand.h"
+
 #include <QAccessible>
 #include <QApplication>
 
 #include <functional>
 #include <set>
 #include <string>
-
-#include "platform/appkit/AlertPanel.h"
-#include "platform/appkit/TextViewWidget.h"
-#include "platform/foundation/NSAlert.h"
-#include "tests/endtoend/Desk.h"
-#include "tests/support/RedisServer.h"
-#include "tests/support/RespClient.h"
-#include "tests/support/widgets/Hand.h"
 
 namespace tarn::test {
 

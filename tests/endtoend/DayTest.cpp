@@ -1,3 +1,9 @@
+#include "tests/endtoend/Desk.h"
+#include "tests/support/LoopbackPort.h"
+#include "tests/support/RedisServer.h"
+#include "tests/support/RespClient.h"
+#include "tests/support/widgets/Hand.h"
+
 #include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
@@ -5,12 +11,6 @@
 #include <filesystem>
 #include <iostream>
 #include <string>
-
-#include "tests/endtoend/Desk.h"
-#include "tests/support/LoopbackPort.h"
-#include "tests/support/RedisServer.h"
-#include "tests/support/RespClient.h"
-#include "tests/support/widgets/Hand.h"
 
 namespace tarn::test {
 

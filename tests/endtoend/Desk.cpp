@@ -1,16 +1,16 @@
 #include "tests/endtoend/Desk.h"
 
+#include "favourites/FavouritesStore.h"
+#include "platform/appkit/table/TableViewWidget.h"
+#include "resources/Images.h"
+#include "tests/support/widgets/Hand.h"
+
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QMenu>
 #include <QMenuBar>
 
 #include <algorithm>
-
-#include "favourites/FavouritesStore.h"
-#include "platform/appkit/TableViewWidget.h"
-#include "resources/Images.h"
-#include "tests/support/widgets/Hand.h"
 
 namespace tarn::test {
 

@@ -1,19 +1,18 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <QTreeView>
-
-#include <memory>
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "favourites/MainViewController.h"
 #include "shell/AppDelegate.h"
 #include "shell/MainWindowController.h"
 #include "tests/support/AlertRecorder.h"
 #include "tests/support/TemporaryDataHome.h"
+
+#include <QTreeView>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace tarn::test {
 

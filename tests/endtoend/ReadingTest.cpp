@@ -1,9 +1,9 @@
-#include <string>
-
 #include "tests/endtoend/Desk.h"
 #include "tests/support/RedisServer.h"
 #include "tests/support/RespClient.h"
 #include "tests/support/widgets/Hand.h"
+
+#include <string>
 
 namespace tarn::test {
 

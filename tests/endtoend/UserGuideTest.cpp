@@ -1,14 +1,14 @@
-#include <QWidget>
-
-#include <string>
-
 #include "platform/appkit/AlertPanel.h"
-#include "platform/appkit/TableViewWidget.h"
+#include "platform/appkit/table/TableViewWidget.h"
 #include "platform/foundation/NSAlert.h"
 #include "tests/endtoend/Desk.h"
 #include "tests/support/RedisServer.h"
 #include "tests/support/RespClient.h"
 #include "tests/support/widgets/Hand.h"
+
+#include <QWidget>
+
+#include <string>
 
 namespace tarn::test {
 

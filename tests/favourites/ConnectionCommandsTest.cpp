@@ -1,5 +1,4 @@
 #include "favourites/ConnectionCommands.h"
-
 #include "tests/favourites/FavouritesFixture.h"
 #include "tests/support/RedisServer.h"
 #include "tests/support/ScriptedServer.h"

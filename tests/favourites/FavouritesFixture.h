@@ -1,21 +1,20 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <QModelIndex>
-#include <QTreeView>
-
-#include <memory>
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "favourites/FavouritesStore.h"
 #include "favourites/MainViewController.h"
 #include "favourites/StoreHost.h"
 #include "platform/coredata/NSPersistentContainer.h"
 #include "tests/support/AlertRecorder.h"
 #include "tests/support/TemporaryDataHome.h"
+
+#include <QModelIndex>
+#include <QTreeView>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace tarn::test {
 

@@ -1,5 +1,4 @@
 #include "favourites/FavouritesStore.h"
-
 #include "tests/favourites/FavouritesFixture.h"
 
 namespace tarn::test {

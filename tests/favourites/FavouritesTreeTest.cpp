@@ -1,5 +1,4 @@
 #include "favourites/FavouritesTree.h"
-
 #include "platform/foundation/NSAlert.h"
 #include "tests/favourites/FavouritesFixture.h"
 #include "tests/support/RedisServer.h"

@@ -1,5 +1,4 @@
 #include "tests/favourites/FavouritesFixture.h"
-
 #include "tests/support/RedisServer.h"
 #include "tests/support/widgets/Hand.h"
 

@@ -1,4 +1,6 @@
+#include "platform/foundation/Immortal.h"
 #include "platform/foundation/NSOperationQueue.h"
+#include "platform/foundation/NSRunLoop.h"
 
 #include <gtest/gtest.h>
 
@@ -11,9 +13,6 @@
 #include <string>
 #include <thread>
 #include <vector>
-
-#include "platform/foundation/Immortal.h"
-#include "platform/foundation/NSRunLoop.h"
 
 namespace tarn {
 namespace {

@@ -1,4 +1,8 @@
+#include "platform/foundation/NSAlert.h"
+#include "platform/foundation/NSOperationQueue.h"
+#include "platform/foundation/NSRunLoop.h"
 #include "platform/foundation/NSTimer.h"
+#include "tests/support/AlertRecorder.h"
 
 #include <gtest/gtest.h>
 
@@ -6,11 +10,6 @@
 #include <chrono>
 #include <memory>
 #include <thread>
-
-#include "platform/foundation/NSAlert.h"
-#include "platform/foundation/NSOperationQueue.h"
-#include "platform/foundation/NSRunLoop.h"
-#include "tests/support/AlertRecorder.h"
 
 namespace tarn {
 namespace {

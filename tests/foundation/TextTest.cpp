@@ -1,3 +1,10 @@
+#include "platform/foundation/Base64.h"
+#include "platform/foundation/CharsetConverter.h"
+#include "platform/foundation/Log.h"
+#include "platform/foundation/NSLocalizedString.h"
+#include "platform/foundation/NSUUID.h"
+#include "platform/foundation/Utf8.h"
+
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -6,13 +13,6 @@
 #include <string>
 #include <thread>
 #include <vector>
-
-#include "platform/foundation/Base64.h"
-#include "platform/foundation/CharsetConverter.h"
-#include "platform/foundation/Log.h"
-#include "platform/foundation/NSLocalizedString.h"
-#include "platform/foundation/NSUUID.h"
-#include "platform/foundation/Utf8.h"
 
 namespace tarn {
 namespace {

@@ -1,16 +1,16 @@
 // Feeds the console with lines and replies that nobody would send. The first byte says in what arrivals a reply comes;
 // the rest is taken for a line, and for a reply.
 
+#include "platform/foundation/Utf8.h"
+#include "tests/wire/MemoryCalls.h"
+#include "wire/ConsoleTokeniser.h"
+#include "wire/reply/ConsoleReplyReader.h"
+
 #include <cstdint>
 #include <cstdlib>
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include "platform/foundation/Utf8.h"
-#include "tests/wire/MemoryCalls.h"
-#include "wire/ConsoleReplyReader.h"
-#include "wire/ConsoleTokeniser.h"
 
 namespace {
 

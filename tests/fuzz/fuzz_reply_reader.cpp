@@ -1,11 +1,11 @@
 // Feeds the reply reader with streams that no server would send. The first byte says in what arrivals the rest comes.
 
+#include "tests/wire/MemoryCalls.h"
+#include "wire/reply/ReplyReader.h"
+
 #include <cstdint>
 #include <cstdlib>
 #include <string_view>
-
-#include "tests/wire/MemoryCalls.h"
-#include "wire/ReplyReader.h"
 
 namespace {
 

@@ -1,13 +1,12 @@
-#include "resources/Images.h"
-
 #include "platform/appkit/ImageIcon.h"
 #include "platform/appkit/NSImage.h"
+#include "resources/Images.h"
 #include "resources/Model.h"
 #include "tests/support/widgets/Hand.h"
 
-#include <gtest/gtest.h>
 #include <QImage>
 #include <QPixmap>
+#include <gtest/gtest.h>
 
 namespace tarn::test {
 namespace {

@@ -1,14 +1,12 @@
+#include "platform/appkit/NSViewController.h"
+#include "resources/Images.h"
 #include "resources/MainLayout.h"
 #include "resources/NewConnectionLayout.h"
 #include "resources/NewKeyValueTypeSelectLayout.h"
 #include "resources/OperationTabLayout.h"
 #include "resources/SponsorLayout.h"
-
-#include "platform/appkit/NSViewController.h"
-#include "resources/Images.h"
 #include "tests/support/widgets/Hand.h"
 
-#include <gtest/gtest.h>
 #include <QAccessible>
 #include <QApplication>
 #include <QCheckBox>
@@ -18,6 +16,7 @@
 #include <QMainWindow>
 #include <QPushButton>
 #include <QTranslator>
+#include <gtest/gtest.h>
 
 #include <memory>
 

@@ -1,4 +1,10 @@
+#include "favourites/FavouritesStore.h"
+#include "favourites/MainViewController.h"
+#include "platform/foundation/NSOperationQueue.h"
+#include "resources/Images.h"
 #include "shell/AppDelegate.h"
+#include "tests/support/AlertRecorder.h"
+#include "tests/support/TemporaryDataHome.h"
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -9,13 +15,6 @@
 #include <fstream>
 #include <iterator>
 #include <string>
-
-#include "favourites/FavouritesStore.h"
-#include "favourites/MainViewController.h"
-#include "platform/foundation/NSOperationQueue.h"
-#include "resources/Images.h"
-#include "tests/support/AlertRecorder.h"
-#include "tests/support/TemporaryDataHome.h"
 
 namespace tarn::test {
 

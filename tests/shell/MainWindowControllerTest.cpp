@@ -1,26 +1,23 @@
-#include "shell/MainWindowController.h"
-
-#include <gtest/gtest.h>
-
-#include <QMenu>
-#include <QMenuBar>
-#include <QWidget>
-
-#include <unistd.h>
-
-#include <algorithm>
-#include <memory>
-#include <optional>
-
 #include "favourites/FavouritesStore.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/foundation/NSOperationQueue.h"
 #include "resources/Images.h"
 #include "shell/AppDelegate.h"
+#include "shell/MainWindowController.h"
 #include "tests/support/AlertRecorder.h"
 #include "tests/support/RedisServer.h"
 #include "tests/support/TemporaryDataHome.h"
 #include "tests/support/widgets/Hand.h"
+
+#include <QMenu>
+#include <QMenuBar>
+#include <QWidget>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <memory>
+#include <optional>
 
 namespace tarn::test {
 

@@ -1,12 +1,11 @@
-#include "shell/AppDelegate.h"
-
-#include <gtest/gtest.h>
-
 #include "resources/Images.h"
+#include "shell/AppDelegate.h"
 #include "tests/support/AlertRecorder.h"
 #include "tests/support/StandInStore.h"
 #include "tests/support/TemporaryDataHome.h"
 #include "tests/support/widgets/Hand.h"
+
+#include <gtest/gtest.h>
 
 namespace tarn::test {
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "platform/foundation/NSAlert.h"
+
 #include <deque>
 #include <functional>
 #include <string>
 #include <vector>
-
-#include "platform/foundation/NSAlert.h"
 
 namespace tarn::test {
 

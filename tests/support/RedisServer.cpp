@@ -1,5 +1,7 @@
 #include "tests/support/RedisServer.h"
 
+#include "tests/support/RespClient.h"
+
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/prctl.h>
@@ -13,8 +15,6 @@
 #include <iterator>
 #include <stdexcept>
 #include <thread>
-
-#include "tests/support/RespClient.h"
 
 namespace tarn::test {
 

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "tests/support/LoopbackPort.h"
+
 #include <cstddef>
 #include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
-
-#include "tests/support/LoopbackPort.h"
 
 namespace tarn::test {
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/LoopbackPort.h"
+
 #include <atomic>
 #include <cstddef>
 #include <functional>
@@ -9,8 +11,6 @@
 #include <string_view>
 #include <thread>
 #include <vector>
-
-#include "tests/support/LoopbackPort.h"
 
 namespace tarn::test {
 

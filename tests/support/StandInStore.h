@@ -1,12 +1,12 @@
 #pragma once
 
+#include "platform/storekit/SKStore.h"
+
 #include <functional>
 #include <set>
 #include <string>
 #include <utility>
 #include <vector>
-
-#include "platform/storekit/SKStore.h"
 
 namespace tarn::test {
 

@@ -1,3 +1,7 @@
+#include "platform/foundation/NSRunLoop.h"
+#include "tests/support/LoopbackPort.h"
+#include "tests/wire/WireTest.h"
+
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sched.h>
@@ -9,10 +13,6 @@
 #include <cstdlib>
 #include <map>
 #include <thread>
-
-#include "platform/foundation/NSRunLoop.h"
-#include "tests/support/LoopbackPort.h"
-#include "tests/wire/WireTest.h"
 
 namespace tarn::test {
 namespace {

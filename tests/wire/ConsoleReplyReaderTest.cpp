@@ -1,21 +1,20 @@
-#include "wire/ConsoleReplyReader.h"
+#include "tests/wire/MemoryCalls.h"
+#include "wire/reply/ConsoleReplyReader.h"
 
 #include <gtest/gtest.h>
-
-#include "tests/wire/MemoryCalls.h"
 
 namespace tarn::test {
 namespace {
 
-struct Reading {
+struct ConsoleReading {
   std::string text;
   std::optional<std::string> failure;
   // What the reader left in the stream.
   std::string rest;
 };
 
-Reading read(std::string_view stream, std::size_t arrival = MemoryCalls::wholeAtOnce) {
-  Reading reading;
+ConsoleReading readConsole(std::string_view stream, std::size_t arrival = MemoryCalls::wholeAtOnce) {
+  ConsoleReading reading;
   reading.rest = MemoryCalls::feed<ConsoleReplyReader>(stream, arrival, [&](ConsoleReplyReader& reader) {
     reading.text = reader.readReply();
     reading.failure = reader.failure();
@@ -25,10 +24,10 @@ Reading read(std::string_view stream, std::size_t arrival = MemoryCalls::wholeAt
 
 // Of a whole reply that another one follows; it must read the same byte by byte.
 std::string textOf(const std::string& reply) {
-  const Reading whole = read(reply + "+NEXT\r\n");
+  const ConsoleReading whole = readConsole(reply + "+NEXT\r\n");
   EXPECT_EQ(whole.failure, std::nullopt) << reply;
   EXPECT_EQ(whole.rest, "+NEXT\r\n") << reply;
-  EXPECT_EQ(read(reply + "+NEXT\r\n", 1).text, whole.text) << reply;
+  EXPECT_EQ(readConsole(reply + "+NEXT\r\n", 1).text, whole.text) << reply;
   return whole.text;
 }
 
@@ -110,7 +109,7 @@ TEST(ConsoleReplyReader, EndsABrokenReplyWithWhatThereWasAndTheMessage) {
             "(Err) Server reply Error, unrecognized reply count(775)"},
            {"%1\r\n+a\r\n", "(map)\t", "Can not connect to server"},
        }) {
-    const Reading reading = read(broken.stream);
+    const ConsoleReading reading = readConsole(broken.stream);
     EXPECT_EQ(reading.text, std::string(broken.text) + broken.message) << broken.stream;
     EXPECT_EQ(reading.failure, broken.message) << broken.stream;
   }
@@ -120,7 +119,7 @@ TEST(ConsoleReplyReader, RefusesWhatIsTooDeepToRead) {
   std::string deep;
   for (int depth = 0; depth < 200; ++depth)
     deep += "*1\r\n";
-  EXPECT_EQ(read(deep + ":1\r\n").failure, "(Err) Server reply Error, can not covert data to count value(859)");
+  EXPECT_EQ(readConsole(deep + ":1\r\n").failure, "(Err) Server reply Error, can not covert data to count value(859)");
 }
 
 }  // namespace

@@ -1,10 +1,10 @@
+#include "tests/wire/WireTest.h"
+
 #include <sys/socket.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <mutex>
-
-#include "tests/wire/WireTest.h"
 
 namespace tarn::test {
 namespace {

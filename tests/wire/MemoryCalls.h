@@ -1,5 +1,8 @@
 #pragma once
 
+#include "wire/socket/Socket.h"
+#include "wire/socket/SocketCalls.h"
+
 #include <fcntl.h>
 
 #include <algorithm>
@@ -7,9 +10,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-
-#include "wire/Socket.h"
-#include "wire/SocketCalls.h"
 
 namespace tarn::test {
 

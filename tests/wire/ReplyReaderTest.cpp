@@ -1,11 +1,10 @@
-#include "wire/ReplyReader.h"
+#include "tests/wire/MemoryCalls.h"
+#include "wire/reply/ReplyReader.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
-
-#include "tests/wire/MemoryCalls.h"
 
 namespace tarn::test {
 namespace {

@@ -1,7 +1,7 @@
+#include "tests/wire/WireTest.h"
+
 #include <algorithm>
 #include <limits>
-
-#include "tests/wire/WireTest.h"
 
 namespace tarn::test {
 namespace {

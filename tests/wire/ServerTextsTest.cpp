@@ -1,8 +1,8 @@
-#include <gtest/gtest.h>
-
 #include "wire/ConnectionStatus.h"
 #include "wire/Keyspace.h"
 #include "wire/NodeAddress.h"
+
+#include <gtest/gtest.h>
 
 namespace tarn::test {
 namespace {

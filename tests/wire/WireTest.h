@@ -1,5 +1,13 @@
 #pragma once
 
+#include "platform/foundation/NSOperationQueue.h"
+#include "tests/support/AlertRecorder.h"
+#include "tests/support/RedisServer.h"
+#include "tests/support/ScriptedServer.h"
+#include "wire/ServerItem.h"
+#include "wire/ServerItemHost.h"
+#include "wire/socket/SocketCalls.h"
+
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -11,14 +19,6 @@
 #include <thread>
 #include <utility>
 #include <vector>
-
-#include "platform/foundation/NSOperationQueue.h"
-#include "tests/support/AlertRecorder.h"
-#include "tests/support/RedisServer.h"
-#include "tests/support/ScriptedServer.h"
-#include "wire/ServerItem.h"
-#include "wire/ServerItemHost.h"
-#include "wire/SocketCalls.h"
 
 namespace tarn::test {
 
@@ -82,7 +82,8 @@ public:
   }
 
   static void waitUntil(const std::function<bool()>& done) {
-    while (!done()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    while (!done())
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
 
   static void waitUntilIdle(ServerItem& server) {

@@ -1,8 +1,7 @@
+#include "platform/appkit/table/TableViewWidget.h"
 #include "workbench/CellClickableTableView.h"
 
 #include <gtest/gtest.h>
-
-#include "platform/appkit/TableViewWidget.h"
 
 namespace tarn {
 namespace {

@@ -1,7 +1,7 @@
-#include <algorithm>
-
 #include "tests/support/RedisServer.h"
 #include "tests/workbench/TabFixture.h"
+
+#include <algorithm>
 
 namespace tarn::test {
 namespace {

@@ -1,8 +1,8 @@
 // What a tab sends, in which order, while keys and values are loaded, and what a failure or an older load leaves.
 
-#include <algorithm>
-
 #include "tests/workbench/RecordedTab.h"
+
+#include <algorithm>
 
 namespace tarn::test {
 namespace {

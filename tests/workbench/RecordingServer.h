@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/ScriptedServer.h"
+
 #include <algorithm>
 #include <condition_variable>
 #include <map>
@@ -8,8 +10,6 @@
 #include <string>
 #include <utility>
 #include <vector>
-
-#include "tests/support/ScriptedServer.h"
 
 namespace tarn::test {
 

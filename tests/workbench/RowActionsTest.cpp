@@ -1,8 +1,8 @@
+#include "tests/workbench/RowsFixture.h"
+
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QMenu>
-
-#include "tests/workbench/RowsFixture.h"
 
 namespace tarn::test {
 namespace {

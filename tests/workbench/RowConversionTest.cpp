@@ -1,10 +1,9 @@
-#include "workbench/RowConversion.h"
-
-#include <gtest/gtest.h>
-
 #include "workbench/KeyPlace.h"
+#include "workbench/RowConversion.h"
 #include "workbench/SaveQuestions.h"
 #include "workbench/SaveValidation.h"
+
+#include <gtest/gtest.h>
 
 namespace tarn::test {
 namespace {

@@ -1,6 +1,6 @@
-#include <QTest>
-
 #include "tests/workbench/RowsFixture.h"
+
+#include <QTest>
 
 namespace tarn::test {
 namespace {

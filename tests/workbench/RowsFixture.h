@@ -1,18 +1,18 @@
 #pragma once
 
+#include "codec/CharsetEnum.h"
+#include "tests/support/AlertRecorder.h"
+#include "tests/workbench/TableHands.h"
+#include "workbench/RowActions.h"
+#include "workbench/RowEditing.h"
+#include "workbench/ValuePanes.h"
+
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
-
-#include "tests/support/AlertRecorder.h"
-#include "tests/workbench/TableHands.h"
-#include "workbench/RowActions.h"
-#include "workbench/RowEditing.h"
-#include "workbench/ValuePanes.h"
-#include "workbench/codec/CharsetEnum.h"
 
 namespace tarn::test {
 

@@ -1,13 +1,13 @@
 // What a save leaves on a real server, byte for byte.
 
-#include <cstdlib>
-#include <map>
-#include <random>
-
+#include "codec/TextCodec.h"
 #include "tests/support/RedisServer.h"
 #include "tests/support/RespClient.h"
 #include "tests/workbench/TabFixture.h"
-#include "workbench/codec/TextCodec.h"
+
+#include <cstdlib>
+#include <map>
+#include <random>
 
 namespace tarn::test {
 namespace {

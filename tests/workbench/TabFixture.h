@@ -1,16 +1,16 @@
 #pragma once
 
+#include "tests/support/AlertRecorder.h"
+#include "tests/support/widgets/Hand.h"
+#include "wire/ServerItem.h"
+#include "workbench/OperationTabViewController.h"
+
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "tests/support/AlertRecorder.h"
-#include "tests/support/widgets/Hand.h"
-#include "wire/ServerItem.h"
-#include "workbench/OperationTabViewController.h"
 
 namespace tarn::test {
 

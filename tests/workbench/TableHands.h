@@ -1,9 +1,9 @@
 #pragma once
 
-#include <string_view>
-
-#include "platform/appkit/TableViewWidget.h"
+#include "platform/appkit/table/TableViewWidget.h"
 #include "tests/support/widgets/Hand.h"
+
+#include <string_view>
 
 namespace tarn::test {
 

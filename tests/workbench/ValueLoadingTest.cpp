@@ -1,8 +1,8 @@
-#include <algorithm>
-
 #include "tests/support/RedisServer.h"
 #include "tests/workbench/TabFixture.h"
 #include "tests/workbench/TableHands.h"
+
+#include <algorithm>
 
 namespace tarn::test {
 namespace {

@@ -1,7 +1,7 @@
-#include <gtest/gtest.h>
-
 #include "workbench/LoadedRows.h"
 #include "workbench/ValueColumn.h"
+
+#include <gtest/gtest.h>
 
 namespace tarn {
 namespace {

@@ -1,9 +1,8 @@
 #include "platform/appkit/NSApplication.h"
 #include "platform/foundation/NSLocalizedString.h"
 
-#include <gtest/gtest.h>
-
 #include <QByteArray>
+#include <gtest/gtest.h>
 
 #include <cstdlib>
 

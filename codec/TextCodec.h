@@ -1,0 +1,44 @@
+#pragma once
+
+#include "codec/CharsetEnum.h"
+#include "platform/foundation/Base64.h"
+#include "platform/foundation/Bytes.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tarn {
+
+// The passage between bytes and text. All pure; any thread. Text is UTF-8.
+
+// Nothing when the bytes aren't valid in the character set.
+std::optional<std::string> bytesToText(std::string_view bytes, CharsetEnum charset);
+// Nothing when a character has no form in the character set: never lossy.
+std::optional<Bytes> textToBytes(std::string_view text, CharsetEnum charset);
+
+// True if the bytes are ASCII that the character set reads and writes as it is: a quick look, where only that matters.
+bool isPlainAscii(std::string_view bytes, CharsetEnum charset);
+
+// Names of the codec for the Base64 of platform/foundation.
+inline std::string bytesToBase64(std::string_view bytes) {
+  return base64Encode(bytes);
+}
+inline std::optional<Bytes> base64ToBytes(std::string_view text) {
+  return base64Decode(text);
+}
+
+// The two characters in front of Base64 text: how bytes that don't decode are shown and typed.
+inline constexpr std::string_view base64Marker = "\\B";
+
+struct RowText {
+  std::string text;
+  bool isBase64 = false;
+
+  bool operator==(const RowText&) const = default;
+};
+
+// How a row of a value is shown under the title of a pop-up, "Base64" or a character set; the text is unescaped.
+RowText rowDisplayText(std::string_view bytes, std::string_view title);
+
+}  // namespace tarn

@@ -1,0 +1,27 @@
+#include "platform/appkit/table/CellText.h"
+
+#include "platform/appkit/Utf8.h"
+#include "platform/appkit/text/DisplayText.h"
+
+#include <QFontMetrics>
+
+namespace tarn {
+
+QString elidedLine(std::string_view text, const QFontMetrics& metrics, int width) {
+  if (width <= 0) return {};
+  // No more characters than would fit if each were two pixels wide, and room for those that have no width.
+  const std::string_view prefix = utf8Prefix(text, static_cast<std::size_t>(width) * 2 + 256);
+  QString line = displayText(toQString(prefix), TabsShow::asMark);
+  if (prefix.size() < text.size()) line += QChar(0x2026);
+  return metrics.elidedText(line, Qt::ElideRight, width);
+}
+
+std::string_view utf8Prefix(std::string_view text, std::size_t maxBytes) {
+  if (text.size() <= maxBytes) return text;
+  std::size_t size = maxBytes;
+  while (size > 0 && (static_cast<unsigned char>(text[size]) & 0xC0U) == 0x80U)
+    --size;
+  return text.substr(0, size);
+}
+
+}  // namespace tarn
