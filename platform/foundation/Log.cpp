@@ -1,19 +1,20 @@
 #include "platform/foundation/Log.h"
 
+#include "platform/foundation/Mutex.h"
+
 #include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
-#include <mutex>
 #include <string>
 
 namespace tarn {
 
 void logLine(std::string_view text) {
-  static std::mutex mutex;
+  static Mutex mutex;
   std::string line(text);
   line += '\n';
-  const std::lock_guard lock(mutex);
+  const MutexLock lock(mutex);
   // Straight to the descriptor: nothing is lost in a buffer when the process ends at once.
   for (std::string_view rest = line; !rest.empty();) {
     const ssize_t written = ::write(STDOUT_FILENO, rest.data(), rest.size());

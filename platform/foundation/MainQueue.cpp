@@ -6,11 +6,11 @@ namespace tarn {
 
 void MainQueue::addOperationWithBlock(Block block) {
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     blocks_.push_back(std::move(block));
   }
   posted_.notify_one();
-  const std::lock_guard lock(wakeMutex_);
+  const MutexLock lock(wakeMutex_);
   if (wake_) wake_();
 }
 
@@ -21,7 +21,7 @@ bool MainQueue::drain() {
   while (true) {
     Block block;
     {
-      const std::lock_guard lock(mutex_);
+      const MutexLock lock(mutex_);
       if (blocks_.empty()) break;
       block = std::move(blocks_.front());
       blocks_.pop_front();
@@ -34,12 +34,14 @@ bool MainQueue::drain() {
 }
 
 void MainQueue::waitForBlocks(std::chrono::steady_clock::time_point limit) {
-  std::unique_lock lock(mutex_);
-  posted_.wait_until(lock, limit, [this] { return !running_ && !blocks_.empty(); });
+  MutexLock lock(mutex_);
+  while (running_ || blocks_.empty()) {
+    if (posted_.wait_until(lock, limit) == std::cv_status::timeout) return;
+  }
 }
 
 void MainQueue::setWaker(std::function<void()> wake) {
-  const std::lock_guard lock(wakeMutex_);
+  const MutexLock lock(wakeMutex_);
   wake_ = std::move(wake);
 }
 

@@ -1,10 +1,11 @@
 #pragma once
 
+#include "platform/foundation/Mutex.h"
+
 #include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <functional>
-#include <mutex>
 
 namespace tarn {
 
@@ -34,11 +35,12 @@ public:
   void setWaker(std::function<void()> wake);
 
 private:
-  std::mutex mutex_;
-  std::condition_variable posted_;
-  std::deque<Block> blocks_;
-  std::mutex wakeMutex_;
-  std::function<void()> wake_;
+  Mutex mutex_;
+  std::condition_variable_any posted_;
+  std::deque<Block> blocks_ GUARDED_BY(mutex_);
+  Mutex wakeMutex_;
+  std::function<void()> wake_ GUARDED_BY(wakeMutex_);
+  // Main thread.
   bool running_ = false;
 };
 

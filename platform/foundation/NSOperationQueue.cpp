@@ -2,10 +2,10 @@
 
 #include "platform/foundation/Immortal.h"
 #include "platform/foundation/Log.h"
+#include "platform/foundation/Mutex.h"
 
 #include <condition_variable>
 #include <deque>
-#include <mutex>
 #include <optional>
 #include <system_error>
 #include <thread>
@@ -24,13 +24,13 @@ struct NSOperationQueue::State : std::enable_shared_from_this<State> {
   explicit State(std::size_t maxConcurrent) : maxConcurrent(maxConcurrent) {}
 
   void add(Operation operation) {
-    const std::lock_guard lock(mutex);
+    const MutexLock lock(mutex);
     waiting.push_back(std::move(operation));
     startThreads();
   }
 
-  // With the lock held. The next operation, marked as running, if one may start now.
-  std::optional<Operation> takeStartable() {
+  // The next operation, marked as running, if one may start now.
+  std::optional<Operation> takeStartable() REQUIRES(mutex) {
     if (waiting.empty() || barrierRuns || callersAsBarrier > 0 || running >= maxConcurrent) return std::nullopt;
     if (waiting.front().isBarrier && running + callersBeside > 0) return std::nullopt;
     Operation operation = std::move(waiting.front());
@@ -40,8 +40,8 @@ struct NSOperationQueue::State : std::enable_shared_from_this<State> {
     return operation;
   }
 
-  // With the lock held. One thread for each operation that may start now.
-  void startThreads() {
+  // One thread for each operation that may start now.
+  void startThreads() REQUIRES(mutex) {
     while (auto operation = takeStartable()) {
       auto shared = std::make_shared<Operation>(std::move(*operation));
       try {
@@ -62,7 +62,7 @@ struct NSOperationQueue::State : std::enable_shared_from_this<State> {
       operation->block();
       // What the block holds goes before the operation counts as ended, and not under the lock: it may be the queue.
       operation.reset();
-      const std::lock_guard lock(mutex);
+      const MutexLock lock(mutex);
       --running;
       barrierRuns = false;
       ended.notify_all();
@@ -72,8 +72,9 @@ struct NSOperationQueue::State : std::enable_shared_from_this<State> {
   }
 
   void performBeside(const Block& block) {
-    std::unique_lock lock(mutex);
-    ended.wait(lock, [this] { return !barrierRuns && callersAsBarrier == 0; });
+    MutexLock lock(mutex);
+    while (barrierRuns || callersAsBarrier > 0)
+      ended.wait(lock);
     ++callersBeside;
     lock.unlock();
     block();
@@ -84,9 +85,10 @@ struct NSOperationQueue::State : std::enable_shared_from_this<State> {
   }
 
   void performAsBarrier(const Block& block) {
-    std::unique_lock lock(mutex);
+    MutexLock lock(mutex);
     ++callersAsBarrier;
-    ended.wait(lock, [this] { return !barrierRuns && running + callersBeside == 0; });
+    while (barrierRuns || running + callersBeside > 0)
+      ended.wait(lock);
     barrierRuns = true;
     lock.unlock();
     block();
@@ -99,19 +101,19 @@ struct NSOperationQueue::State : std::enable_shared_from_this<State> {
 
   void cancelWaiting() {
     std::deque<Operation> cancelled;
-    const std::unique_lock lock(mutex);
+    const MutexLock lock(mutex);
     cancelled.swap(waiting);
   }
 
   const std::size_t maxConcurrent;
-  mutable std::mutex mutex;
-  std::deque<Operation> waiting;
-  std::size_t running = 0;
-  bool barrierRuns = false;
+  mutable Mutex mutex;
+  std::deque<Operation> waiting GUARDED_BY(mutex);
+  std::size_t running GUARDED_BY(mutex) = 0;
+  bool barrierRuns GUARDED_BY(mutex) = false;
   // Threads from outside that run a block between the queue's own, or wait for their turn.
-  std::size_t callersBeside = 0;
-  std::size_t callersAsBarrier = 0;
-  std::condition_variable ended;
+  std::size_t callersBeside GUARDED_BY(mutex) = 0;
+  std::size_t callersAsBarrier GUARDED_BY(mutex) = 0;
+  std::condition_variable_any ended;
 };
 
 NSOperationQueue::NSOperationQueue(std::size_t maxConcurrentOperationCount)
@@ -140,7 +142,7 @@ void NSOperationQueue::performAsBarrier(const Block& block) {
 }
 
 std::size_t NSOperationQueue::operationCount() const {
-  const std::lock_guard lock(state_->mutex);
+  const MutexLock lock(state_->mutex);
   return state_->waiting.size() + state_->running;
 }
 

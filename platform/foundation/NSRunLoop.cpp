@@ -25,7 +25,7 @@ NSRunLoop& NSRunLoop::mainRunLoop() {
 
 std::optional<NSRunLoop::Clock::time_point> NSRunLoop::nextFireDate() const {
   if (modalSessions_ > 0) return std::nullopt;
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   if (timers_.empty()) return std::nullopt;
   return timers_.begin()->first;
 }
@@ -34,7 +34,7 @@ void NSRunLoop::fireTimers() {
   // Those due now are taken first, so that a timer that blocks schedule or that is due again waits for the next time.
   std::vector<std::shared_ptr<NSTimer>> due;
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     const auto end = timers_.upper_bound(Clock::now());
     for (auto it = timers_.begin(); it != end; ++it)
       due.push_back(it->second.timer);
@@ -67,7 +67,7 @@ void NSRunLoop::setScheduleChanged(std::function<void()> changed) {
 
 void NSRunLoop::schedule(Entry entry, Clock::time_point when) {
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     if (!entry.timer->isValid_) return;
     timers_.emplace(when, std::move(entry));
   }
@@ -77,7 +77,7 @@ void NSRunLoop::schedule(Entry entry, Clock::time_point when) {
 void NSRunLoop::unschedule(NSTimer& timer) {
   // What the timer's block holds is let go of without the lock.
   Entry dropped;
-  const std::unique_lock lock(mutex_);
+  const MutexLock lock(mutex_);
   timer.isValid_ = false;
   const auto it = find(timer);
   if (it == timers_.end()) return;
@@ -94,7 +94,7 @@ void NSRunLoop::fire(const std::shared_ptr<NSTimer>& timer) {
   Entry entry;
   Clock::time_point when;
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     const auto it = find(*timer);
     if (it == timers_.end()) return;
     when = it->first;

@@ -1,10 +1,11 @@
 #pragma once
 
+#include "platform/foundation/Mutex.h"
+
 #include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 
 namespace tarn {
@@ -56,13 +57,13 @@ private:
   void schedule(Entry entry, Clock::time_point when);
   // Any thread.
   void unschedule(NSTimer& timer);
-  Timers::iterator find(const NSTimer& timer);
+  Timers::iterator find(const NSTimer& timer) REQUIRES(mutex_);
   void fire(const std::shared_ptr<NSTimer>& timer);
   void tellScheduleChanged() const;
 
-  // Guards the timers, since a timer may be invalidated by any thread.
-  mutable std::mutex mutex_;
-  Timers timers_;
+  // A timer may be invalidated by any thread.
+  mutable Mutex mutex_;
+  Timers timers_ GUARDED_BY(mutex_);
   std::function<void()> changed_;
   int modalSessions_ = 0;
 };
