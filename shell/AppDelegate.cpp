@@ -3,7 +3,6 @@
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSLocalizedString.h"
-#include "platform/foundation/NSOperationQueue.h"
 #include "resources/Model.h"
 
 #include <utility>
@@ -13,11 +12,6 @@ namespace tarn {
 namespace {
 
 AppDelegate* sharedDelegate = nullptr;
-
-// Behind the current event, so that it stands in front of the window and not before it.
-void tellLater(std::string message) {
-  NSOperationQueue::mainQueue().addOperationWithBlock([message = std::move(message)] { showAlert(message); });
-}
 
 }  // namespace
 
@@ -45,7 +39,8 @@ NSPersistentContainer& AppDelegate::persistentContainer() {
     persistentContainer_.emplace("ServerItemModel", managedObjectModel());
     if (const auto error = persistentContainer_->loadPersistentStores()) {
       logLine("Unresolved error " + error->description() + ", " + error->userInfo());
-      tellLater(replacingPlaceholders(
+      // Behind the current event, so that it stands in front of the window and not before it.
+      postAlert(replacingPlaceholders(
           localizedString("The favourites in '{0}' can not be opened: {1}. The file is left as it is, and until this "
                           "is mended no favourite can be shown or saved."),
           error->file, localizedString(error->reason.c_str())));

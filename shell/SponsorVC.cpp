@@ -2,7 +2,6 @@
 
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSAlert.h"
-#include "platform/foundation/NSOperationQueue.h"
 
 #include <algorithm>
 #include <utility>
@@ -40,7 +39,7 @@ void SponsorVC::requestDidFinish() {
 }
 
 void SponsorVC::requestDidFailWithError(const SKError& error) {
-  NSOperationQueue::mainQueue().addOperationWithBlock([message = error.localizedDescription] { showAlert(message); });
+  postAlert(error.localizedDescription);
 }
 
 void SponsorVC::buyProduct(const std::string& identifier) {

@@ -1,6 +1,6 @@
 #include "wire/Keyspace.h"
 
-#include "wire/SplitText.h"
+#include "platform/foundation/SplitText.h"
 
 namespace tarn {
 

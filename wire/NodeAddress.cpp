@@ -1,7 +1,7 @@
 #include "wire/NodeAddress.h"
 
+#include "platform/foundation/SplitText.h"
 #include "wire/DecimalNumber.h"
-#include "wire/SplitText.h"
 
 namespace tarn {
 

@@ -2,8 +2,8 @@
 
 #include "codec/TextCodec.h"
 #include "platform/foundation/Log.h"
+#include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSLocalizedString.h"
-#include "wire/BareAlert.h"
 #include "wire/DecimalNumber.h"
 #include "wire/Keyspace.h"
 #include "wire/NodeAddress.h"
@@ -37,13 +37,13 @@ void ServerItem::loadDatabases() {
   const Closings began = closings();
   const ReplyResult reply = executeAndShowFailure(RedisCommand::config, {"get", "databases"});
   if (!reply.ok) return;
-  if (!reply.list) return showBareAlert(localizedString("Can not cover database count string to Int(907)"));
-  if (reply.list->size() < 2) return showBareAlert(localizedString("Can not cover database count string to Int(915)"));
+  if (!reply.list) return postAlert(localizedString("Can not cover database count string to Int(907)"));
+  if (reply.list->size() < 2) return postAlert(localizedString("Can not cover database count string to Int(915)"));
   const auto text = bytesToText((*reply.list)[1].view(), CharsetEnum::utf8);
-  if (!text) return showBareAlert(localizedString("Can not cover database count string to Int(940)"));
+  if (!text) return postAlert(localizedString("Can not cover database count string to Int(940)"));
   const auto count = decimalInteger(*text);
   if (!count || *count < 0 || *count > maxDatabases) {
-    return showBareAlert(localizedString("Can not cover database count string to Int(933)"));
+    return postAlert(localizedString("Can not cover database count string to Int(933)"));
   }
   replaceDbs(static_cast<int>(*count), began);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/foundation/InstalledHost.h"
+
 #include <memory>
 
 namespace tarn {
@@ -8,7 +10,7 @@ class ServerItem;
 
 // What a connection asks of the window that shows it. Every call comes on the main queue. With no host installed the
 // calls lapse.
-class ServerItemHost {
+class ServerItemHost : public InstalledHost<ServerItemHost> {
 public:
   virtual ~ServerItemHost() = default;
 
@@ -23,10 +25,6 @@ public:
   virtual void bringDatabasesUpToDate(const std::shared_ptr<ServerItem>& server, bool connected) = 0;
   // The wire stands on another database than before, by a line typed in the console: the server's tab shows it.
   virtual void showSelectedDatabase(const std::shared_ptr<ServerItem>& server) = 0;
-
-  // The host, or nothing. Main thread.
-  static ServerItemHost* installed();
-  static void install(ServerItemHost* host);
 };
 
 }  // namespace tarn

@@ -2,8 +2,8 @@
 
 #include "codec/TextCodec.h"
 #include "platform/foundation/Log.h"
+#include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSLocalizedString.h"
-#include "wire/BareAlert.h"
 #include "wire/NodeAddress.h"
 #include "wire/ServerItem.h"
 
@@ -64,7 +64,7 @@ std::vector<Bytes> ServerItem::scanMasters(std::string_view nodes, const Bytes& 
     } else {
       const std::string port = std::to_string(address.port);
       logLine("serverItem.serverPort:::" + port + "::connect failure");
-      showBareAlert(address.host + ":" + port + localizedString(", Connect Failure"));
+      postAlert(address.host + ":" + port + localizedString(", Connect Failure"));
     }
     master->closeConnection();
     if (isFull(keys, limit)) break;
@@ -96,7 +96,7 @@ std::vector<Bytes> ServerItem::scanToTheEnd(RedisCommand command, std::vector<By
     }
     auto cursor = cursorOf(reply);
     if (!cursor) {
-      showBareAlert(localizedString("Can not get scan cursor from server(994)"));
+      postAlert(localizedString("Can not get scan cursor from server(994)"));
       return {};
     }
     if (isFull(found, limit) || *cursor == "0"_bytes) break;

@@ -3,6 +3,7 @@
 #include "codec/EscapeForms.h"
 #include "codec/TextCodec.h"
 #include "platform/foundation/NSLocalizedString.h"
+#include "platform/foundation/SplitText.h"
 
 #include <string>
 #include <vector>
@@ -10,16 +11,6 @@
 namespace tarn {
 
 namespace {
-
-std::vector<std::string_view> splitAtStars(std::string_view text) {
-  std::vector<std::string_view> parts;
-  while (!text.empty()) {
-    const std::size_t star = std::min(text.find('*'), text.size());
-    if (star > 0) parts.push_back(text.substr(0, star));
-    text.remove_prefix(std::min(star + 1, text.size()));
-  }
-  return parts;
-}
 
 TypedBytes markedBytes(std::string_view part) {
   const std::string alert = localizedString("Can not decode base64 part of the Search Key '{0}'");
@@ -41,7 +32,7 @@ TypedBytes base64Bytes(std::string_view text) {
 TypedBytes joinedParts(std::string_view text, CharsetEnum charset) {
   Bytes pattern;
   bool first = true;
-  for (const std::string_view part : splitAtStars(text)) {
+  for (const std::string_view part : splitText(text, "*")) {
     TypedBytes bytes = partBytes(part, charset);
     if (!bytes.hasValue()) return bytes;
     if (!first) pattern.append("*");

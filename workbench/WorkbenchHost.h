@@ -1,11 +1,13 @@
 #pragma once
 
+#include "platform/foundation/InstalledHost.h"
+
 namespace tarn {
 
 class OperationTabViewController;
 
 // What a tab asks of the window that holds it. Main queue. With no host installed the calls lapse.
-class WorkbenchHost {
+class WorkbenchHost : public InstalledHost<WorkbenchHost> {
 public:
   virtual ~WorkbenchHost() = default;
 
@@ -15,9 +17,6 @@ public:
   virtual void reconnect(OperationTabViewController& tab) = 0;
   // "New": opens the dialog that picks a value type.
   virtual void openTypeDialog() = 0;
-
-  static WorkbenchHost* installed();
-  static void install(WorkbenchHost* host);
 };
 
 }  // namespace tarn

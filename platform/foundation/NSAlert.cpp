@@ -2,6 +2,7 @@
 
 #include "platform/foundation/Immortal.h"
 #include "platform/foundation/Log.h"
+#include "platform/foundation/NSOperationQueue.h"
 
 #include <utility>
 
@@ -39,6 +40,10 @@ void showAlert(std::string message) {
   NSAlert alert;
   alert.setMessageText(std::move(message));
   alert.runModal();
+}
+
+void postAlert(std::string message) {
+  NSOperationQueue::mainQueue().addOperationWithBlock([message = std::move(message)] { showAlert(message); });
 }
 
 }  // namespace tarn

@@ -48,4 +48,7 @@ private:
 // The usual alert: one message, one button.
 void showAlert(std::string message);
 
+// The same, later, on the main queue. Any thread.
+void postAlert(std::string message);
+
 }  // namespace tarn

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/foundation/InstalledHost.h"
 #include "platform/storekit/SKPayment.h"
 #include "platform/storekit/SKProduct.h"
 
@@ -12,7 +13,7 @@ namespace tarn {
 
 // A store that sells for money. A platform that has one installs it, and so does a test; none is installed by default.
 // Main thread only.
-class SKStore {
+class SKStore : public InstalledHost<SKStore> {
 public:
   using Answer = std::variant<SKProductsResponse, SKError>;
 
@@ -24,10 +25,6 @@ public:
   virtual void addPayment(const SKMutablePayment& payment) = 0;
   // The program has done its part of the transaction: it isn't told again.
   virtual void finishTransaction(const SKPaymentTransaction& transaction) = 0;
-
-  // Nothing on a platform without a store.
-  static SKStore* installed();
-  static void install(SKStore* store);
 };
 
 }  // namespace tarn

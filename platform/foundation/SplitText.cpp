@@ -1,4 +1,4 @@
-#include "wire/SplitText.h"
+#include "platform/foundation/SplitText.h"
 
 #include <algorithm>
 
