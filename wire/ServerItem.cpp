@@ -1,8 +1,8 @@
 #include "wire/ServerItem.h"
 
 #include "platform/foundation/NSAlert.h"
-#include "wire/NodeAddress.h"
 #include "wire/ServerItemHost.h"
+#include "wire/cluster/NodeAddress.h"
 #include "wire/socket/Socket.h"
 
 namespace tarn {

@@ -7,7 +7,7 @@
 #include "platform/foundation/NSUUID.h"
 #include "wire/ConnectionStatus.h"
 #include "wire/DbItem.h"
-#include "wire/RedisCommand.h"
+#include "wire/command/RedisCommand.h"
 #include "wire/reply/ReplyResult.h"
 
 #include <cstddef>

@@ -2,8 +2,8 @@
 
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSLocalizedString.h"
-#include "wire/NodeAddress.h"
 #include "wire/ServerItem.h"
+#include "wire/cluster/NodeAddress.h"
 #include "wire/socket/Socket.h"
 
 #include <netdb.h>

@@ -2,11 +2,11 @@
 
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSLocalizedString.h"
-#include "wire/ConsoleTokeniser.h"
 #include "wire/DecimalNumber.h"
-#include "wire/RequestEncoder.h"
 #include "wire/ServerItem.h"
 #include "wire/ServerItemHost.h"
+#include "wire/command/RequestEncoder.h"
+#include "wire/console/ConsoleTokeniser.h"
 #include "wire/reply/ConsoleReplyReader.h"
 #include "wire/socket/Socket.h"
 

@@ -6,9 +6,9 @@
 #include "platform/foundation/NSLocalizedString.h"
 #include "wire/DecimalNumber.h"
 #include "wire/Keyspace.h"
-#include "wire/NodeAddress.h"
 #include "wire/ServerItem.h"
 #include "wire/ServerItemHost.h"
+#include "wire/cluster/NodeAddress.h"
 
 #include <algorithm>
 #include <limits>

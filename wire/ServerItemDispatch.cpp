@@ -2,9 +2,9 @@
 
 #include "platform/foundation/NSLocalizedString.h"
 #include "wire/DecimalNumber.h"
-#include "wire/NodeAddress.h"
-#include "wire/RequestEncoder.h"
 #include "wire/ServerItem.h"
+#include "wire/cluster/NodeAddress.h"
+#include "wire/command/RequestEncoder.h"
 #include "wire/reply/ReplyReader.h"
 #include "wire/socket/Socket.h"
 

@@ -4,8 +4,8 @@
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSLocalizedString.h"
-#include "wire/NodeAddress.h"
 #include "wire/ServerItem.h"
+#include "wire/cluster/NodeAddress.h"
 
 #include <algorithm>
 #include <iterator>

@@ -3,7 +3,7 @@
 #include "platform/appkit/NSApplication.h"
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSLocalizedString.h"
-#include "wire/ConsoleTokeniser.h"
+#include "wire/console/ConsoleTokeniser.h"
 
 #include <algorithm>
 #include <memory>

@@ -3,7 +3,7 @@
 
 #include "platform/foundation/Utf8.h"
 #include "tests/wire/MemoryCalls.h"
-#include "wire/ConsoleTokeniser.h"
+#include "wire/console/ConsoleTokeniser.h"
 #include "wire/reply/ConsoleReplyReader.h"
 
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "wire/ConnectionStatus.h"
 #include "wire/Keyspace.h"
-#include "wire/NodeAddress.h"
+#include "wire/cluster/NodeAddress.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "wire/ConsoleTokeniser.h"
+#include "wire/console/ConsoleTokeniser.h"
 
 #include "codec/EscapeForms.h"
 

@@ -1,4 +1,4 @@
-#include "wire/RedisCommand.h"
+#include "wire/command/RedisCommand.h"
 
 namespace tarn {
 

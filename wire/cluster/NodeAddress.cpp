@@ -1,4 +1,4 @@
-#include "wire/NodeAddress.h"
+#include "wire/cluster/NodeAddress.h"
 
 #include "platform/foundation/SplitText.h"
 #include "wire/DecimalNumber.h"

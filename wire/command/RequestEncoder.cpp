@@ -1,4 +1,4 @@
-#include "wire/RequestEncoder.h"
+#include "wire/command/RequestEncoder.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/foundation/Bytes.h"
-#include "wire/RedisCommand.h"
+#include "wire/command/RedisCommand.h"
 
 #include <span>
 #include <string_view>
