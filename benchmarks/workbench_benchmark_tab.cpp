@@ -59,9 +59,7 @@ BenchmarkTab::BenchmarkTab(int port)
   server_->setDefaultCharset("utf8");
   if (const auto outcome = server_->connectToServer(); !outcome.ok) throw std::runtime_error(outcome.message);
   server_->loadDatabases();
-  tab_->setServer(server_);
-  tab_->fillDatabases();
-  tab_->resetWorkbenchView();
+  tab_->open(server_);
   test::show(*tab_->view().widget(), {940, 700});
   tab_->doResize();
 }

@@ -3,7 +3,7 @@
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSLocalizedString.h"
-#include "platform/foundation/NSOperationQueue.h"
+#include "platform/foundation/PostToMainQueue.h"
 
 #include <utility>
 
@@ -62,10 +62,7 @@ void ConnectionCommands::clickCloseConnections() {
            localizedString("To Close Selected Connection, you should choose one or more than one connection(s) In the "
                            "'My Favourite' list. And not db."))) {
     server->closeConnection();
-    if (const auto tab = tabs_.tabForServer(*server)) {
-      tab->showStatus(ConnectionStatus::notConnected);
-      tab->emptyDatabases();
-    }
+    if (const auto tab = tabs_.tabForServer(*server)) tab->showConnection(ConnectionStatus::notConnected);
     tree_.collapseItem(server);
     tree_.reloadItem(server);
   }
@@ -103,8 +100,7 @@ void ConnectionCommands::reconnect(OperationTabViewController& tab) {
 void ConnectionCommands::closeTab(OperationTabViewController& tab) {
   const std::shared_ptr<ServerItem> server = tab.server();
   if (server) server->closeConnection();
-  tab.showStatus(ConnectionStatus::notConnected);
-  tab.emptyDatabases();
+  tab.showConnection(ConnectionStatus::notConnected);
   if (server) {
     tree_.collapseItem(server);
     tree_.reloadItem(server);
@@ -113,48 +109,34 @@ void ConnectionCommands::closeTab(OperationTabViewController& tab) {
 }
 
 void ConnectionCommands::connectIfIdle(const std::shared_ptr<ServerItem>& server) {
-  const std::weak_ptr<ConnectionCommands> weakThis = weak_from_this();
-  const auto post = [weakThis](auto step) {
-    NSOperationQueue::mainQueue().addOperationWithBlock([weakThis, step = std::move(step)] {
-      if (const auto self = weakThis.lock()) step(*self);
-    });
-  };
   const auto tab = tabs_.tabForServer(*server);
   // A barrier, so that of two connects in a row the second finds the connection of the first.
-  server->operationQueue().addBarrierBlock(
-      [post, server, began = server->closings(), work = tab ? tab->beginWork() : nullptr] {
-        if (!isIdle(*server)) return;
-        post([server](ConnectionCommands& self) { self.showConnecting(server); });
-        const ServerItem::Outcome outcome = server->connectToServer(began);
-        if (outcome.ok) {
-          server->loadDatabases();
-          post([server, began](ConnectionCommands& self) { self.showConnected(server, began); });
-        } else {
-          post([server, began, message = outcome.message](ConnectionCommands& self) {
-            self.showDisConnected(server, began, message);
-          });
-        }
+  server->operationQueue().addBarrierBlock([self = weak_from_this(), server, began = server->closings(),
+                                            work = tab ? tab->beginWork() : nullptr] {
+    if (!isIdle(*server)) return;
+    postToMainQueue(self, [server](ConnectionCommands& commands) { commands.showConnecting(server); });
+    const ServerItem::Outcome outcome = server->connectToServer(began);
+    if (outcome.ok) {
+      server->loadDatabases();
+      postToMainQueue(self, [server, began](ConnectionCommands& commands) { commands.showConnected(server, began); });
+    } else {
+      postToMainQueue(self, [server, began, message = outcome.message](ConnectionCommands& commands) {
+        commands.showDisConnected(server, began, message);
       });
+    }
+  });
 }
 
 void ConnectionCommands::showConnecting(const std::shared_ptr<ServerItem>& server) {
   tree_.reloadItem(server);
-  if (const auto tab = tabs_.tabForServer(*server)) {
-    tab->showStatus(ConnectionStatus::connecting);
-    tab->emptyDatabases();
-    tab->updateDealingQueueLabel();
-  }
+  showInTab(server, ConnectionStatus::connecting);
 }
 
 void ConnectionCommands::showConnected(const std::shared_ptr<ServerItem>& server, ServerItem::Closings began) {
   if (lapses(server, began)) return;
   tree_.reloadItem(server);
   tree_.reopenItem(server);
-  if (const auto tab = tabs_.tabForServer(*server)) {
-    tab->showStatus(ConnectionStatus::connected);
-    tabs_.showDatabases(tab);
-    tab->updateDealingQueueLabel();
-  }
+  showInTab(server, ConnectionStatus::connected);
 }
 
 void ConnectionCommands::showDisConnected(const std::shared_ptr<ServerItem>& server, ServerItem::Closings began,
@@ -162,10 +144,7 @@ void ConnectionCommands::showDisConnected(const std::shared_ptr<ServerItem>& ser
   if (lapses(server, began)) return;
   tree_.reloadItem(server);
   const auto tab = tabs_.tabForServer(*server);
-  if (tab) {
-    tab->showStatus(ConnectionStatus::disConnected);
-    tab->emptyDatabases();
-  }
+  if (tab) tab->showConnection(ConnectionStatus::disConnected);
   showAlert(message);
   if (tab) tab->updateDealingQueueLabel();
 }
@@ -181,20 +160,18 @@ bool ConnectionCommands::lapses(const std::shared_ptr<ServerItem>& server, Serve
 }
 
 void ConnectionCommands::bringDatabasesUpToDate(const std::shared_ptr<ServerItem>& server, bool connected) {
-  const auto tab = tabs_.tabForServer(*server);
   if (connected) {
     tree_.reopenItem(server);
   } else {
     tree_.collapseItem(server);
   }
+  showInTab(server, connected ? ConnectionStatus::connected : ConnectionStatus::disConnected);
+}
+
+void ConnectionCommands::showInTab(const std::shared_ptr<ServerItem>& server, ConnectionStatus status) {
+  const auto tab = tabs_.tabForServer(*server);
   if (!tab) return;
-  if (connected) {
-    tab->showStatus(ConnectionStatus::connected);
-    tabs_.showDatabases(tab);
-  } else {
-    tab->showStatus(ConnectionStatus::disConnected);
-    tab->emptyDatabases();
-  }
+  tab->showConnection(status);
   tab->updateDealingQueueLabel();
 }
 

@@ -102,12 +102,7 @@ void MainViewController::bringDatabasesUpToDate(const std::shared_ptr<ServerItem
 }
 
 void MainViewController::showSelectedDatabase(const std::shared_ptr<ServerItem>& server) {
-  const auto tab = tabForServer(*server);
-  const int database = server->currentDbIdx();
-  if (!tab || tab->shownDatabase() == database) return;
-  // What the form shows belongs to the other database, and a save would write it into this one.
-  tab->resetWorkbenchView();
-  tab->selectDatabase(database);
+  if (const auto tab = tabForServer(*server)) tab->showDatabase(server->currentDbIdx());
 }
 
 void MainViewController::closeTab(OperationTabViewController& tab) {

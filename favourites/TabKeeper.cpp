@@ -20,19 +20,6 @@ std::string serverNameText(const ServerItem& server) {
          " " + localizedString("Port:") + std::to_string(server.serverPort());
 }
 
-// Runs `step` on the main queue, later; it lapses if the tab has gone by then.
-template <typename Step>
-void postToTab(std::weak_ptr<OperationTabViewController> tab, Step step) {
-  NSOperationQueue::mainQueue().addOperationWithBlock([tab = std::move(tab), step = std::move(step)] {
-    if (const auto held = tab.lock()) step(*held);
-  });
-}
-
-void startAnewOnFirstDatabase(OperationTabViewController& tab) {
-  tab.selectDatabase(0);
-  tab.resetWorkbenchView();
-}
-
 }  // namespace
 
 TabKeeper::TabKeeper(NSTabView& mainTab, FavouritesTree& tree) : mainTab_(mainTab), tree_(tree) {}
@@ -58,10 +45,7 @@ void TabKeeper::openTabForItem(const NSItem& item) {
   }
   mainTab_.selectTabViewItem(found->second);
   const Tab tab = controllerOf(found->second);
-  if (!database || !tab) return;
-  if (tab->shownDatabase() != database->dbIdx()) tab->resetWorkbenchView();
-  tab->selectDatabase(database->dbIdx());
-  switchDatabase(tab, database->dbIdx());
+  if (database && tab) tab->switchDatabase(database->dbIdx());
 }
 
 void TabKeeper::makeServerTab(const std::shared_ptr<ServerItem>& server, const DbItem* database) {
@@ -78,53 +62,10 @@ void TabKeeper::makeServerTab(const std::shared_ptr<ServerItem>& server, const D
   allTabs_[id] = std::move(item);
 
   tab->showServerName(serverNameText(*server));
-  tab->setServer(server);
-  tab->updateStatusLabel();
-  tab->fillDatabases();
+  tab->open(server);
   tab->view().layout();
-  tab->resetWorkbenchView();
   tab->doResizeLater();
-  if (database) {
-    tab->selectDatabase(database->dbIdx());
-    switchDatabase(tab, database->dbIdx());
-  }
-}
-
-void TabKeeper::switchDatabase(const Tab& tab, int index) {
-  const std::shared_ptr<ServerItem> server = tab->server();
-  const std::weak_ptr<OperationTabViewController> weakTab = tab;
-  server->operationQueue().addBarrierBlock([weakTab, server, index, work = tab->beginWork()] {
-    postToTab(weakTab, [](OperationTabViewController& held) { held.updateDealingQueueLabel(); });
-    const bool selected = server->selectDb(index);
-    postToTab(weakTab, [selected](OperationTabViewController& held) {
-      held.updateDealingQueueLabel();
-      if (selected) held.search();
-    });
-  });
-}
-
-void TabKeeper::showDatabases(const Tab& tab) {
-  const std::shared_ptr<ServerItem> server = tab->server();
-  const int before = tab->shownDatabase();
-  tab->fillDatabases();
-  // The first database is there, and selected on a new connection, also where the server doesn't tell its list.
-  if (before > 0 && before >= static_cast<int>(server->dbs()->size())) {
-    startAnewOnFirstDatabase(*tab);
-  } else if (before != server->currentDbIdx()) {
-    selectDatabaseAgain(tab, before);
-  }
-}
-
-void TabKeeper::selectDatabaseAgain(const Tab& tab, int index) {
-  const std::shared_ptr<ServerItem> server = tab->server();
-  const std::weak_ptr<OperationTabViewController> weakTab = tab;
-  server->operationQueue().addBarrierBlock([weakTab, server, index, work = tab->beginWork()] {
-    const bool selected = server->selectDb(index);
-    postToTab(weakTab, [selected, index](OperationTabViewController& held) {
-      if (!selected && held.shownDatabase() == index) startAnewOnFirstDatabase(held);
-      held.updateDealingQueueLabel();
-    });
-  });
+  if (database) tab->switchDatabase(database->dbIdx());
 }
 
 void TabKeeper::removeTabOfView(const NSView& view) {

@@ -12,8 +12,7 @@
 
 namespace tarn {
 
-// The tabs on the right: at most one for each server, found by the text of its serverId. Also keeps which database a
-// tab showed while its list of databases is empty, so that a reconnect shows and selects it again. Main thread only.
+// The tabs on the right: at most one for each server, found by the text of its serverId. Main thread only.
 class TabKeeper final {
 public:
   using Tab = std::shared_ptr<OperationTabViewController>;
@@ -38,10 +37,6 @@ public:
   // Takes the server's tab away, if it has one.
   void removeTabOfServer(const ServerItem& server);
 
-  // After a new connection: fills the tab's pop-up of databases, and goes back to the database that it showed before;
-  // where that can't be, it shows the first one and the form starts anew.
-  void showDatabases(const Tab& tab);
-
   // The server was edited: its tab, if it has one, takes the new name, and its form starts anew.
   void showEditedServer(const ServerItem& server);
 
@@ -50,8 +45,6 @@ public:
 
 private:
   void makeServerTab(const std::shared_ptr<ServerItem>& server, const DbItem* database);
-  void switchDatabase(const Tab& tab, int index);
-  void selectDatabaseAgain(const Tab& tab, int index);
   void forget(const std::shared_ptr<NSTabViewItem>& item);
   void selectTreeRowOfSelectedTab();
 

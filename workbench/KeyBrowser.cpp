@@ -71,7 +71,9 @@ void KeyBrowser::clearSearchKey() {
 void KeyBrowser::changeDb() {
   const int before = std::exchange(state_.database, outlets_.popDatabase.indexOfSelectedItem());
   if (before != state_.database) showKeys({});
-  queue_.addSelectOfShownDatabase([this](ServerItem&, const TabPoster& tab) { tab.post([this] { search(); }); });
+  queue_.addSelect(state_.database, [this](bool selected) {
+    if (selected) search();
+  });
 }
 
 void KeyBrowser::showKeys(std::vector<Bytes> keys) {

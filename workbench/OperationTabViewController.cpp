@@ -94,8 +94,11 @@ const std::shared_ptr<ServerItem>& OperationTabViewController::server() const {
   return d_->state.server;
 }
 
-void OperationTabViewController::setServer(std::shared_ptr<ServerItem> server) {
+void OperationTabViewController::open(std::shared_ptr<ServerItem> server) {
   d_->state.server = std::move(server);
+  updateStatusLabel();
+  fillDatabases();
+  resetWorkbenchView();
 }
 
 void OperationTabViewController::showServerName(const std::string& text) {
@@ -115,9 +118,17 @@ void OperationTabViewController::updateDealingQueueLabel() {
   d_->queue.updateDealingQueueLabel();
 }
 
+void OperationTabViewController::showConnection(ConnectionStatus status) {
+  showStatus(status);
+  if (status == ConnectionStatus::connected) {
+    selectShownDatabaseAgain();
+  } else {
+    d_->outlets.popDatabase.removeAllItems();
+  }
+}
+
 void OperationTabViewController::fillDatabases() {
-  emptyDatabases();
-  if (!server()) return;
+  d_->outlets.popDatabase.removeAllItems();
   const int count = static_cast<int>(server()->dbs()->size());
   for (int index = 0; index < count; ++index) {
     d_->outlets.popDatabase.addItemWithTitle("db" + std::to_string(index));
@@ -125,8 +136,35 @@ void OperationTabViewController::fillDatabases() {
   if (count > 0) selectDatabase(shownDatabase() < count ? shownDatabase() : 0);
 }
 
-void OperationTabViewController::emptyDatabases() {
-  d_->outlets.popDatabase.removeAllItems();
+void OperationTabViewController::selectShownDatabaseAgain() {
+  if (!server()) return;
+  const int before = shownDatabase();
+  fillDatabases();
+  // The first database is there, and selected on a new connection, also where the server doesn't say how many it has.
+  if (before > 0 && before >= static_cast<int>(server()->dbs()->size())) return startAnewOnFirstDatabase();
+  if (before == server()->currentDbIdx()) return;
+  d_->queue.addSelect(before, [this, before](bool selected) {
+    if (!selected && shownDatabase() == before) startAnewOnFirstDatabase();
+  });
+}
+
+void OperationTabViewController::startAnewOnFirstDatabase() {
+  selectDatabase(0);
+  resetWorkbenchView();
+}
+
+void OperationTabViewController::showDatabase(int index) {
+  if (shownDatabase() == index) return;
+  // What the form shows belongs to the other database, and a save would write it into this one.
+  resetWorkbenchView();
+  selectDatabase(index);
+}
+
+void OperationTabViewController::switchDatabase(int index) {
+  showDatabase(index);
+  d_->queue.addSelect(index, [this](bool selected) {
+    if (selected) search();
+  });
 }
 
 void OperationTabViewController::selectDatabase(int index) {

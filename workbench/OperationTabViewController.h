@@ -23,19 +23,24 @@ public:
 
   // The connection of this tab; nothing until the tab opens.
   const std::shared_ptr<ServerItem>& server() const;
-  void setServer(std::shared_ptr<ServerItem> server);
+  // Opens the tab on a connection: its status and databases as they are, and a fresh form.
+  void open(std::shared_ptr<ServerItem> server);
 
-  // The tab's labels.
+  // The tab's labels. The status is the server's own.
   void showServerName(const std::string& text);
   void updateStatusLabel();
-  void showStatus(ConnectionStatus status);
   void updateDealingQueueLabel();
 
-  // popDatabase: "db0", "db1", ... one for each database of the server; or none. Filling it shows the database that it
-  // showed before it was emptied, or db0 where the server hasn't that one.
-  void fillDatabases();
-  void emptyDatabases();
-  // Shows the database with this index in popDatabase, without a message to anyone.
+  // The connection has come to this status, which may differ from the server's own where a password was refused. While
+  // connected popDatabase lists the server's databases: the one that it showed before is shown and selected again;
+  // where that can't be, the first one is shown and the form starts anew. Else it is empty.
+  void showConnection(ConnectionStatus status);
+
+  // The connection stands on this database: popDatabase shows it, and the form starts anew if it showed another one.
+  void showDatabase(int index);
+  // The same, then selects the database on the connection and lists its keys.
+  void switchDatabase(int index);
+  // Shows the database with this index in popDatabase, and changes nothing else.
   void selectDatabase(int index);
   // The database that all work of the tab reads: what popDatabase shows, or showed before it was emptied.
   int shownDatabase() const;
@@ -61,6 +66,10 @@ public:
 private:
   struct Private;
 
+  void showStatus(ConnectionStatus status);
+  void fillDatabases();
+  void selectShownDatabaseAgain();
+  void startAnewOnFirstDatabase();
   void changeKeyDataCharset();
   void changeValueDataCharset();
   void translateSlash();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/NSOperationQueue.h"
+#include "platform/foundation/PostToMainQueue.h"
 
 #include <memory>
 #include <utility>
@@ -12,13 +12,10 @@ class TabPoster final {
 public:
   explicit TabPoster(std::weak_ptr<void> tab) : tab_(std::move(tab)) {}
 
-  // Posts `step` to the main queue. It is skipped if the tab has gone by then; else the tab, and so whatever part of it
-  // the step points at, stays until it has run.
+  // As postToMainQueue(), with the tab as owner.
   template <class Step>
   void post(Step step) const {
-    NSOperationQueue::mainQueue().addOperationWithBlock([tab = tab_, step = std::move(step)]() mutable {
-      if (const std::shared_ptr<void> alive = tab.lock()) step();
-    });
+    postToMainQueue(tab_, std::move(step));
   }
 
 private:

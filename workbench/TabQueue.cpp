@@ -5,6 +5,15 @@
 
 namespace tarn {
 
+namespace {
+
+// False if the connection stands elsewhere, and the server didn't take the SELECT.
+bool goesTo(int database, ServerItem& server) {
+  return server.currentDbIdx() == database || server.selectDb(database);
+}
+
+}  // namespace
+
 TabQueue::TabQueue(OperationTabLayout& outlets, const TabState& state)
     : outlets_(outlets), state_(state), activity_(outlets.activityBar) {}
 
@@ -15,7 +24,7 @@ void TabQueue::addInDatabase(int database, Work work) {
     // While this runs no SELECT can start, so the answer stays true until the work has ended.
     if (server->currentDbIdx() == database) return work(*server, tab);
     server->operationQueue().addBarrierBlock([this, work, server, database, tab, token] {
-      if (server->currentDbIdx() == database || server->selectDb(database)) return work(*server, tab);
+      if (goesTo(database, *server)) return work(*server, tab);
       tab.post([this] { updateDealingQueueLabel(); });
     });
   };
@@ -33,17 +42,20 @@ void TabQueue::performInDatabase(int database, const std::function<void(ServerIt
   });
   if (!isElsewhere) return;
   server->operationQueue().performAsBarrier([&] {
-    if (server->currentDbIdx() == database || server->selectDb(database)) work(*server);
+    if (goesTo(database, *server)) work(*server);
   });
 }
 
-void TabQueue::addSelectOfShownDatabase(Work selected) {
+void TabQueue::addSelect(int database, std::function<void(bool selected)> ended) {
   if (!state_.server) return;
-  state_.server->operationQueue().addBarrierBlock([this, selected = std::move(selected), server = state_.server,
-                                                   database = state_.database, tab = poster(), token = beginWork()] {
-    if (server->selectDb(database)) return selected(*server, tab);
-    tab.post([this] { updateDealingQueueLabel(); });
-  });
+  state_.server->operationQueue().addBarrierBlock(
+      [this, database, ended = std::move(ended), server = state_.server, tab = poster(), token = beginWork()] {
+        tab.post([this] { updateDealingQueueLabel(); });
+        tab.post([this, ended, selected = server->selectDb(database)] {
+          updateDealingQueueLabel();
+          ended(selected);
+        });
+      });
 }
 
 void TabQueue::updateDealingQueueLabel() {

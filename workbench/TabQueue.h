@@ -40,9 +40,9 @@ public:
   // the work is dropped.
   void performInDatabase(int database, const std::function<void(ServerItem& server)>& work);
 
-  // Queues a SELECT of the database shown now, behind the running blocks and before all others, then `selected` if the
-  // server took it.
-  void addSelectOfShownDatabase(Work selected);
+  // Queues a SELECT of this database, behind the running blocks and before all others. Then, on the main queue, `ended`
+  // is called with whether the server took it. The queue label follows. Without a server nothing happens.
+  void addSelect(int database, std::function<void(bool selected)> ended);
 
   // See QueueActivity.
   std::shared_ptr<void> beginWork() { return activity_.beginWork(poster()); }

@@ -51,9 +51,9 @@ TEST_F(KeyBrowserTest, ListsTheDatabaseThatIsChosen) {
   EXPECT_EQ(texts(outlets().tableKeys, 0), Texts{"three"});
   EXPECT_EQ(server->currentDbIdx(), 3);
 
-  tab->emptyDatabases();
+  tab->showConnection(ConnectionStatus::connecting);
   EXPECT_EQ(tab->shownDatabase(), 3);
-  tab->fillDatabases();
+  tab->showConnection(ConnectionStatus::connected);
   EXPECT_EQ(outlets().popDatabase.titleOfSelectedItem(), "db3");
 }
 

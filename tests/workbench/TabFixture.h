@@ -35,10 +35,7 @@ protected:
 
   void showTab() {
     tab = std::make_shared<OperationTabViewController>();
-    tab->setServer(server);
-    tab->updateStatusLabel();
-    tab->fillDatabases();
-    tab->resetWorkbenchView();
+    tab->open(server);
     show(*tab->view().widget(), {900, 560});
   }
 
