@@ -3,7 +3,7 @@
 #include "benchmarks/workbench_benchmark_tab.h"
 #include "favourites/MainViewController.h"
 #include "platform/appkit/NSApplication.h"
-#include "resources/Images.h"
+#include "resources/Resources.h"
 #include "shell/AppDelegate.h"
 #include "shell/MainWindowController.h"
 

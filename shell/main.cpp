@@ -2,7 +2,7 @@
 #include "platform/appkit/NSApplication.h"
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSLocalizedString.h"
-#include "resources/Images.h"
+#include "resources/Resources.h"
 #include "shell/AppDelegate.h"
 #include "shell/MainWindowController.h"
 

@@ -2,7 +2,7 @@
 // folder is a temporary one.
 #include "favourites/FavouritesStore.h"
 #include "platform/appkit/NSApplication.h"
-#include "resources/Images.h"
+#include "resources/Resources.h"
 #include "shell/AppDelegate.h"
 #include "wire/ServerItem.h"
 

@@ -2,7 +2,7 @@
 
 #include "favourites/FavouritesStore.h"
 #include "platform/appkit/table/TableViewWidget.h"
-#include "resources/Images.h"
+#include "resources/Resources.h"
 #include "tests/support/widgets/Hand.h"
 
 #include <QApplication>

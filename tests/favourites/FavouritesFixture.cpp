@@ -1,7 +1,7 @@
 #include "tests/favourites/FavouritesFixture.h"
 
-#include "resources/Images.h"
 #include "resources/Model.h"
+#include "resources/Resources.h"
 #include "tests/support/widgets/Hand.h"
 
 namespace tarn::test {

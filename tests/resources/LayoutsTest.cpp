@@ -1,9 +1,9 @@
 #include "platform/appkit/NSViewController.h"
-#include "resources/Images.h"
 #include "resources/MainLayout.h"
 #include "resources/NewConnectionLayout.h"
 #include "resources/NewKeyValueTypeSelectLayout.h"
 #include "resources/OperationTabLayout.h"
+#include "resources/Resources.h"
 #include "resources/SponsorLayout.h"
 #include "tests/support/widgets/Hand.h"
 

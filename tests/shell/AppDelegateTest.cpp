@@ -1,7 +1,7 @@
 #include "favourites/FavouritesStore.h"
 #include "favourites/MainViewController.h"
 #include "platform/foundation/NSOperationQueue.h"
-#include "resources/Images.h"
+#include "resources/Resources.h"
 #include "shell/AppDelegate.h"
 #include "tests/support/AlertRecorder.h"
 #include "tests/support/TemporaryDataHome.h"

@@ -1,7 +1,7 @@
 #include "favourites/FavouritesStore.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/foundation/NSOperationQueue.h"
-#include "resources/Images.h"
+#include "resources/Resources.h"
 #include "shell/AppDelegate.h"
 #include "shell/MainWindowController.h"
 #include "tests/support/AlertRecorder.h"

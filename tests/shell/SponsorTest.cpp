@@ -1,4 +1,4 @@
-#include "resources/Images.h"
+#include "resources/Resources.h"
 #include "shell/AppDelegate.h"
 #include "tests/support/AlertRecorder.h"
 #include "tests/support/StandInStore.h"

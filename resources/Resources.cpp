@@ -1,4 +1,4 @@
-#include "resources/Images.h"
+#include "resources/Resources.h"
 
 #include "platform/appkit/NSApplication.h"
 #include "platform/appkit/NSImage.h"

@@ -1,7 +1,7 @@
 #include "platform/appkit/ImageIcon.h"
 #include "platform/appkit/NSImage.h"
-#include "resources/Images.h"
 #include "resources/Model.h"
+#include "resources/Resources.h"
 #include "tests/support/widgets/Hand.h"
 
 #include <QImage>
