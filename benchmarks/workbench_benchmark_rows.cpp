@@ -90,7 +90,7 @@ double changeCharset(RowsTab& tab, const char* title) {
 
 void measureRows(BenchmarkReport& report) {
   const auto tab = shownTab("item of a list ");
-  tab->table.selectRowIndexes({2}, false);
+  tab->table.selectRow(2);
   add(report, "adding a row near the top of 1,000,000", medianOfRounds([&] { return addRow(*tab); }), "ms", 50);
   add(report, "deleting it", medianOfRounds([&] { return deleteRow(*tab); }), "ms", 50);
   add(report, "committing a cell of 1,000,000 rows", medianOfRounds([&] { return commitCell(*tab, "typed"); }), "ms",

@@ -88,7 +88,7 @@ double BenchmarkTab::search(const std::string& text) {
 double BenchmarkTab::showValue(const std::string& key, const NSView& view) {
   search(key);
   return millisecondsOf([&] {
-    outlets().tableKeys.selectRowIndexes({0}, false);
+    outlets().tableKeys.selectRow(0);
     runUntil([&] { return outlets().labDataSize.stringValue() != "Data Size:"; });
     paint(view);
   });

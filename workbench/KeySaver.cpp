@@ -152,7 +152,7 @@ void KeySaver::finishSave(const SaveJob& job, std::size_t keyRow) {
           outlets_.tableKeys.reloadData();
         }
         if (listShows(database) && keyRow < state_.keys.size()) {
-          outlets_.tableKeys.selectRowIndexes({static_cast<int>(keyRow)}, false);
+          outlets_.tableKeys.selectRow(static_cast<int>(keyRow));
         }
         queue_.updateDealingQueueLabel();
         showAlert(localizedString("Saved."));

@@ -70,7 +70,7 @@ void RowActions::addRow(NSTableView& table) {
   tables_.insertRow(table, static_cast<std::size_t>(row));
   table.scrollRowToVisible(row);
   table.viewAtColumn(0, row, true);
-  table.selectRowIndexes({row}, true);
+  table.selectRow(row);
   editing_.openNewRow(table, row);
   state_.currentDataRow = row;
 }

@@ -140,6 +140,10 @@ void NSTableView::selectRowIndexes(const std::vector<int>& rows, bool byExtendin
   }
 }
 
+void NSTableView::selectRow(int row) {
+  if (d_->hasRow(row)) d_->widget->selectRow(row, false);
+}
+
 void NSTableView::deselectAll() {
   d_->widget->selectRow(-1, false);
 }

@@ -118,6 +118,8 @@ public:
   std::vector<int> selectedRowIndexes() const;
   // Sends "did change" if it changes anything. Without multiple selection, extending replaces.
   void selectRowIndexes(const std::vector<int>& rows, bool byExtendingSelection);
+  // Sends "did change" if it changes anything. A row beyond the table changes nothing.
+  void selectRow(int row);
   void deselectAll();
 
   void scrollRowToVisible(int row);

@@ -133,7 +133,7 @@ TEST_F(TableEditing, EscapePutsTheModelsTextBackUntold) {
 }
 
 TEST_F(TableEditing, TabGoesThroughColumnsAndRows) {
-  table.selectRowIndexes({1}, false);
+  table.selectRow(1);
   edit(1, 0);
   press(Qt::Key_Tab);
   EXPECT_EQ(take(), (Log{"end 6 1,0 x", "open 1,1"}));
@@ -154,7 +154,7 @@ TEST_F(TableEditing, EnterAndF2OpenTheFirstCellOfTheSelectedRow) {
   widget->setFocus();
   press(Qt::Key_F2);
   EXPECT_EQ(take(), Log{});
-  table.selectRowIndexes({50}, false);
+  table.selectRow(50);
   take();
   press(Qt::Key_F2);
   EXPECT_EQ(take(), Log{"open 50,0"});

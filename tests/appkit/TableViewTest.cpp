@@ -49,7 +49,7 @@ TEST_F(TableView, MakesACellOutOfSightOnDemand) {
 
 TEST_F(TableView, ReloadKeepsTheValidSelectionAndTellsNobody) {
   fill(50);
-  table.selectRowIndexes({9}, false);
+  table.selectRow(9);
   take();
   for (int row = 0; row < 2; ++row)
     texts[{row, 0}] = texts[{row, 1}] = "changed";
@@ -69,14 +69,14 @@ TEST_F(TableView, ReloadKeepsTheValidSelectionAndTellsNobody) {
 
 TEST_F(TableView, TellsEachChangeOfTheSelectionOnce) {
   fill(100);
-  table.selectRowIndexes({3}, false);
+  table.selectRow(3);
   EXPECT_EQ(take(), Log{"changed 3"});
-  table.selectRowIndexes({3}, true);
+  table.selectRow(3);
   EXPECT_EQ(take(), Log{});
-  table.selectRowIndexes({4}, true);
+  table.selectRow(4);
   EXPECT_EQ(take(), Log{"changed 4"});
   EXPECT_EQ(table.selectedRowIndexes(), std::vector<int>{4});
-  table.selectRowIndexes({100}, true);
+  table.selectRow(100);
   EXPECT_EQ(take(), Log{});
   table.deselectAll();
   EXPECT_EQ(take(), Log{"changed -1"});

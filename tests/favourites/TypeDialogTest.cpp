@@ -36,7 +36,7 @@ TEST_F(TypeDialogTest, AConfirmedTypeMakesAnEmptyFormInTheTabOnShow) {
   openDialog();
   clickRow(1);
   OperationTabLayout& tab = tabOf()->outlets();
-  tab.tableKeys.selectRowIndexes({0}, false);
+  tab.tableKeys.selectRow(0);
   ASSERT_TRUE(waitForIdle());
   ASSERT_EQ(tab.valueDataStringTxtView.string(), "text");
 
@@ -51,7 +51,7 @@ TEST_F(TypeDialogTest, AConfirmedTypeMakesAnEmptyFormInTheTabOnShow) {
     EXPECT_EQ(tab.labType.stringValue(), std::string("Type: ") + shown[index] + " (New)");
     EXPECT_EQ(tab.txtTTL.stringValue(), "-1");
     EXPECT_EQ(tab.valueDataStringTxtView.string(), "");
-    EXPECT_TRUE(tab.tableKeys.selectedRowIndexes().empty());
+    EXPECT_TRUE(tab.tableKeys.selectedRow() < 0);
     EXPECT_EQ(tab.valueDataStringScrollView.isHidden(), index != 0);
     EXPECT_EQ(tab.valueDataSetScrollView.isHidden(), index != 1 && index != 2);
     EXPECT_EQ(tab.valueDataHashScrollView.isHidden(), index != 3);

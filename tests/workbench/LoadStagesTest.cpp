@@ -13,7 +13,7 @@ class LoadStages : public RecordedTab {};
 
 TEST_F(LoadStages, AskForTypeTtlAndValueInThisOrder) {
   openKeys();
-  outlets().tableKeys.selectRowIndexes({1}, false);
+  outlets().tableKeys.selectRow(1);
   waitUntilIdle();
   EXPECT_EQ(peer.sent(), (Texts{"type b", "ttl b", "get b"}));
 }
@@ -26,7 +26,7 @@ TEST_F(LoadStages, SelectTheShownDatabaseWhereTheWireIsElsewhereOrEndThere) {
   EXPECT_EQ(peer.sent(), (Texts{"select 2", scan, scan}));
   tab->selectDatabase(3);
   peer.refuse("select");
-  outlets().tableKeys.selectRowIndexes({0}, false);
+  outlets().tableKeys.selectRow(0);
   waitUntilIdle();
   EXPECT_EQ(peer.sent(), Texts{"select 3"});
   EXPECT_EQ(alerts.shown().size(), 1U);
@@ -52,8 +52,8 @@ TEST_F(LoadStages, ListNoKeysOfADatabaseThatWasLeft) {
 
 TEST_F(LoadStages, OfAnOlderLoadRunOnButFillNothing) {
   openKeys();
-  outlets().tableKeys.selectRowIndexes({0}, false);
-  outlets().tableKeys.selectRowIndexes({1}, false);
+  outlets().tableKeys.selectRow(0);
+  outlets().tableKeys.selectRow(1);
   waitUntilIdle();
   EXPECT_EQ(outlets().txtKey.stringValue(), "b");
   EXPECT_EQ(outlets().valueDataStringTxtView.string(), "b");
@@ -61,7 +61,7 @@ TEST_F(LoadStages, OfAnOlderLoadRunOnButFillNothing) {
   std::sort(requests.begin(), requests.end());
   EXPECT_EQ(requests, (Texts{"get a", "get b", "ttl a", "ttl b", "type a", "type b"}));
 
-  outlets().tableKeys.selectRowIndexes({0}, false);
+  outlets().tableKeys.selectRow(0);
   tab->resetWorkbenchView();
   waitUntilIdle();
   EXPECT_EQ(outlets().txtKey.stringValue(), "");
@@ -71,7 +71,7 @@ TEST_F(LoadStages, OfAnOlderLoadRunOnButFillNothing) {
 TEST_F(LoadStages, OfAClosedTabLapse) {
   openKeys();
   for (int i = 0; i < 20; ++i) {
-    outlets().tableKeys.selectRowIndexes({0}, false);
+    outlets().tableKeys.selectRow(0);
     tab->search();
     tab.reset();
     ASSERT_TRUE(waitUntil([&] { return idle(); }));

@@ -85,7 +85,7 @@ protected:
 
   void openAndLeaveCells(NSTableView& table) {
     for (int row = 0; row < table.numberOfRows(); ++row) {
-      table.selectRowIndexes({row}, false);
+      table.selectRow(row);
       table.becomeFirstResponder();
       press(Qt::Key_F2);
       press(Qt::Key_Tab);
@@ -383,7 +383,7 @@ TEST_F(SavingBytesTest, LoadEditSaveAndReloadFollowTheRules) {
     NSTableView& table = tableOf(type);
     const int edited = static_cast<int>(random.below(static_cast<std::size_t>(table.numberOfRows())));
     Row& row = rows[static_cast<std::size_t>(isPaired ? 2 * edited : edited)];
-    table.selectRowIndexes({edited}, false);
+    table.selectRow(edited);
     const std::string typed = random.typed();
     NSTextView& editor = type == "hash"   ? outlets().hashKeyTextView
                          : type == "zset" ? outlets().sortedSetValueTextView

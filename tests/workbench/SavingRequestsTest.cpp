@@ -183,7 +183,7 @@ TEST_F(SavingRequestsTest, WhatArrivesBehindAQuestionChangesNothingOfWhatIsWritt
   typeInto(outlets().txtKey, "new");
   alerts.whileNextIsUp([&] {
     peer.hold("set", "*2\r\n$1\r\n0\r\n*1\r\n$5\r\nother\r\n");
-    outlets().tableKeys.selectRowIndexes({2}, false);
+    outlets().tableKeys.selectRow(2);
     waitUntil([&] { return outlets().labType.stringValue() == "Type: Set"; });
     waitUntil([&] { return outlets().txtKey.stringValue() == "c"; });
     waitUntilIdle();
@@ -206,7 +206,7 @@ TEST_F(SavingRequestsTest, ADeleteTakesTheKeyOfTheFormAsItWasAsked) {
   alerts.clear();
 
   alerts.whileNextIsUp([&] {
-    outlets().tableKeys.selectRowIndexes({2}, false);
+    outlets().tableKeys.selectRow(2);
     waitUntil([&] { return outlets().txtKey.stringValue() == "c"; });
     waitUntilIdle();
     peer.sent();

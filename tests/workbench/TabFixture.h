@@ -59,7 +59,7 @@ protected:
   void selectKey(const std::string& text) {
     const auto shown = texts(outlets().tableKeys, 0);
     for (int row = 0; row < static_cast<int>(shown.size()); ++row) {
-      if (shown[static_cast<std::size_t>(row)] == text) outlets().tableKeys.selectRowIndexes({row}, false);
+      if (shown[static_cast<std::size_t>(row)] == text) outlets().tableKeys.selectRow(row);
     }
     waitUntilIdle();
   }

@@ -72,7 +72,7 @@ TEST_F(ValueLoadingTest, ShowsRowsWithEscapesAndTheSelectedOneWithout) {
   EXPECT_EQ(texts(table, 0), (Texts{"a\\nb", "\\Bqw==", "\\B/w==", "plain"}));
   EXPECT_EQ(table.viewAtColumn(0, 0, true)->toolTip(), "a\nb");
   EXPECT_FALSE(table.viewAtColumn(0, 0, true)->isEditable());
-  table.selectRowIndexes({0}, false);
+  table.selectRow(0);
   EXPECT_EQ(outlets().setValueTextView.string(), "a\nb");
   table.deselectAll();
   EXPECT_EQ(outlets().setValueTextView.string(), "");
