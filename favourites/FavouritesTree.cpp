@@ -10,8 +10,6 @@ namespace tarn {
 
 namespace {
 
-constexpr double rowHeight = 24.0;
-
 NSImage imageForStatus(ConnectionStatus status) {
   switch (status) {
     case ConnectionStatus::notConnected:
@@ -77,7 +75,7 @@ void FavouritesTree::reloadItem(const std::shared_ptr<ServerItem>& server) {
 void FavouritesTree::refreshServerRow(const std::shared_ptr<ServerItem>& server) {
   const std::vector<int> selected = view_.selectedRowIndexes();
   view_.reloadItem(server, true);
-  view_.selectRowIndexes(selected, false);
+  view_.selectRowIndexes(selected);
 }
 
 void FavouritesTree::collapseItem(const std::shared_ptr<ServerItem>& server) {
@@ -92,7 +90,7 @@ void FavouritesTree::reopenItem(const std::shared_ptr<ServerItem>& server) {
 void FavouritesTree::selectServerRow(const std::shared_ptr<ServerItem>& server) {
   const auto place = std::find(root_->servers.begin(), root_->servers.end(), server);
   if (place == root_->servers.end()) return;
-  view_.selectRowIndexes({static_cast<int>(place - root_->servers.begin()) + 1}, false);
+  view_.selectRowIndexes({static_cast<int>(place - root_->servers.begin()) + 1});
 }
 
 int FavouritesTree::numberOfChildrenOfItem(const NSItem& item) {
@@ -130,10 +128,6 @@ NSOutlineCell FavouritesTree::viewForItem(const NSItem& item) {
 
 bool FavouritesTree::shouldShowOutlineCellForItem(const NSItem& item) {
   return asServer(item) != nullptr;
-}
-
-double FavouritesTree::heightOfRowByItem(const NSItem&) {
-  return rowHeight;
 }
 
 bool FavouritesTree::shouldExpandItem(const NSItem& item) {

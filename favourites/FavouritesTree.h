@@ -64,7 +64,6 @@ public:
 
   NSOutlineCell viewForItem(const NSItem& item) override;
   bool shouldShowOutlineCellForItem(const NSItem& item) override;
-  double heightOfRowByItem(const NSItem& item) override;
   bool shouldExpandItem(const NSItem& item) override;
   bool shouldSelectItem(const NSItem& item) override;
 

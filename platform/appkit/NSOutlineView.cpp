@@ -87,8 +87,8 @@ std::vector<int> NSOutlineView::selectedRowIndexes() const {
   return d_->widget->selectedRows();
 }
 
-void NSOutlineView::selectRowIndexes(const std::vector<int>& rows, bool byExtendingSelection) {
-  d_->widget->selectRows(rows, byExtendingSelection);
+void NSOutlineView::selectRowIndexes(const std::vector<int>& rows) {
+  d_->widget->selectRows(rows);
 }
 
 }  // namespace tarn

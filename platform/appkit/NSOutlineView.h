@@ -37,7 +37,6 @@ public:
 
   virtual NSOutlineCell viewForItem(const NSItem& item) = 0;
   virtual bool shouldShowOutlineCellForItem(const NSItem& item) = 0;
-  virtual double heightOfRowByItem(const NSItem& item) = 0;
   // Asked for the user's triangle or arrow key only.
   virtual bool shouldExpandItem(const NSItem& item) = 0;
   // Asked at each click, also on a selected row, and at keyboard moves; not at the second press of a double click, not
@@ -51,6 +50,9 @@ public:
 // expand; a right click changes nothing but opens the menu.
 class NSOutlineView final : public NSView {
 public:
+  // In points.
+  static constexpr int rowHeight = 24;
+
   explicit NSOutlineView(QWidget* widget);
   ~NSOutlineView() override;
 
@@ -74,7 +76,8 @@ public:
 
   // In ascending order.
   std::vector<int> selectedRowIndexes() const;
-  void selectRowIndexes(const std::vector<int>& rows, bool byExtendingSelection);
+  // These rows alone; numbers beyond the rows are left out.
+  void selectRowIndexes(const std::vector<int>& rows);
 
 private:
   struct Private;

@@ -5,7 +5,6 @@
 #include "platform/appkit/tabs/TabBarWidget.h"
 #include "platform/appkit/tabs/TabViewWidget.h"
 
-#include <QApplication>
 #include <QFontMetricsF>
 
 #include <algorithm>
@@ -136,13 +135,7 @@ void NSTabViewItem::setViewController(std::shared_ptr<NSViewController> controll
 }
 
 double NSTabViewItem::sizeOfLabel(bool) const {
-  QFont face = QApplication::font();
-  face.setPixelSize(static_cast<int>(labelStyle().fontSize));
-  return QFontMetricsF(face).horizontalAdvance(toQString(label_));
-}
-
-NSTabLabelStyle NSTabViewItem::labelStyle() const {
-  return {};
+  return QFontMetricsF(TabBarWidget::labelFont()).horizontalAdvance(toQString(label_));
 }
 
 }  // namespace tarn

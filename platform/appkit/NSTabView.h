@@ -10,16 +10,8 @@ namespace tarn {
 
 class NSViewController;
 
-// How a tab's label is drawn.
-struct NSTabLabelStyle {
-  double fontSize = 12.0;    // points, the system's font
-  double lineHeight = 16.0;  // points
-  bool alignRight = true;
-  bool truncateHead = true;  // what doesn't fit is cut at its beginning
-  bool white = true;         // on a fill that keeps the contrast
-};
-
-// One tab: a label, a tool tip, a view and that view's controller, which the tab holds.
+// One tab: a label, a tool tip, a view and that view's controller, which the tab holds. The label is white, at the
+// right, in the system's font of 12 points; where it doesn't fit it loses its beginning.
 class NSTabViewItem {
 public:
   NSTabViewItem();
@@ -38,7 +30,6 @@ public:
 
   // The width of the label in points: with `computeMin` the least that it may be cut to, else what it asks for.
   virtual double sizeOfLabel(bool computeMin) const;
-  virtual NSTabLabelStyle labelStyle() const;
 
 private:
   std::string label_;

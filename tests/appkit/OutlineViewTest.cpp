@@ -71,7 +71,6 @@ protected:
     return {NSImage(), known(item).name, known(item).name + " tip"};
   }
   bool shouldShowOutlineCellForItem(const NSItem& item) override { return known(item).level == 1; }
-  double heightOfRowByItem(const NSItem&) override { return 24.0; }
   bool shouldExpandItem(const NSItem& item) override { return answer("expand ", item); }
   bool shouldSelectItem(const NSItem& item) override { return answer("select ", item); }
   bool answer(const char* question, const NSItem& item) {
@@ -139,7 +138,7 @@ TEST_F(OutlineView, TriangleAndArrowKeysAsk) {
   EXPECT_FALSE(isExpanded(first));
   EXPECT_EQ(take(), Log{});
 
-  outline.selectRowIndexes({1}, false);
+  outline.selectRowIndexes({1});
   click(rows(), text(first));
   take();
   press(Qt::Key_Right);
@@ -185,10 +184,10 @@ TEST_F(OutlineView, AsksBeforeEachSelectionByHand) {
   press(Qt::Key_Up);
   EXPECT_EQ(take(), Log{"select first"});
   EXPECT_EQ(selected(), std::vector<int>{2});
-  outline.selectRowIndexes({0, 1}, false);
+  outline.selectRowIndexes({0, 1});
   EXPECT_EQ(selected(), (std::vector<int>{0, 1}));
-  outline.selectRowIndexes({2, 99}, true);
-  EXPECT_EQ(selected(), (std::vector<int>{0, 1, 2}));
+  outline.selectRowIndexes({2, 99});
+  EXPECT_EQ(selected(), std::vector<int>{2});
   EXPECT_EQ(take(), Log{});
 }
 
@@ -213,7 +212,7 @@ TEST_F(OutlineView, ExtendsTheSelection) {
 TEST_F(OutlineView, CollapsingDropsTheSelectedChildrenOnly) {
   addServers();
   outline.expandItem(first);
-  outline.selectRowIndexes({2, 3, 4}, false);
+  outline.selectRowIndexes({2, 3, 4});
   outline.collapseItem(first);
   EXPECT_EQ(selected(), std::vector<int>{2});
   EXPECT_EQ(outline.itemAtRow(2), second);
@@ -227,7 +226,7 @@ TEST_F(OutlineView, CollapsingDropsTheSelectedChildrenOnly) {
 TEST_F(OutlineView, ReloadKeepsSelectionAndExpansionByItem) {
   addServers();
   outline.expandItem(first);
-  outline.selectRowIndexes({3, 4}, false);
+  outline.selectRowIndexes({3, 4});
   const auto zeroth = std::make_shared<Item>("zeroth", 1);
   root->children.insert(root->children.begin(), zeroth);
   first->children[0]->name = "db0(12)";
@@ -282,7 +281,7 @@ TEST_F(OutlineView, RightClickOpensTheMenuAndChangesNothing) {
   menu->addItem("New Connection", [this] { log.push_back("new"); });
   outline.setMenu(menu);
   addServers();
-  outline.selectRowIndexes({1}, false);
+  outline.selectRowIndexes({1});
   const QPoint place = text(second);
   QTest::mousePress(&rows(), Qt::RightButton, {}, place);
   QContextMenuEvent event(QContextMenuEvent::Mouse, place, rows().mapToGlobal(place));

@@ -98,7 +98,7 @@ TEST_F(ConnectionCommandsTest, ManyServersConnectSideBySide) {
   store("frozen", frozen.port(), "password");
   store("last", last.port());
   openWindow();
-  window().outlets().serverSelection.selectRowIndexes({0, 1, 2, 3}, false);
+  window().outlets().serverSelection.selectRowIndexes({0, 1, 2, 3});
   click(*window().outlets().btnConn.widget());
   EXPECT_TRUE(
       waitUntil([&] { return rows() == Texts{"My Favourite", "first", "db0(0)", "frozen", "last", "db0(0)"}; }));

@@ -210,7 +210,7 @@ TEST_F(ConnectionFormTest, AnEditNeedsExactlyOneServer) {
   store("other", 2);
   openWindow();
   const auto edit = [this](const std::vector<int>& rows) {
-    window().outlets().serverSelection.selectRowIndexes(rows, false);
+    window().outlets().serverSelection.selectRowIndexes(rows);
     click(*window().outlets().btnEdit.widget());
   };
   for (const auto& rows : {std::vector<int>{}, {0}, {1, 2}})

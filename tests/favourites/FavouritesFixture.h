@@ -55,7 +55,7 @@ protected:
   void clickRow(int row, Qt::KeyboardModifiers modifiers = {});
   void clickTriangle(int row);
   // By code, so that no tab opens.
-  void selectRow(int row) { window_->outlets().serverSelection.selectRowIndexes({row}, false); }
+  void selectRow(int row) { window_->outlets().serverSelection.selectRowIndexes({row}); }
 
   bool waitForStatus(ConnectionStatus status, std::size_t place = 0);
   // Until nothing runs or waits on the server's queue, and what it posted has run.

@@ -30,8 +30,6 @@ TEST_F(TabKeeperTest, ALabelMayBeCutDownToNothing) {
   item.setLabel("a name");
   EXPECT_EQ(item.sizeOfLabel(true), 0.0);
   EXPECT_GT(item.sizeOfLabel(false), 0.0);
-  const NSTabLabelStyle style = item.labelStyle();
-  EXPECT_TRUE(style.alignRight && style.truncateHead && style.white);
 }
 
 TEST_F(TabKeeperTest, ADatabaseRowShowsAndSelectsItsDatabase) {

@@ -17,7 +17,6 @@ struct OutlineModel::Node {
   bool expandable = false;
   bool triangle = false;
   bool expanded = false;
-  int height = 0;
   int shown = 0;  // rows in sight below this one
   std::optional<NSOutlineCell> cell;
   Children children;
@@ -162,7 +161,7 @@ QVariant OutlineModel::data(const QModelIndex& index, int role) const {
     case Qt::ToolTipRole:
       return toQString(cellAt(index).toolTip);
     case Qt::SizeHintRole:
-      return QSize(0, nodeAt(index).height);
+      return QSize(0, NSOutlineView::rowHeight);
     default:
       return {};
   }
@@ -206,7 +205,6 @@ void OutlineModel::askAbout(Node& node) {
   node.cell.reset();
   node.expandable = source_ && source_->isItemExpandable(node.item);
   node.triangle = delegate_ && delegate_->shouldShowOutlineCellForItem(node.item);
-  node.height = delegate_ ? static_cast<int>(delegate_->heightOfRowByItem(node.item)) : 24;
 }
 
 void OutlineModel::loadChildren(Node& node) {

@@ -79,14 +79,14 @@ std::vector<int> OutlineViewWidget::selectedRows() const {
   return rows;
 }
 
-void OutlineViewWidget::selectRows(const std::vector<int>& rows, bool extending) {
+void OutlineViewWidget::selectRows(const std::vector<int>& rows) {
   QItemSelection selection;
   for (const int row : rows) {
     if (const QModelIndex index = items_->indexOf(items_->itemAtRow(row)); index.isValid()) {
       selection.append(QItemSelectionRange(index));
     }
   }
-  selectionModel()->select(selection, extending ? QItemSelectionModel::Select : QItemSelectionModel::ClearAndSelect);
+  selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
 }
 
 QRect OutlineViewWidget::visualRect(const QModelIndex& index) const {
@@ -169,7 +169,7 @@ void OutlineViewWidget::selectRange(const NSItem& from, const NSItem& to) {
   std::vector<int> rows;
   for (int row = first; row <= last; ++row)
     rows.push_back(row);
-  selectRows(rows, false);
+  selectRows(rows);
 }
 
 void OutlineViewWidget::keyPressEvent(QKeyEvent* event) {

@@ -34,7 +34,7 @@ public:
   void collapseItem(const NSItem& item);
 
   std::vector<int> selectedRows() const;
-  void selectRows(const std::vector<int>& rows, bool extending);
+  void selectRows(const std::vector<int>& rows);
 
   // The root's row begins 16 points further left than its level says.
   QRect visualRect(const QModelIndex& index) const override;

@@ -2,7 +2,9 @@
 
 #include "platform/appkit/NSTabView.h"
 #include "platform/appkit/ToolTips.h"
+#include "platform/appkit/Utf8.h"
 
+#include <QApplication>
 #include <QHelpEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -16,9 +18,11 @@ namespace {
 
 constexpr int barHeight = 32;
 constexpr int labelPadding = 12;  // on each side of a label
-constexpr int gap = 2;            // between two tabs
-constexpr int lowered = 4;        // how much lower a tab stands that isn't selected
-constexpr int base = 2;           // the line below the tabs
+constexpr int labelHeight = 16;
+constexpr int labelSize = 12;  // of the font
+constexpr int gap = 2;         // between two tabs
+constexpr int lowered = 4;     // how much lower a tab stands that isn't selected
+constexpr int base = 2;        // the line below the tabs
 constexpr int widest = 240;
 constexpr double corner = 5.0;
 constexpr double leastContrast = 4.6;
@@ -53,6 +57,12 @@ TabBarWidget::TabBarWidget(QWidget* parent) : QTabBar(parent) {
   setExpanding(false);
   setElideMode(Qt::ElideLeft);
   setDrawBase(false);
+}
+
+QFont TabBarWidget::labelFont() {
+  QFont font = QApplication::font();
+  font.setPixelSize(labelSize);
+  return font;
 }
 
 QColor TabBarWidget::fill(bool selected) const {
@@ -92,18 +102,13 @@ void TabBarWidget::paintTab(QPainter& painter, int index) const {
   shape.addRect(place.adjusted(0, corner, 0, 0));
   painter.fillPath(shape, fill(selected));
 
-  const NSTabLabelStyle style = itemAt_(index).labelStyle();
-  QFont face = font();
-  face.setPixelSize(static_cast<int>(style.fontSize));
-  painter.setFont(face);
-  painter.setPen(style.white ? QColor(Qt::white) : palette().color(QPalette::WindowText));
-  QRectF line(place.x() + labelPadding, 0, place.width() - 2 * labelPadding, style.lineHeight);
+  painter.setFont(labelFont());
+  painter.setPen(Qt::white);
+  QRectF line(place.x() + labelPadding, 0, place.width() - 2 * labelPadding, labelHeight);
   line.moveCenter(QPointF(line.center().x(), place.center().y()));
   const QString label =
-      QFontMetricsF(face).elidedText(tabText(index).replace(QLatin1String("&&"), QLatin1String("&")),
-                                     style.truncateHead ? Qt::ElideLeft : Qt::ElideRight, line.width());
-  const auto side = style.alignRight ? Qt::AlignRight : Qt::AlignLeft;
-  painter.drawText(line, static_cast<int>(side | Qt::AlignVCenter) | Qt::TextSingleLine | Qt::TextDontClip, label);
+      QFontMetricsF(labelFont()).elidedText(toQString(itemAt_(index).label()), Qt::ElideLeft, line.width());
+  painter.drawText(line, int(Qt::AlignRight | Qt::AlignVCenter) | Qt::TextSingleLine | Qt::TextDontClip, label);
 
   if (selected && hasFocus()) {
     painter.setBrush(Qt::NoBrush);

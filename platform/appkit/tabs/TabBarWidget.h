@@ -14,9 +14,10 @@ class TabBarWidget final : public QTabBar {
 public:
   explicit TabBarWidget(QWidget* parent);
 
-  // Who knows the item of a tab; asked for its label's size and style.
+  // Who knows the item of a tab; asked for its label's size.
   void setItems(std::function<const NSTabViewItem&(int index)> itemAt) { itemAt_ = std::move(itemAt); }
 
+  static QFont labelFont();
   // The fill behind a label.
   QColor fill(bool selected) const;
 
