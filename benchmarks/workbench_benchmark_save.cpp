@@ -91,7 +91,7 @@ SaveTimes timesOfSaving(int port, const char* key) {
     }));
     alerts.clear();
     saves.push_back(millisecondsOf([&] {
-      tab.outlets().btnSave.performClick();
+      test::click(*tab.outlets().btnSave.widget());
       test::waitUntil([&] { return !alerts.shown().empty(); });
     }));
     if (alerts.messages() != std::vector<std::string>{"Saved."}) throw std::runtime_error("the list wasn't saved");

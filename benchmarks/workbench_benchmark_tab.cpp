@@ -72,7 +72,7 @@ BenchmarkTab::~BenchmarkTab() {
 
 double BenchmarkTab::search(const std::string& text) {
   NSPopUpButton& limit = outlets().popLimit;
-  limit.selectItemAtIndex(limit.numberOfItems() - 1);
+  limit.selectItemAtIndex(test::itemCount(limit) - 1);
   outlets().txtSearchKey.setStringValue(text);
   bool listed = false;
   outlets().tableKeys.tableColumn(0).setHeaderToolTip("");

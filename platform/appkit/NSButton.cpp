@@ -44,8 +44,4 @@ void NSButton::setState(bool on) {
   d_->button->setChecked(on);
 }
 
-void NSButton::performClick() {
-  d_->button->click();
-}
-
 }  // namespace tarn

@@ -26,9 +26,6 @@ public:
   bool state() const;
   void setState(bool on);
 
-  // What a click by a hand does.
-  void performClick();
-
 private:
   struct Private;
   std::unique_ptr<Private> d_;

@@ -42,10 +42,6 @@ void NSPopUpButton::addItemsWithTitles(const std::vector<std::string>& titles) {
   d_->box->addItems(texts);
 }
 
-int NSPopUpButton::numberOfItems() const {
-  return d_->box->count();
-}
-
 void NSPopUpButton::selectItemAtIndex(int index) {
   d_->box->setCurrentIndex(index >= 0 && index < d_->box->count() ? index : -1);
 }

@@ -24,7 +24,6 @@ public:
   void removeAllItems();
   void addItemWithTitle(std::string_view title);
   void addItemsWithTitles(const std::vector<std::string>& titles);
-  int numberOfItems() const;
 
   void selectItemAtIndex(int index);
   void selectItemWithTitle(std::string_view title);

@@ -73,7 +73,7 @@ TEST_F(Reading, TheWholeRoadFromAFavouriteToValuesAndBack) {
   EXPECT_EQ(tab().labStatus.stringValue(), "Status:Connected");
   EXPECT_EQ(tab().labKey.stringValue(), "Key(utf8):");
   EXPECT_EQ(tab().popDatabase.titleOfSelectedItem(), "db0");
-  EXPECT_EQ(tab().popDatabase.numberOfItems(), 4);
+  EXPECT_EQ(itemCount(tab().popDatabase), 4);
   EXPECT_EQ(tab().tableKeys.tableColumn(0).headerToolTip(), "Count Shown:10");
   EXPECT_EQ(tab().labKeySize.stringValue(), "Key Size:");
   EXPECT_EQ(tab().labDataSize.stringValue(), "Data Size:");

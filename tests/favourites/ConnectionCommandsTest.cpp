@@ -15,7 +15,7 @@ std::string status(const TabKeeper::Tab& tab) {
   return tab->outlets().labStatus.stringValue();
 }
 int databases(const TabKeeper::Tab& tab) {
-  return tab->outlets().popDatabase.numberOfItems();
+  return itemCount(tab->outlets().popDatabase);
 }
 
 // A port where nobody listens.

@@ -57,7 +57,7 @@ TEST_F(ConnectionFormTest, ANewConnectionIsTypedAndSavedByKeyboard) {
   openNew();
   EXPECT_EQ(form().window.title(), "Tarn - New Connection");
   EXPECT_TRUE(form().txtCnnName.isFirstResponder());
-  EXPECT_EQ(form().popDefaultCharset.numberOfItems(), 46);
+  EXPECT_EQ(itemCount(form().popDefaultCharset), 46);
   EXPECT_EQ(form().popDefaultCharset.titleOfSelectedItem(), "utf8");
   // The formatter takes 6379 out of these.
   typeFields({"我的服务器", "localhost", "0063799", "päss\"w"});

@@ -63,7 +63,7 @@ TEST_F(TypeDialogTest, AConfirmedTypeMakesAnEmptyFormInTheTabOnShow) {
 TEST_F(TypeDialogTest, IsOneDialogThatStartsAnewEachTime) {
   openWindow();
   openDialog();
-  EXPECT_EQ(dialog().popValueType.numberOfItems(), 5);
+  EXPECT_EQ(itemCount(dialog().popValueType), 5);
   const auto* const first = controller();
   choose(3);
   window().openTypeDialog();

@@ -204,8 +204,8 @@ TEST_F(Layouts, GiveEachValuePaneTheWholePlaceAlsoWhileHidden) {
 TEST_F(Layouts, HoldTheirListsAndColumns) {
   open();
   EXPECT_EQ(tab().popLimit.stringValue(), "1000");
-  EXPECT_EQ(tab().popLimit.numberOfItems(), 7);
-  EXPECT_EQ(tab().popType.numberOfItems(), 5);
+  EXPECT_EQ(itemCount(tab().popLimit), 7);
+  EXPECT_EQ(itemCount(tab().popType), 5);
   EXPECT_EQ(tab().tableKeys.numberOfColumns(), 1);
   EXPECT_EQ(tab().valueDataSetTable.numberOfColumns(), 1);
   ASSERT_EQ(tab().valueDataHashTable.numberOfColumns(), 2);

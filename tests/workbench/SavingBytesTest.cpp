@@ -5,6 +5,8 @@
 #include "tests/support/RespClient.h"
 #include "tests/workbench/TabFixture.h"
 
+#include <QTest>
+
 #include <cstdlib>
 #include <map>
 #include <random>
@@ -72,13 +74,13 @@ protected:
   }
 
   void load() {
-    outlets().btnReload.performClick();
+    click(*outlets().btnReload.widget());
     waitUntilIdle();
   }
 
   void save() {
     alerts.clear();
-    outlets().btnSave.performClick();
+    QTest::mouseClick(outlets().btnSave.widget(), Qt::LeftButton);
     settle();
     waitUntilIdle();
   }
@@ -373,7 +375,7 @@ TEST_F(SavingBytesTest, LoadEditSaveAndReloadFollowTheRules) {
     make(type, made);
     outlets().popValueDataCharset.selectItemWithTitle(model.title);
     load();
-    if (!model.translate) outlets().chkTranslate.performClick();
+    if (!model.translate) click(*outlets().chkTranslate.widget());
     const bool isPaired = type == "hash" || type == "zset";
     std::vector<Row> rows;
     for (const std::string& bytes : stored(type))

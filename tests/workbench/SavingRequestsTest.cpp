@@ -3,6 +3,8 @@
 #include "tests/workbench/RecordedTab.h"
 #include "tests/workbench/TableHands.h"
 
+#include <QTest>
+
 namespace tarn::test {
 namespace {
 
@@ -27,7 +29,7 @@ protected:
     alerts.clear();
     peer.sent();
     // All of it is sent in the click; what the closing step loads comes later.
-    outlets().btnSave.performClick();
+    QTest::mouseClick(outlets().btnSave.widget(), Qt::LeftButton);
     Texts sent = peer.sent();
     waitUntilIdle();
     return sent;

@@ -1,5 +1,6 @@
 #include "tests/support/widgets/Hand.h"
 
+#include "platform/appkit/NSView.h"
 #include "platform/foundation/NSOperationQueue.h"
 
 #include <QAbstractItemView>
@@ -55,13 +56,19 @@ void press(Qt::Key key, Qt::KeyboardModifiers modifiers) {
 
 void choose(QWidget& popUp, int index) {
   auto& box = dynamic_cast<QComboBox&>(popUp);
+  // The list ignores a release that comes sooner than a double click after the press that opened it.
+  const int interval = QApplication::doubleClickInterval();
+  QApplication::setDoubleClickInterval(0);
   click(popUp);
+  QApplication::setDoubleClickInterval(interval);
   if (!box.view()->isVisible()) throw std::runtime_error("the pop-up's list didn't open");
   const QModelIndex item = box.model()->index(index, box.modelColumn());
   box.view()->scrollTo(item);
-  // The list ignores a release that comes too soon after the press that opened it.
-  QTest::qWait(QApplication::doubleClickInterval() + 50);
   click(*box.view()->viewport(), box.view()->visualRect(item).center());
+}
+
+int itemCount(const NSView& popUp) {
+  return dynamic_cast<QComboBox&>(*popUp.widget()).count();
 }
 
 void settle() {

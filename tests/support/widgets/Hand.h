@@ -30,6 +30,8 @@ void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
 
 // Opens the pop-up's list by a click and chooses the item by another.
 void choose(QWidget& popUp, int index);
+// How many items its list has.
+int itemCount(const NSView& popUp);
 
 // Handles what waits: posted blocks, events, layout and painting.
 void settle();
