@@ -1,6 +1,5 @@
 #include "platform/foundation/Utf8.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
@@ -44,10 +43,6 @@ bool isSecondByte(unsigned char lead, unsigned char second) {
   }
 }
 
-bool isFollowingByte(unsigned char byte) {
-  return (byte & 0xC0) == 0x80;
-}
-
 }  // namespace
 
 bool isAscii(std::string_view bytes) {
@@ -65,11 +60,20 @@ bool isValidUtf8(std::string_view bytes) {
     }
     const std::size_t length = lengthFrom(lead);
     if (length == 0 || bytes.size() - at < length || !isSecondByte(lead, byteAt(at + 1))) return false;
-    if (length > 2 && !isFollowingByte(byteAt(at + 2))) return false;
-    if (length > 3 && !isFollowingByte(byteAt(at + 3))) return false;
+    if (length > 2 && !isFollowingByte(bytes[at + 2])) return false;
+    if (length > 3 && !isFollowingByte(bytes[at + 3])) return false;
     at += length;
   }
   return true;
+}
+
+std::string_view utf8Prefix(std::string_view text, std::size_t maxBytes) {
+  if (text.size() <= maxBytes) return text;
+  // Where the bytes are no UTF-8 there may be no first byte at all.
+  const std::size_t atLeast = maxBytes < 3 ? 0 : maxBytes - 3;
+  while (maxBytes > atLeast && isFollowingByte(text[maxBytes]))
+    --maxBytes;
+  return text.substr(0, maxBytes);
 }
 
 }  // namespace tarn

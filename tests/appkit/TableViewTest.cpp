@@ -167,8 +167,6 @@ TEST(CellText, PaintsNoMoreThanFits) {
   EXPECT_EQ(elidedLine("short", metrics, 300), "short");
   EXPECT_FALSE(elidedLine("a\nb\tc", metrics, 300).contains('\n'));
   EXPECT_EQ(elidedLine("text", metrics, 0), "");
-  EXPECT_EQ(utf8Prefix("a\xE4\xB8\xAD", 3), "a");
-  EXPECT_EQ(utf8Prefix("a\xE4\xB8\xAD", 4), "a\xE4\xB8\xAD");
 }
 
 TEST_F(TableView, ScreenReadersFindRowsAndCells) {

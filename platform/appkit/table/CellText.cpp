@@ -2,6 +2,7 @@
 
 #include "platform/appkit/Utf8.h"
 #include "platform/appkit/text/DisplayText.h"
+#include "platform/foundation/Utf8.h"
 
 #include <QFontMetrics>
 
@@ -14,14 +15,6 @@ QString elidedLine(std::string_view text, const QFontMetrics& metrics, int width
   QString line = displayText(toQString(prefix), TabsShow::asMark);
   if (prefix.size() < text.size()) line += QChar(0x2026);
   return metrics.elidedText(line, Qt::ElideRight, width);
-}
-
-std::string_view utf8Prefix(std::string_view text, std::size_t maxBytes) {
-  if (text.size() <= maxBytes) return text;
-  std::size_t size = maxBytes;
-  while (size > 0 && (static_cast<unsigned char>(text[size]) & 0xC0U) == 0x80U)
-    --size;
-  return text.substr(0, size);
 }
 
 }  // namespace tarn

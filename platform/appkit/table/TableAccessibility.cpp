@@ -4,6 +4,7 @@
 #include "platform/appkit/table/CellText.h"
 #include "platform/appkit/table/TableHeader.h"
 #include "platform/appkit/table/TableViewWidget.h"
+#include "platform/foundation/Utf8.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>

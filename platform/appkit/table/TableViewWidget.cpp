@@ -7,6 +7,7 @@
 #include "platform/appkit/table/CellText.h"
 #include "platform/appkit/table/TableAccessibility.h"
 #include "platform/appkit/table/TableHeader.h"
+#include "platform/foundation/Utf8.h"
 
 #include <QApplication>
 #include <QFocusEvent>

@@ -1,6 +1,7 @@
 #include "platform/appkit/text/TextStore.h"
 
 #include "platform/appkit/Utf8.h"
+#include "platform/foundation/Utf8.h"
 
 #include <QStringEncoder>
 #include <QTextBoundaryFinder>
@@ -41,13 +42,8 @@ std::size_t findLineEnd(QStringView text, std::size_t from, std::size_t to) {
 // Takes the next part of `utf8` off, whole characters, so that a long text is decoded a part at a time.
 std::string_view takePart(std::string_view& utf8) {
   constexpr std::size_t longestPart = 256 * 1024;
-  std::size_t length = std::min(utf8.size(), longestPart);
-  if (length < utf8.size()) {
-    for (int i = 0; i < 3 && (utf8[length] & 0xC0) == 0x80; ++i)
-      --length;
-  }
-  const std::string_view part = utf8.substr(0, length);
-  utf8.remove_prefix(length);
+  const std::string_view part = utf8Prefix(utf8, longestPart);
+  utf8.remove_prefix(part.size());
   return part;
 }
 
