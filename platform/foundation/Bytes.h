@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <span>
 #include <string>
 #include <string_view>
 
@@ -34,7 +33,6 @@ public:
   std::size_t size() const noexcept { return isOnHeap() ? block().size : tag_; }
   bool empty() const noexcept { return size() == 0; }
   std::string_view view() const noexcept { return {data(), size()}; }
-  std::span<const std::byte> span() const noexcept { return std::as_bytes(std::span(data(), size())); }
 
   // Keeps the first bytes; new ones are left uninitialised, for a reader that is about to fill them.
   void resize(std::size_t size);

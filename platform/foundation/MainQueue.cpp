@@ -9,7 +9,6 @@ void MainQueue::addOperationWithBlock(Block block) {
     const MutexLock lock(mutex_);
     blocks_.push_back(std::move(block));
   }
-  posted_.notify_one();
   const MutexLock lock(wakeMutex_);
   if (wake_) wake_();
 }
@@ -31,13 +30,6 @@ bool MainQueue::drain() {
   }
   running_ = false;
   return ranAny;
-}
-
-void MainQueue::waitForBlocks(std::chrono::steady_clock::time_point limit) {
-  MutexLock lock(mutex_);
-  while (running_ || blocks_.empty()) {
-    if (posted_.wait_until(lock, limit) == std::cv_status::timeout) return;
-  }
 }
 
 void MainQueue::setWaker(std::function<void()> wake) {

@@ -2,8 +2,6 @@
 
 #include "platform/foundation/Mutex.h"
 
-#include <chrono>
-#include <condition_variable>
 #include <deque>
 #include <functional>
 
@@ -26,17 +24,12 @@ public:
   // waits. Does nothing while a block is running. True if any block ran.
   bool drain();
 
-  // Main thread, for a program without an event loop of its own: sleeps until a block that drain() would run waits, or
-  // until `limit`.
-  void waitForBlocks(std::chrono::steady_clock::time_point limit);
-
   // Called on the posting thread after each post, so that a sleeping event loop wakes up and drains. Once this has
   // returned, the waker installed before is not called again, nor running.
   void setWaker(std::function<void()> wake);
 
 private:
   Mutex mutex_;
-  std::condition_variable_any posted_;
   std::deque<Block> blocks_ GUARDED_BY(mutex_);
   Mutex wakeMutex_;
   std::function<void()> wake_ GUARDED_BY(wakeMutex_);

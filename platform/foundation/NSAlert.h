@@ -16,7 +16,6 @@ public:
   // What runModal answers for the first and second button; further buttons count on.
   static constexpr int firstButtonReturn = 1000;
   static constexpr int secondButtonReturn = 1001;
-  static constexpr int thirdButtonReturn = 1002;
 
   using Presenter = std::function<int(const NSAlert&)>;
 

@@ -4,8 +4,8 @@
 
 namespace tarn {
 
-// Decides, keystroke by keystroke, what a field accepts. Asked before every change by a hand, with the text as it would
-// become (UTF-8); never for text set by code. Main thread.
+// Decides, keystroke by keystroke, what a field accepts. Asked before every change by the user, with the text as it
+// would become (UTF-8); never for text set by code. Main thread.
 class NSFormatter {
 public:
   virtual ~NSFormatter() = default;

@@ -3,6 +3,7 @@
 #include "platform/foundation/Immortal.h"
 #include "platform/foundation/Log.h"
 #include "platform/foundation/Mutex.h"
+#include "platform/foundation/NSTimer.h"
 
 #include <condition_variable>
 #include <deque>
@@ -47,14 +48,28 @@ struct NSOperationQueue::State : std::enable_shared_from_this<State> {
       try {
         std::thread([self = shared_from_this(), shared]() mutable { self->runFrom(std::move(*shared)); }).detach();
       } catch (const std::system_error&) {
-        // The system has no thread to give; the operation waits for the end of another, or for the next one added.
         logLine("no thread for an operation");
         --running;
         barrierRuns = false;
         waiting.push_front(std::move(*shared));
+        // One that runs takes it on at its end.
+        if (running == 0) startThreadsLater();
         return;
       }
     }
+  }
+
+  // A timer is made by the main thread alone.
+  void startThreadsLater() {
+    static constexpr double pauseInSeconds = 0.1;
+    mainQueue().addOperationWithBlock([weak = weak_from_this()] {
+      NSTimer::scheduledTimerWithTimeInterval(pauseInSeconds, false, [weak] {
+        const auto self = weak.lock();
+        if (!self) return;
+        const MutexLock lock(self->mutex);
+        self->startThreads();
+      });
+    });
   }
 
   void runFrom(Operation first) {

@@ -10,8 +10,8 @@ namespace tarn {
 
 // Runs blocks on background threads, at most `maxConcurrentOperationCount` at once, starting them in the order added.
 // Threads are made on demand and end when idle. The queue may be destroyed at any time, also by its own last block:
-// blocks that have not started are then dropped, running ones end by themselves. All operations may be called from any
-// thread.
+// blocks that have not started are then dropped, running ones end by themselves. While the system refuses a thread,
+// what was added waits. All operations may be called from any thread.
 class NSOperationQueue final {
 public:
   using Block = std::function<void()>;

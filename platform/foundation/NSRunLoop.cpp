@@ -1,7 +1,6 @@
 #include "platform/foundation/NSRunLoop.h"
 
 #include "platform/foundation/Immortal.h"
-#include "platform/foundation/NSOperationQueue.h"
 #include "platform/foundation/NSTimer.h"
 
 #include <algorithm>
@@ -16,7 +15,7 @@ NSRunLoop::ModalSession::ModalSession() {
 
 NSRunLoop::ModalSession::~ModalSession() {
   NSRunLoop& loop = mainRunLoop();
-  if (--loop.modalSessions_ == 0) loop.tellScheduleChanged();
+  if (--loop.modalSessions_ == 0) loop.notifyScheduleChanged();
 }
 
 NSRunLoop& NSRunLoop::mainRunLoop() {
@@ -45,22 +44,6 @@ void NSRunLoop::fireTimers() {
   }
 }
 
-bool NSRunLoop::runUntil(const std::function<bool()>& done, std::chrono::milliseconds limit) {
-  // `done` may look at what other threads do without a word to the main queue.
-  static constexpr std::chrono::milliseconds lookInterval(2);
-  MainQueue& queue = NSOperationQueue::mainQueue();
-  const auto end = Clock::now() + limit;
-  while (true) {
-    queue.drain();
-    fireTimers();
-    if (done()) return true;
-    const auto now = Clock::now();
-    if (now >= end) return false;
-    const auto wake = std::min(end, now + lookInterval);
-    queue.waitForBlocks(std::min(wake, nextFireDate().value_or(wake)));
-  }
-}
-
 void NSRunLoop::setScheduleChanged(std::function<void()> changed) {
   changed_ = std::move(changed);
 }
@@ -71,7 +54,7 @@ void NSRunLoop::schedule(Entry entry, Clock::time_point when) {
     if (!entry.timer->isValid_) return;
     timers_.emplace(when, std::move(entry));
   }
-  tellScheduleChanged();
+  notifyScheduleChanged();
 }
 
 void NSRunLoop::unschedule(NSTimer& timer) {
@@ -110,7 +93,7 @@ void NSRunLoop::fire(const std::shared_ptr<NSTimer>& timer) {
   schedule(std::move(entry), next);
 }
 
-void NSRunLoop::tellScheduleChanged() const {
+void NSRunLoop::notifyScheduleChanged() const {
   if (changed_) changed_();
 }
 

@@ -13,8 +13,7 @@ namespace tarn {
 class NSTimer;
 
 // The main thread's loop, seen without a toolkit: which timers are due, and whether timers may fire now. A toolkit's
-// event loop hosts it (it sleeps no longer than `nextFireDate` and calls `fireTimers`); a program without windows calls
-// `runUntil`. Main thread only.
+// event loop hosts it: it sleeps no longer than `nextFireDate` and calls `fireTimers`. Main thread only.
 class NSRunLoop final {
 public:
   using Clock = std::chrono::steady_clock;
@@ -37,9 +36,6 @@ public:
   // Fires each timer that is due, once.
   void fireTimers();
 
-  // Drains the main queue and fires timers until `done` answers true (the answer is then true) or the time is over.
-  bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds limit);
-
   // Called when `nextFireDate` may have become earlier, so that the host can set its alarm anew.
   void setScheduleChanged(std::function<void()> changed);
 
@@ -59,7 +55,7 @@ private:
   void unschedule(NSTimer& timer);
   Timers::iterator find(const NSTimer& timer) REQUIRES(mutex_);
   void fire(const std::shared_ptr<NSTimer>& timer);
-  void tellScheduleChanged() const;
+  void notifyScheduleChanged() const;
 
   // A timer may be invalidated by any thread.
   mutable Mutex mutex_;

@@ -21,8 +21,4 @@ void NSTimer::invalidate() {
   NSRunLoop::mainRunLoop().unschedule(*this);
 }
 
-bool NSTimer::isValid() const {
-  return isValid_;
-}
-
 }  // namespace tarn

@@ -2,14 +2,13 @@
 
 #include "platform/foundation/NSRunLoop.h"
 
-#include <atomic>
 #include <functional>
 #include <memory>
 
 namespace tarn {
 
-// A timer of the main run loop. The loop holds it until it has fired its last time or is invalidated; whoever only
-// wants one shot need not keep it. Main thread only, except invalidate(), which any thread may call.
+// A timer of the main run loop. The loop holds it until it has fired its last time or is invalidated, so a timer
+// for one shot need not be kept. Main thread only, except invalidate(), which any thread may call.
 class NSTimer final {
   struct Key {};
 
@@ -26,12 +25,12 @@ public:
 
   // The timer never fires again, and the loop drops its block.
   void invalidate();
-  bool isValid() const;
 
 private:
   friend class NSRunLoop;
 
-  std::atomic<bool> isValid_ = true;
+  // Under the lock of the run loop.
+  bool isValid_ = true;
 };
 
 }  // namespace tarn

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::size_t textSize = 36;
 
-bool isHyphenPlace(std::size_t index) {
+bool isHyphenPosition(std::size_t index) {
   return index == 8 || index == 13 || index == 18 || index == 23;
 }
 
@@ -38,7 +38,7 @@ std::optional<NSUUID> NSUUID::fromString(std::string_view text) {
   std::array<std::uint8_t, 16> bytes{};
   std::size_t digits = 0;
   for (std::size_t i = 0; i < textSize; ++i) {
-    if (isHyphenPlace(i)) {
+    if (isHyphenPosition(i)) {
       if (text[i] != '-') return std::nullopt;
       continue;
     }
@@ -55,7 +55,7 @@ std::string NSUUID::uuidString() const {
   std::string text;
   text.reserve(textSize);
   for (const std::uint8_t byte : bytes_) {
-    if (isHyphenPlace(text.size())) text += '-';
+    if (isHyphenPosition(text.size())) text += '-';
     text += hexDigits[byte >> 4];
     text += hexDigits[byte & 0x0F];
   }

@@ -1,93 +1,76 @@
-#include "platform/foundation/NSAlert.h"
-#include "platform/foundation/NSOperationQueue.h"
-#include "platform/foundation/NSRunLoop.h"
 #include "platform/foundation/NSTimer.h"
-#include "tests/support/AlertRecorder.h"
+#include "tests/foundation/RunLoop.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
 #include <memory>
-#include <thread>
+#include <optional>
+#include <string>
 
-namespace tarn {
+namespace tarn::test {
 namespace {
 
 using namespace std::chrono_literals;
+using Clock = NSRunLoop::Clock;
 
 NSRunLoop& loop() {
   return NSRunLoop::mainRunLoop();
 }
 
-TEST(NSTimer, FiresOnceOrUntilInvalidated) {
-  int shots = 0;
-  int ticks = 0;
-  const auto once = NSTimer::scheduledTimerWithTimeInterval(0.001, false, [&] { ++shots; });
-  auto repeating = std::shared_ptr<NSTimer>();
-  repeating = NSTimer::scheduledTimerWithTimeInterval(0.001, true, [&] {
-    if (++ticks == 3) repeating->invalidate();
-  });
-  EXPECT_EQ(shots, 0);
-  EXPECT_TRUE(loop().runUntil([&] { return ticks == 3; }, 20s));
-  EXPECT_FALSE(loop().runUntil([&] { return ticks > 3; }, 10ms));
-  EXPECT_EQ(shots, 1);
-  EXPECT_FALSE(once->isValid());
-  EXPECT_FALSE(repeating->isValid());
+// Keeps all timers back until this moment, as a user does who answers an alert late.
+void holdBackUntil(Clock::time_point moment) {
+  const NSRunLoop::ModalSession outer;
+  { const NSRunLoop::ModalSession inner; }
+  EXPECT_TRUE(runUntil([&] { return Clock::now() >= moment; }));
   EXPECT_FALSE(loop().nextFireDate());
 }
 
-TEST(NSTimer, FiresInTheOrderOfItsTimesAlsoAgainstEachOther) {
+TEST(NSTimer, FiresInTheOrderOfItsTimesAndHoldsTheOthersBackWhileItAsks) {
   std::string order;
+  std::optional<NSRunLoop::ModalSession> alert;
   NSTimer::scheduledTimerWithTimeInterval(0.002, false, [&] { order += "b"; });
   const auto never = NSTimer::scheduledTimerWithTimeInterval(0.003, false, [&] { order += "x"; });
   NSTimer::scheduledTimerWithTimeInterval(0.001, false, [&] {
     order += "a";
     never->invalidate();
+    alert.emplace();
+    loop().fireTimers();
   });
   NSTimer::scheduledTimerWithTimeInterval(0.004, false, [&] { order += "c"; });
-  std::this_thread::sleep_for(6ms);
+  holdBackUntil(Clock::now() + 4ms);
+  loop().fireTimers();
+  EXPECT_EQ(order, "a");
+  alert.reset();
   loop().fireTimers();
   EXPECT_EQ(order, "abc");
+  EXPECT_FALSE(loop().nextFireDate());
 }
 
-TEST(NSTimer, WaitsBehindAModalSessionAndThenFiresOnce) {
+TEST(NSTimer, FiresOnceForAllTimesThatItMissedAndThenAtItsNext) {
   int ticks = 0;
-  const auto timer = NSTimer::scheduledTimerWithTimeInterval(0.05, true, [&] { ++ticks; });
-  int told = 0;
-  loop().setScheduleChanged([&] { ++told; });
-  {
-    const NSRunLoop::ModalSession outer;
-    { const NSRunLoop::ModalSession inner; }
-    std::this_thread::sleep_for(170ms);
-    EXPECT_FALSE(loop().nextFireDate());
-    loop().fireTimers();
-    EXPECT_EQ(ticks, 0);
-    EXPECT_EQ(told, 0);
-  }
-  EXPECT_EQ(told, 1);
+  std::shared_ptr<NSTimer> timer;
+  timer = NSTimer::scheduledTimerWithTimeInterval(0.005, true, [&] {
+    if (++ticks == 2) timer->invalidate();
+  });
+  int changes = 0;
+  loop().setScheduleChanged([&] { ++changes; });
   const auto due = loop().nextFireDate();
   ASSERT_TRUE(due);
-  EXPECT_LE(*due, NSRunLoop::Clock::now());
-  loop().fireTimers();
+  holdBackUntil(*due + 12ms);
+  EXPECT_EQ(changes, 1);
+  EXPECT_EQ(ticks, 0);
+  EXPECT_EQ(loop().nextFireDate(), due);
   loop().fireTimers();
   EXPECT_EQ(ticks, 1);
-  ASSERT_TRUE(loop().nextFireDate());
-  EXPECT_GT(*loop().nextFireDate(), *due + 100ms);
+  EXPECT_EQ(changes, 2);
+  const auto next = loop().nextFireDate();
+  ASSERT_TRUE(next);
+  EXPECT_GE(*next, *due + 15ms);
+  EXPECT_EQ((*next - *due) % 5ms, 0ms);
+  EXPECT_TRUE(runUntil([&] { return ticks == 2; }));
+  EXPECT_FALSE(loop().nextFireDate());
   loop().setScheduleChanged(nullptr);
-  timer->invalidate();
-}
-
-TEST(NSTimer, HoldsTheOthersBackWhileOneOfThemAsks) {
-  std::string order;
-  NSTimer::scheduledTimerWithTimeInterval(0.001, false, [&] {
-    const NSRunLoop::ModalSession alert;
-    loop().fireTimers();
-    order += "alert ";
-  });
-  NSTimer::scheduledTimerWithTimeInterval(0.002, false, [&] { order += "second "; });
-  EXPECT_TRUE(loop().runUntil([&] { return order.ends_with("second "); }, 20s));
-  EXPECT_EQ(order, "alert second ");
 }
 
 TEST(NSTimer, MayBeInvalidatedByAnyThreadAndLetsItsBlockGo) {
@@ -104,32 +87,12 @@ TEST(NSTimer, MayBeInvalidatedByAnyThreadAndLetsItsBlockGo) {
       timer->invalidate();
       isInvalid = true;
     });
-    EXPECT_TRUE(loop().runUntil([&] { return isInvalid.load(); }, 20s));
+    EXPECT_TRUE(runUntil([&] { return isInvalid.load(); }));
     other.join();
-    const int after = ticks;
-    loop().runUntil([] { return false; }, 3ms);
-    EXPECT_EQ(ticks, after);
     EXPECT_TRUE(watched.expired());
+    EXPECT_FALSE(loop().nextFireDate());
   }
-  EXPECT_FALSE(loop().nextFireDate());
-}
-
-TEST(NSAlert, IsAnsweredByItsPresenterElseByItsFirstButton) {
-  NSAlert alert;
-  alert.setMessageText("message");
-  alert.addButtonWithTitle("Keep");
-  alert.addButtonWithTitle("Cancel");
-  {
-    test::AlertRecorder recorder;
-    recorder.answerNext(NSAlert::secondButtonReturn);
-    EXPECT_EQ(alert.runModal(), 1001);
-    ASSERT_EQ(recorder.shown().size(), 1U);
-    EXPECT_EQ(recorder.shown()[0].buttons.size(), 2U);
-  }
-  testing::internal::CaptureStdout();
-  EXPECT_EQ(alert.runModal(), 1000);
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "message\n");
 }
 
 }  // namespace
-}  // namespace tarn
+}  // namespace tarn::test
