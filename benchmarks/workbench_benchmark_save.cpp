@@ -76,7 +76,7 @@ SaveTimes timesOfSaving(int port, const char* key) {
   for (const Bytes& row : rows)
     words.push_back(row.view());
   const Bytes write = encodeRequest(RedisCommand::rpush, words);
-  const Bytes del = encodeRequest(RedisCommand::del, std::span(words).first(1));
+  const Bytes del = encodeRequest(RedisCommand::del, {words.front()});
   const PlainExchange plain(port);
 
   test::AlertRecorder alerts;

@@ -111,7 +111,7 @@ void ConnectionCommands::closeTab(OperationTabViewController& tab) {
 void ConnectionCommands::connectIfIdle(const std::shared_ptr<ServerItem>& server) {
   const auto tab = tabs_.tabForServer(*server);
   // A barrier, so that of two connects in a row the second finds the connection of the first.
-  server->operationQueue().addBarrierBlock([self = weak_from_this(), server, began = server->closings(),
+  server->operationQueue().addBarrierBlock([self = weak_from_this(), server, began = server->epoch(),
                                             work = tab ? tab->beginWork() : nullptr] {
     if (!isIdle(*server)) return;
     postToMainQueue(self, [server](ConnectionCommands& commands) { commands.showConnecting(server); });
@@ -132,14 +132,14 @@ void ConnectionCommands::showConnecting(const std::shared_ptr<ServerItem>& serve
   showInTab(server, ConnectionStatus::connecting);
 }
 
-void ConnectionCommands::showConnected(const std::shared_ptr<ServerItem>& server, ServerItem::Closings began) {
+void ConnectionCommands::showConnected(const std::shared_ptr<ServerItem>& server, ServerItem::Epoch began) {
   if (lapses(server, began)) return;
   tree_.reloadItem(server);
   tree_.reopenItem(server);
   showInTab(server, ConnectionStatus::connected);
 }
 
-void ConnectionCommands::showDisConnected(const std::shared_ptr<ServerItem>& server, ServerItem::Closings began,
+void ConnectionCommands::showDisConnected(const std::shared_ptr<ServerItem>& server, ServerItem::Epoch began,
                                           const std::string& message) {
   if (lapses(server, began)) return;
   tree_.reloadItem(server);
@@ -149,8 +149,8 @@ void ConnectionCommands::showDisConnected(const std::shared_ptr<ServerItem>& ser
   if (tab) tab->updateDealingQueueLabel();
 }
 
-bool ConnectionCommands::lapses(const std::shared_ptr<ServerItem>& server, ServerItem::Closings began) {
-  if (server->closings() == began) return false;
+bool ConnectionCommands::lapses(const std::shared_ptr<ServerItem>& server, ServerItem::Epoch began) {
+  if (!server->wasClosedSince(began)) return false;
   tree_.reloadItem(server);
   if (const auto tab = tabs_.tabForServer(*server)) {
     tab->updateStatusLabel();

@@ -47,13 +47,13 @@ private:
   void remove(const std::shared_ptr<ServerItem>& server);
 
   void showConnecting(const std::shared_ptr<ServerItem>& server);
-  void showConnected(const std::shared_ptr<ServerItem>& server, ServerItem::Closings began);
-  void showDisConnected(const std::shared_ptr<ServerItem>& server, ServerItem::Closings began,
+  void showConnected(const std::shared_ptr<ServerItem>& server, ServerItem::Epoch began);
+  void showDisConnected(const std::shared_ptr<ServerItem>& server, ServerItem::Epoch began,
                         const std::string& message);
   // The server's tab, if it has one, shows this status and the length of the queue.
   void showInTab(const std::shared_ptr<ServerItem>& server, ConnectionStatus status);
   // True, and row and tab show the status as it is, if the server was closed since the connect was asked for.
-  bool lapses(const std::shared_ptr<ServerItem>& server, ServerItem::Closings began);
+  bool lapses(const std::shared_ptr<ServerItem>& server, ServerItem::Epoch began);
 
   const std::shared_ptr<MyFavouriteItem> favourites_;
   FavouritesTree& tree_;

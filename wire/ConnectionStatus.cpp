@@ -16,12 +16,4 @@ std::string_view rawValue(ConnectionStatus status) {
   return {};
 }
 
-std::optional<ConnectionStatus> connectionStatusFromRawValue(std::string_view text) {
-  for (const auto status : {ConnectionStatus::notConnected, ConnectionStatus::connected, ConnectionStatus::disConnected,
-                            ConnectionStatus::connecting}) {
-    if (text == rawValue(status)) return status;
-  }
-  return std::nullopt;
-}
-
 }  // namespace tarn

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <optional>
 #include <string_view>
 
 namespace tarn {
@@ -9,6 +8,5 @@ enum class ConnectionStatus { notConnected = 0, connected = 1, disConnected = 2,
 
 // "NotConnected", "Connected", "DisConnected", "Connecting": what the status label shows.
 std::string_view rawValue(ConnectionStatus status);
-std::optional<ConnectionStatus> connectionStatusFromRawValue(std::string_view text);
 
 }  // namespace tarn

@@ -8,12 +8,12 @@ DbItem::DbItem(int index, std::weak_ptr<ServerItem> parent)
     : dbIdx_(index), dbName_("db" + std::to_string(index)), parent_(std::move(parent)) {}
 
 std::string DbItem::keysCount() const {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   return keysCount_;
 }
 
 void DbItem::setKeysCount(std::string text) {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   keysCount_ = std::move(text);
 }
 

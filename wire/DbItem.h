@@ -1,9 +1,9 @@
 #pragma once
 
+#include "platform/foundation/Mutex.h"
 #include "platform/foundation/NSObject.h"
 
 #include <memory>
-#include <mutex>
 #include <string>
 
 namespace tarn {
@@ -29,8 +29,8 @@ private:
   const int dbIdx_;
   const std::string dbName_;
   const std::weak_ptr<ServerItem> parent_;
-  mutable std::mutex mutex_;
-  std::string keysCount_ = "(0)";
+  mutable Mutex mutex_;
+  std::string keysCount_ GUARDED_BY(mutex_) = "(0)";
 };
 
 }  // namespace tarn

@@ -1,118 +1,72 @@
 #include "wire/ServerItem.h"
 
 #include "platform/foundation/NSAlert.h"
+#include "platform/foundation/PostToMainQueue.h"
 #include "wire/ServerItemHost.h"
-#include "wire/cluster/NodeAddress.h"
-#include "wire/socket/Socket.h"
+#include "wire/socket/SocketCalls.h"
 
 namespace tarn {
 
+namespace {
+
+constexpr double refreshInterval = 3.0;
+
+}  // namespace
+
 ServerItem::ServerItem(Life life) : ServerItem(life, SocketCalls::system()) {}
 
-ServerItem::ServerItem(Life life, SocketCalls& calls) : life_(life), calls_(calls) {}
+ServerItem::ServerItem(Life life, SocketCalls& calls) : ServerCommands(calls), life_(life) {}
 
 ServerItem::~ServerItem() {
-  if (timer_) timer_->invalidate();
+  setTimer(nullptr);
 }
 
-NSUUID ServerItem::serverId() const {
-  const std::lock_guard lock(stateMutex_);
-  return serverId_;
+ServerAddress ServerItem::address() const {
+  const MutexLock lock(recordMutex_);
+  return {
+      .name = record_.connectionName, .host = record_.serverIp, .port = record_.serverPort, .password = record_.auth};
 }
 
-void ServerItem::setServerId(const NSUUID& id) {
-  const std::lock_guard lock(stateMutex_);
-  serverId_ = id;
+ServerItemHost* ServerItem::host() const {
+  return life_ == Life::favourite ? ServerItemHost::installed() : nullptr;
 }
 
-std::string ServerItem::connectionName() const {
-  const std::lock_guard lock(stateMutex_);
-  return connectionName_;
+ServerItem::Outcome ServerItem::connectToServer(Epoch began, int database) {
+  Outcome outcome = connection().connect(address(), began, database);
+  if (outcome.isOpen) {
+    postToMainQueue(weak_from_this(), [began](ServerItem& self) {
+      if (!self.wasClosedSince(began)) self.startLivenessTimer();
+    });
+  }
+  return outcome;
 }
 
-void ServerItem::setConnectionName(std::string name) {
-  const std::lock_guard lock(stateMutex_);
-  connectionName_ = std::move(name);
+void ServerItem::closeConnection() {
+  operationQueue_.cancelAllOperations();
+  connection().close();
+  setDbs({});
+  setTimer(nullptr);
 }
 
-std::string ServerItem::serverIp() const {
-  const std::lock_guard lock(stateMutex_);
-  return serverIp_;
+void ServerItem::startLivenessTimer() {
+  if (life_ == Life::transient) return;
+  setTimer(NSTimer::scheduledTimerWithTimeInterval(refreshInterval, true, [weak = weak_from_this()] {
+    if (const auto self = weak.lock()) self->infoFromServerMain();
+  }));
 }
 
-void ServerItem::setServerIp(std::string host) {
-  const std::lock_guard lock(stateMutex_);
-  serverIp_ = std::move(host);
-}
-
-int ServerItem::serverPort() const {
-  const std::lock_guard lock(stateMutex_);
-  return serverPort_;
-}
-
-void ServerItem::setServerPort(int port) {
-  const std::lock_guard lock(stateMutex_);
-  serverPort_ = port;
-}
-
-std::string ServerItem::auth() const {
-  const std::lock_guard lock(stateMutex_);
-  return auth_;
-}
-
-void ServerItem::setAuth(std::string password) {
-  const std::lock_guard lock(stateMutex_);
-  auth_ = std::move(password);
-}
-
-std::string ServerItem::defaultCharset() const {
-  const std::lock_guard lock(stateMutex_);
-  return defaultCharset_;
-}
-
-void ServerItem::setDefaultCharset(std::string name) {
-  const std::lock_guard lock(stateMutex_);
-  defaultCharset_ = std::move(name);
-}
-
-ConnectionStatus ServerItem::connectionStatus() const {
-  const std::lock_guard lock(stateMutex_);
-  return connectionStatus_;
-}
-
-void ServerItem::setConnectionStatus(ConnectionStatus status) {
-  const std::lock_guard lock(stateMutex_);
-  connectionStatus_ = status;
-}
-
-std::shared_ptr<const ServerItem::Databases> ServerItem::dbs() const {
-  const std::lock_guard lock(stateMutex_);
-  return dbs_;
-}
-
-void ServerItem::setDbs(Databases dbs) {
-  auto list = std::make_shared<const Databases>(std::move(dbs));
-  const std::lock_guard lock(stateMutex_);
-  dbs_.swap(list);
-}
-
-int ServerItem::currentDbIdx() const {
-  const std::lock_guard lock(stateMutex_);
-  return currentDbIdx_;
-}
-
-std::shared_ptr<ServerItem> ServerItem::transientItem(const NodeAddress& address) const {
-  auto item = std::make_shared<ServerItem>(Life::transient, calls_);
-  item->setServerIp(address.host);
-  item->setServerPort(address.port);
-  item->setAuth(auth());
-  return item;
+void ServerItem::setTimer(std::shared_ptr<NSTimer> timer) {
+  {
+    const MutexLock lock(recordMutex_);
+    timer.swap(timer_);
+  }
+  if (timer) timer->invalidate();
 }
 
 void ServerItem::showServerError(std::string message) {
   NSOperationQueue::mainQueue().addOperationWithBlock([weak = weak_from_this(), message = std::move(message)] {
-    ServerItemHost* const host = ServerItemHost::installed();
-    if (const auto self = weak.lock(); self && host != nullptr && self->life_ == Life::favourite) {
+    const auto self = weak.lock();
+    if (ServerItemHost* const host = self ? self->host() : nullptr) {
       host->reloadServerRow(self);
       host->showStatusInTab(self);
     }

@@ -19,7 +19,7 @@ namespace {
 
 using Status = ConnectionStatus;
 
-class Connection : public WireTest {
+class Connecting : public WireTest {
 protected:
   struct Failure {
     std::string message;
@@ -70,7 +70,7 @@ private:
   std::array<int, 4> fillers_{};
 };
 
-TEST_F(Connection, OpensAuthenticatesAndCloses) {
+TEST_F(Connecting, OpensAuthenticatesAndCloses) {
   RedisServer server({"--requirepass", "s3cret"});
   const std::size_t before = openDescriptors();
   const auto good = item(server.port(), "s3cret");
@@ -102,7 +102,7 @@ TEST_F(Connection, OpensAuthenticatesAndCloses) {
 }
 
 // Four probes of keepalive, then five seconds each way; a failure of any of them only goes to the log.
-TEST_F(Connection, TunesTheSocketAndGoesOnWithoutTheTuning) {
+TEST_F(Connecting, TunesTheSocketAndGoesOnWithoutTheTuning) {
   class Tuning final : public SocketCalls {
   public:
     int setOption(int descriptor, int level, int option, const void* value, socklen_t length) override {
@@ -128,7 +128,7 @@ TEST_F(Connection, TunesTheSocketAndGoesOnWithoutTheTuning) {
   server->closeConnection();
 }
 
-TEST_F(Connection, TellsAnAddressThatCannotBeResolved) {
+TEST_F(Connecting, TellsAnAddressThatCannotBeResolved) {
   const std::vector<std::pair<std::string, int>> cases{
       {"", 6379}, {"no such host", 6379}, {"127.0.0.1", -1}, {"127.0.0.1", 6379 - 65536}, {"127.0.0.1", 65536 + 6379}};
   for (const auto& [host, port] : cases) {
@@ -138,7 +138,7 @@ TEST_F(Connection, TellsAnAddressThatCannotBeResolved) {
   }
 }
 
-TEST_F(Connection, TellsARefusalAndConnectsOnceTheServerIsThere) {
+TEST_F(Connecting, TellsARefusalAndConnectsOnceTheServerIsThere) {
   RedisServer server;
   server.kill();
   const auto client = item(server.port());
@@ -149,7 +149,7 @@ TEST_F(Connection, TellsARefusalAndConnectsOnceTheServerIsThere) {
 }
 
 // The failures that no peer can provoke, one after the other, on a listener that works.
-TEST_F(Connection, TellsEachSystemCallThatFails) {
+TEST_F(Connecting, TellsEachSystemCallThatFails) {
   class Failing final : public SocketCalls {
   public:
     int numericName(const sockaddr* address, socklen_t length, std::string& host, std::string& port) override {
@@ -215,7 +215,7 @@ TEST_F(Connection, TellsEachSystemCallThatFails) {
   server->closeConnection();
 }
 
-TEST_F(Connection, TellsThatTheProcessHasNoDescriptorLeft) {
+TEST_F(Connecting, TellsThatTheProcessHasNoDescriptorLeft) {
   const auto server = item(1);
   rlimit limit{};
   ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
@@ -227,7 +227,7 @@ TEST_F(Connection, TellsThatTheProcessHasNoDescriptorLeft) {
   EXPECT_EQ(server->connectionStatus(), Status::disConnected);
 }
 
-TEST_F(Connection, TellsThatThereIsNoRoute) {
+TEST_F(Connecting, TellsThatThereIsNoRoute) {
   if (::geteuid() != 0) GTEST_SKIP() << "A network namespace with an unreachable route takes root.";
   const auto server = item(6379);
   server->setServerIp("10.9.8.7");
@@ -241,7 +241,7 @@ TEST_F(Connection, TellsThatThereIsNoRoute) {
   if (!ready) GTEST_SKIP() << "No network namespace can be set up here.";
 }
 
-TEST_F(Connection, NoticesAPeerThatClosesAndLeavesWaitingBytesAlone) {
+TEST_F(Connecting, NoticesAPeerThatClosesAndLeavesWaitingBytesAlone) {
   std::atomic<bool> close = false;
   ScriptedServer peer([&](ScriptedServer::Peer& client, int) {
     client.send(":5\r\n");
@@ -255,7 +255,7 @@ TEST_F(Connection, NoticesAPeerThatClosesAndLeavesWaitingBytesAlone) {
   waitUntil([&] { return !server->isAlive(); });
 }
 
-TEST_F(Connection, ClosedWhileItConnectsStaysClosed) {
+TEST_F(Connecting, ClosedWhileItConnectsStaysClosed) {
   const auto closeOnce = [](const std::shared_ptr<ServerItem>& server, const std::function<bool()>& underWay) {
     ServerItem::Outcome outcome;
     std::thread connecting([&] { outcome = server->connectToServer(); });
@@ -284,7 +284,7 @@ TEST_F(Connection, ClosedWhileItConnectsStaysClosed) {
 }
 
 // Closed when there is a socket, but no connect yet that shutting it down could end: nobody waits for the five seconds.
-TEST_F(Connection, ClosedRightBeforeItConnectsDoesNotWait) {
+TEST_F(Connecting, ClosedRightBeforeItConnectsDoesNotWait) {
   class Closing final : public SocketCalls {
   public:
     int connect(int descriptor, const sockaddr* address, socklen_t length) override {
@@ -310,7 +310,7 @@ TEST_F(Connection, ClosedRightBeforeItConnectsDoesNotWait) {
   EXPECT_EQ(openDescriptors(), before);
 }
 
-TEST_F(Connection, RefreshesEveryThreeSecondsUntilItIsClosed) {
+TEST_F(Connecting, RefreshesEveryThreeSecondsUntilItIsClosed) {
   ScriptedServer peer([](ScriptedServer::Peer& client, int) {
     while (!client.readRequest().empty())
       client.send("-ERR no\r\n");
@@ -353,7 +353,7 @@ TEST_F(Connection, RefreshesEveryThreeSecondsUntilItIsClosed) {
 
 // The waits of five seconds, side by side: at each place of a reply, before a connect is taken, and while sending; and
 // a reply that takes longer than that, but never pauses for so long.
-TEST_F(Connection, LosesPatienceAfterFiveSecondsWithoutAByte) {
+TEST_F(Connecting, LosesPatienceAfterFiveSecondsWithoutAByte) {
   const std::vector<std::pair<std::string, std::string>> cases{
       {"", "Can not connect to server"},
       {"$12", "Can not connect to server(738)"},
@@ -368,7 +368,7 @@ TEST_F(Connection, LosesPatienceAfterFiveSecondsWithoutAByte) {
   };
   for (const auto& [cut, message] : cases) {
     exchange(answering({cut}), [&message = message](ServerItem& server) {
-      EXPECT_EQ(server.execute(RedisCommand::get, {"k"_bytes}).message, message);
+      EXPECT_EQ(server.execute(RedisCommand::get, {"k"}).message, message);
       EXPECT_EQ(server.connectionStatus(), Status::disConnected);
     });
   }

@@ -66,7 +66,8 @@ TEST_F(Console, CarriesTheDatabaseAlong) {
   runs("multi", "OK", 0);
   runs("select 2", "QUEUED", 2);
   runs("set in-transaction 1", "QUEUED", 2);
-  client->infoFromServer(true);
+  client->infoFromServerMain();
+  waitUntilIdle(*client);
   runs("exec", "\n1)\tOK\n2)\tOK", 2);
   EXPECT_EQ(server.command({"GET", "in-transaction"}, 2), bulk("1"));
 

@@ -30,7 +30,8 @@ TEST_F(Discovery, CountsTheKeysOfAServerAndShowsThem) {
   EXPECT_EQ(host_.calls, Messages{"counts"});
 
   server.command({"FLUSHALL"});
-  EXPECT_EQ(client->infoFromServer(false), 0);
+  client->infoFromServerMain();
+  waitUntilIdle(*client);
   EXPECT_EQ(counts(*client), (Messages{"db0(0)", "db1(0)", "db2(0)"}));
   client->closeConnection();
   EXPECT_TRUE(client->dbs()->empty());
@@ -110,7 +111,8 @@ TEST_F(Discovery, TakesTheCountsFromInfoAsTheyStand) {
     const auto client = connectedItem(peer.port());
     client->setDbs({std::make_shared<DbItem>(0, client), std::make_shared<DbItem>(1, client)});
     client->dbs()->front()->setKeysCount("(5)");
-    client->infoFromServer(false);
+    client->infoFromServerMain();
+    waitUntilIdle(*client);
     EXPECT_EQ(counts(*client), expected);
     EXPECT_EQ(alerts(), Messages{});
   }

@@ -31,11 +31,11 @@ TEST_F(Dispatch, RecoversFromAReplyCutAtAnyByteAndFromGarbage) {
   for (const std::string& cut : broken) {
     SCOPED_TRACE(cut);
     ASSERT_TRUE(client->connectToServer().ok);
-    EXPECT_FALSE(client->execute(RedisCommand::get, {"k"_bytes}).ok);
+    EXPECT_FALSE(client->execute(RedisCommand::get, {"k"}).ok);
     EXPECT_EQ(client->connectionStatus(), Status::disConnected);
     EXPECT_FALSE(client->isAlive());
     ASSERT_TRUE(client->connectToServer().ok);
-    EXPECT_EQ(client->execute(RedisCommand::get, {"k"_bytes}).message, "PONG");
+    EXPECT_EQ(client->execute(RedisCommand::get, {"k"}).message, "PONG");
     client->closeConnection();
   }
   waitUntil([&] { return openDescriptors() == before; });
@@ -76,13 +76,13 @@ TEST_F(Dispatch, ContinuesShortSendsAndTellsAFailedOne) {
   ScriptedServer peer(answering({"+OK\r\n"}));
   const auto client = itemWith(calls, peer.port());
   ASSERT_TRUE(client->connectToServer().ok);
-  EXPECT_TRUE(client->execute(RedisCommand::get, {"key"_bytes}).ok);
+  EXPECT_TRUE(client->execute(RedisCommand::get, {"key"}).ok);
   EXPECT_EQ(peer.received().front(), "*2\r\n$3\r\nget\r\n$3\r\nkey\r\n");
   calls.failing = true;
-  EXPECT_EQ(client->execute(RedisCommand::get, {"key"_bytes}).message, "Can not connect to server");
+  EXPECT_EQ(client->execute(RedisCommand::get, {"key"}).message, "Can not connect to server");
   EXPECT_EQ(client->connectionStatus(), Status::connected);
   EXPECT_FALSE(client->isAlive());
-  client->execute(RedisCommand::get, {"key"_bytes});
+  client->execute(RedisCommand::get, {"key"});
   EXPECT_EQ(client->connectionStatus(), Status::disConnected);
 }
 
@@ -118,7 +118,7 @@ TEST_F(Dispatch, EndsRedirectsThatLeadNowhere) {
   const auto client = connectedItem(peer.port());
 
   const auto expectFailed = [&](const std::string& message) {
-    const auto result = client->execute(RedisCommand::get, {"k"_bytes});
+    const auto result = client->execute(RedisCommand::get, {"k"});
     EXPECT_FALSE(result.ok);
     EXPECT_FALSE(result.type);
     EXPECT_EQ(result.message, message);
@@ -137,7 +137,7 @@ TEST_F(Dispatch, EndsRedirectsThatLeadNowhere) {
   expectFailed("Can not connect to cluster node server(" + gone + ")");
 
   answerNext("ERR key MOVED 1 127.0.0.1:1");
-  EXPECT_EQ(client->execute(RedisCommand::get, {"k"_bytes}).type, ReplyType::REDIS_REPLY_ERROR);
+  EXPECT_EQ(client->execute(RedisCommand::get, {"k"}).type, ReplyType::REDIS_REPLY_ERROR);
   client->closeConnection();
   waitUntil([&] { return openDescriptors() == before; });
 }

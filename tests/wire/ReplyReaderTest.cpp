@@ -198,7 +198,7 @@ TEST(ReplyReader, SurvivesACutAtEveryByte) {
 
 // Larger than the window, with arrivals that cut lines, payloads and their ends at odd places.
 TEST(ReplyReader, ReadsLargeRepliesInAnyArrivals) {
-  std::string big(3 * Socket::windowSize + 17, 'x');
+  std::string big(3 * ByteStream::windowSize + 17, 'x');
   for (std::size_t i = 0; i < big.size(); ++i)
     big[i] = static_cast<char>(i * 31);
   std::string stream = "*20002\r\n";
@@ -211,13 +211,13 @@ TEST(ReplyReader, ReadsLargeRepliesInAnyArrivals) {
     expected.push_back(big);
     stream += "$" + std::to_string(big.size()) + "\r\n" + big + "\r\n";
   }
-  for (const std::size_t arrival : {std::size_t{7}, std::size_t{4099}, Socket::windowSize, std::size_t{10000000}}) {
+  for (const std::size_t arrival : {std::size_t{7}, std::size_t{4099}, ByteStream::windowSize, std::size_t{10000000}}) {
     const Reading reading = read(stream + ":1\r\n", arrival);
     EXPECT_EQ(listOf(reading.result), expected);
     EXPECT_EQ(reading.rest, ":1\r\n");
   }
-  const std::string line = "+" + std::string(2 * Socket::windowSize, 'l') + "\r\n";
-  EXPECT_EQ(read(line, 1001).result.message.size(), 2 * Socket::windowSize);
+  const std::string line = "+" + std::string(2 * ByteStream::windowSize, 'l') + "\r\n";
+  EXPECT_EQ(read(line, 1001).result.message.size(), 2 * ByteStream::windowSize);
 }
 
 }  // namespace

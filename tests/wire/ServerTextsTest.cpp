@@ -40,14 +40,5 @@ TEST(Keyspace, ReadsTheCountsOfTheDatabases) {
   EXPECT_TRUE(keyspaceLines("db0:keys=1,\r\n").empty());
 }
 
-TEST(ConnectionStatus, HasATextForEachCase) {
-  EXPECT_EQ(rawValue(ConnectionStatus::disConnected), "DisConnected");
-  for (const auto status : {ConnectionStatus::notConnected, ConnectionStatus::connected, ConnectionStatus::disConnected,
-                            ConnectionStatus::connecting}) {
-    EXPECT_EQ(connectionStatusFromRawValue(rawValue(status)), status);
-  }
-  EXPECT_FALSE(connectionStatusFromRawValue("connected"));
-}
-
 }  // namespace
 }  // namespace tarn::test

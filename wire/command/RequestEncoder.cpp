@@ -1,9 +1,9 @@
 #include "wire/command/RequestEncoder.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cstddef>
+#include <string_view>
 
 namespace tarn {
 
@@ -48,16 +48,9 @@ Bytes encode(std::size_t count, const Word& word) {
 
 }  // namespace
 
-Bytes encodeRequest(std::span<const std::string_view> words) {
-  return encode(words.size(), [words](std::size_t i) { return words[i]; });
-}
-
-Bytes encodeRequest(RedisCommand command, std::span<const std::string_view> args) {
-  if (command == RedisCommand::clusterNodes) {
-    constexpr std::array<std::string_view, 2> words{"cluster", "nodes"};
-    return encodeRequest(words);
-  }
-  if (command == RedisCommand::raw) return encodeRequest(args);
+Bytes encodeRequest(RedisCommand command, Arguments args) {
+  if (command == RedisCommand::clusterNodes) return encodeRequest(RedisCommand::raw, {"cluster", "nodes"});
+  if (command == RedisCommand::raw) return encode(args.size(), [&](std::size_t i) { return args[i]; });
   return encode(args.size() + 1, [&](std::size_t i) { return i == 0 ? commandName(command) : args[i - 1]; });
 }
 

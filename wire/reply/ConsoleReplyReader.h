@@ -10,11 +10,11 @@
 
 namespace tarn {
 
-// Reads one reply off a socket and makes the text of it that the console shows. Lives for one reply, on the thread that
+// Reads one reply off a stream and makes the text of it that the console shows. Lives for one reply, on the thread that
 // holds the connection's lock.
 class ConsoleReplyReader final {
 public:
-  explicit ConsoleReplyReader(Socket& socket) : scanner_(socket) {}
+  explicit ConsoleReplyReader(ByteStream& stream) : scanner_(stream) {}
 
   // The text. Of a reply that breaks off: what there was of it, and then why.
   std::string readReply();

@@ -45,7 +45,7 @@ void makeRoomForOne(std::vector<Bytes>& list, std::int64_t stillToCome) {
 
 ReplyResult ReplyReader::lost(std::string message) {
   lost_ = true;
-  return {.ok = false, .message = std::move(message), .value = {}, .list = {}, .type = {}};
+  return ReplyResult::failure(std::move(message));
 }
 
 ReplyResult ReplyReader::readReply() {
@@ -99,7 +99,7 @@ ReplyResult ReplyReader::processMultiBulkItem(ReplyType type) {
 
 ReplyResult ReplyReader::processUnknownItem() {
   if (!scanner_.skipUnknown()) return lost(replyFailureMessage(scanner_.failure()));
-  return {.ok = false, .message = localizedString("Server reply: Error"), .value = {}, .list = {}, .type = {}};
+  return ReplyResult::failure(localizedString("Server reply: Error"));
 }
 
 bool ReplyReader::readBulk(Bytes& value) {

@@ -8,11 +8,11 @@
 
 namespace tarn {
 
-// Reads one reply off a socket and makes a ReplyResult of it. Bytes stay bytes: nothing of a bulk string is decoded.
+// Reads one reply off a stream and makes a ReplyResult of it. Bytes stay bytes: nothing of a bulk string is decoded.
 // Lives for one reply, on the thread that holds the connection's lock.
 class ReplyReader final {
 public:
-  explicit ReplyReader(Socket& socket) : scanner_(socket) {}
+  explicit ReplyReader(ByteStream& stream) : scanner_(stream) {}
 
   ReplyResult readReply();
 

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -39,6 +41,16 @@ struct ReplyResult {
   std::optional<std::vector<Bytes>> list;
   // Absent when the reader failed.
   std::optional<ReplyType> type;
+
+  // A command that got no reply, or none that can be read.
+  static ReplyResult failure(std::string message) {
+    ReplyResult result;
+    result.message = std::move(message);
+    return result;
+  }
+
+  // The value's bytes as text, valid as long as they are; nothing if it has none, or they aren't UTF-8.
+  std::optional<std::string_view> text() const;
 };
 
 }  // namespace tarn

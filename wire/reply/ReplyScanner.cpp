@@ -57,13 +57,13 @@ ReplyScanner::~ReplyScanner() {
 bool ReplyScanner::takeOffParsed() {
   const auto parsed = static_cast<std::size_t>(next_ - start_);
   start_ = next_;
-  return parsed == 0 || socket_.takeOff(parsed);
+  return parsed == 0 || stream_.takeOff(parsed);
 }
 
 // All that was peeked at has been parsed: it goes, and the next window comes.
 bool ReplyScanner::refill() {
   if (!takeOffParsed()) return false;
-  const std::string_view window = socket_.peek();
+  const std::string_view window = stream_.peek();
   start_ = next_ = window.data();
   end_ = window.data() + window.size();
   return !window.empty();
@@ -159,7 +159,7 @@ bool ReplyScanner::largePayload(std::size_t length, Bytes& value) {
   if (have < length && !takeOffParsed()) return fail(Place::payload, Fault::lost);
   while (have < length) {
     if (have == value.size()) value.resize(std::min(length, std::max(firstPart, 2 * have)));
-    const std::size_t count = socket_.receive(value.data() + have, value.size() - have);
+    const std::size_t count = stream_.receive(value.data() + have, value.size() - have);
     if (count == 0) return fail(Place::payload, Fault::lost);
     have += count;
   }
@@ -171,7 +171,7 @@ bool ReplyScanner::skipBytes(std::size_t count) {
   next_ += inWindow;
   if (inWindow == count) return true;
   // Takes off bytes as they arrive, without a look at them.
-  if (!takeOffParsed() || !socket_.takeOff(count - inWindow)) return fail(Place::payload, Fault::lost);
+  if (!takeOffParsed() || !stream_.takeOff(count - inWindow)) return fail(Place::payload, Fault::lost);
   return true;
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/foundation/Bytes.h"
+#include "wire/connection/ByteStream.h"
 #include "wire/reply/ReplyResult.h"
-#include "wire/socket/Socket.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -12,7 +12,7 @@
 
 namespace tarn {
 
-// Takes one reply off a socket, piece by piece: type bytes, lines, lengths with their payloads, counts. What the pieces
+// Takes one reply off a stream, piece by piece: type bytes, lines, lengths with their payloads, counts. What the pieces
 // mean is the affair of whoever asks for them.
 //
 // It looks at what has arrived, parses in place, and takes exactly the bytes that it handed out off the stream, so that
@@ -38,7 +38,7 @@ public:
     Fault fault = Fault::lost;
   };
 
-  explicit ReplyScanner(Socket& socket) : socket_(socket) {}
+  explicit ReplyScanner(ByteStream& stream) : stream_(stream) {}
   ReplyScanner(const ReplyScanner&) = delete;
   ReplyScanner& operator=(const ReplyScanner&) = delete;
   // Takes the last bytes parsed off the stream.
@@ -86,7 +86,7 @@ private:
   bool skipReplies(std::int64_t count, int depth);
   bool skipReply(int depth);
 
-  Socket& socket_;
+  ByteStream& stream_;
   Failure failure_;
   // The window: parsed up to next_, of which nothing before start_ is left in the stream.
   const char* start_ = nullptr;

@@ -38,15 +38,15 @@ bool Socket::setBlocking(bool blocking) {
   return true;
 }
 
-Socket::Connection Socket::startConnect(const sockaddr* address, socklen_t length) {
-  if (calls_.connect(descriptor_, address, length) == 0) return Connection::connected;
-  if (errno == EHOSTUNREACH) return Connection::hostUnreachable;
-  return errno == EINPROGRESS ? Connection::inProgress : Connection::failed;
+Socket::ConnectResult Socket::startConnect(const sockaddr* address, socklen_t length) {
+  if (calls_.connect(descriptor_, address, length) == 0) return ConnectResult::connected;
+  if (errno == EHOSTUNREACH) return ConnectResult::hostUnreachable;
+  return errno == EINPROGRESS ? ConnectResult::inProgress : ConnectResult::failed;
 }
 
-Socket::Connection Socket::finishConnect(const sockaddr* address, socklen_t length) {
+Socket::ConnectResult Socket::finishConnect(const sockaddr* address, socklen_t length) {
   // Shutting down before there was a connect to end has ended nothing, and would not wake the wait.
-  if (shutDown_) return Connection::failed;
+  if (shutDown_) return ConnectResult::failed;
   using Clock = std::chrono::steady_clock;
   const auto deadline = Clock::now() + std::chrono::milliseconds(5000);
   pollfd waiting{descriptor_, POLLOUT, 0};
@@ -58,12 +58,12 @@ Socket::Connection Socket::finishConnect(const sockaddr* address, socklen_t leng
 
   if (ready == 0) {
     errno = ETIMEDOUT;
-    return Connection::timedOut;
+    return ConnectResult::timedOut;
   }
-  if (ready == -1 || shutDown_) return Connection::failed;
+  if (ready == -1 || shutDown_) return ConnectResult::failed;
   // Asking again tells how the first try ended.
-  if (calls_.connect(descriptor_, address, length) == 0 || errno == EISCONN) return Connection::connected;
-  return Connection::failed;
+  if (calls_.connect(descriptor_, address, length) == 0 || errno == EISCONN) return ConnectResult::connected;
+  return ConnectResult::failed;
 }
 
 void Socket::setOption(int level, int option, const void* value, socklen_t length, const char* failure) {
@@ -92,12 +92,12 @@ bool Socket::isAlive() {
   return count > 0 || (count == -1 && (errno == EAGAIN || errno == EWOULDBLOCK));
 }
 
-bool Socket::sendAll(std::string_view request) {
-  while (!request.empty()) {
-    const ssize_t count = calls_.send(descriptor_, request.data(), request.size(), MSG_NOSIGNAL);
+bool Socket::sendAll(std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = calls_.send(descriptor_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
     if (count == -1 && errno == EINTR) continue;
     if (count <= 0) return false;
-    request.remove_prefix(static_cast<std::size_t>(count));
+    bytes.remove_prefix(static_cast<std::size_t>(count));
   }
   return true;
 }

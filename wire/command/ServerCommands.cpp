@@ -1,9 +1,8 @@
-// The commands by which the workbench reads and writes keys: each builds its arguments, and shows its own failure.
+#include "wire/command/ServerCommands.h"
 
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSLocalizedString.h"
-#include "wire/ServerItem.h"
-#include "wire/cluster/NodeAddress.h"
+#include "wire/cluster/Redirects.h"
 
 #include <algorithm>
 
@@ -37,31 +36,34 @@ std::vector<std::string_view> keyAndItems(const Bytes& key, const std::vector<By
 
 }  // namespace
 
-ReplyResult ServerItem::executeAndShowFailure(RedisCommand command, Arguments args) {
-  ReplyResult result = exchange(command, args, std::nullopt);
+ReplyResult ServerCommands::execute(RedisCommand command, Arguments args) {
+  ReplyResult reply = connection_.execute(command, args);
+  if (!isRedirect(reply)) return reply;
+  return followRedirects(std::move(reply), connection_, auth(), command, args);
+}
+
+ReplyResult ServerCommands::executeAndShowFailure(RedisCommand command, Arguments args) {
+  ReplyResult result = execute(command, args);
   if (!result.ok) showServerError(result.message);
   return result;
 }
 
-ReplyResult ServerItem::executeAndShowFailure(RedisCommand command, std::initializer_list<std::string_view> args) {
-  return executeAndShowFailure(command, Arguments(args.begin(), args.size()));
-}
-
-std::vector<Bytes> ServerItem::listOf(RedisCommand command, std::initializer_list<std::string_view> args) {
+std::vector<Bytes> ServerCommands::listOf(RedisCommand command, Arguments args) {
   ReplyResult result = executeAndShowFailure(command, args);
   return result.ok && result.list ? *std::move(result.list) : std::vector<Bytes>();
 }
 
-bool ServerItem::writeThenExpire(RedisCommand command, Arguments args, std::int64_t ttl) {
+bool ServerCommands::writeThenExpire(RedisCommand command, const std::vector<std::string_view>& args,
+                                     std::int64_t ttl) {
   if (!executeAndShowFailure(command, args).ok) return false;
   return ttl < 0 || executeAndShowFailure(RedisCommand::expire, {args.front(), std::to_string(ttl)}).ok;
 }
 
-bool ServerItem::selectDb(int index) {
+bool ServerCommands::selectDb(int index) {
   return executeAndShowFailure(RedisCommand::select, {std::to_string(index)}).ok;
 }
 
-std::pair<bool, std::string> ServerItem::keyType(const Bytes& key) {
+std::pair<bool, std::string> ServerCommands::keyType(const Bytes& key) {
   ReplyResult result = executeAndShowFailure(RedisCommand::type, {key.view()});
   if (!result.ok) return {false, {}};
   if (auto* const word = result.value ? std::get_if<std::string>(&*result.value) : nullptr) {
@@ -71,14 +73,14 @@ std::pair<bool, std::string> ServerItem::keyType(const Bytes& key) {
   return {false, {}};
 }
 
-std::pair<bool, std::optional<std::string>> ServerItem::keyTtl(const Bytes& key) {
+std::pair<bool, std::optional<std::string>> ServerCommands::keyTtl(const Bytes& key) {
   const ReplyResult result = executeAndShowFailure(RedisCommand::ttl, {key.view()});
   if (!result.ok) return {false, std::nullopt};
   const auto* const seconds = result.value ? std::get_if<std::int64_t>(&*result.value) : nullptr;
   return {true, seconds != nullptr ? std::optional(std::to_string(*seconds)) : std::nullopt};
 }
 
-std::pair<bool, Bytes> ServerItem::getValue(const Bytes& key) {
+std::pair<bool, Bytes> ServerCommands::getValue(const Bytes& key) {
   ReplyResult result = executeAndShowFailure(RedisCommand::get, {key.view()});
   if (!result.ok) return {false, {}};
   logLine("get success");
@@ -86,40 +88,40 @@ std::pair<bool, Bytes> ServerItem::getValue(const Bytes& key) {
   return {true, value != nullptr ? std::move(*value) : Bytes()};
 }
 
-std::vector<Bytes> ServerItem::lrangeAll(const Bytes& key) {
+std::vector<Bytes> ServerCommands::lrangeAll(const Bytes& key) {
   return listOf(RedisCommand::lrange, {key.view(), "0", "-1"});
 }
 
-std::vector<Bytes> ServerItem::zrangeAll(const Bytes& key) {
+std::vector<Bytes> ServerCommands::zrangeAll(const Bytes& key) {
   return listOf(RedisCommand::zrange, {key.view(), "0", "-1", "withscores"});
 }
 
-bool ServerItem::deleteKey(const Bytes& key) {
+bool ServerCommands::deleteKey(const Bytes& key) {
   return executeAndShowFailure(RedisCommand::del, {key.view()}).ok;
 }
 
-bool ServerItem::setValue(const Bytes& key, const Bytes& value, std::int64_t ttl) {
+bool ServerCommands::setValue(const Bytes& key, const Bytes& value, std::int64_t ttl) {
   if (ttl >= 0)
     return executeAndShowFailure(RedisCommand::set, {key.view(), value.view(), "EX", std::to_string(ttl)}).ok;
   return executeAndShowFailure(RedisCommand::persist, {key.view()}).ok &&
          executeAndShowFailure(RedisCommand::set, {key.view(), value.view()}).ok;
 }
 
-bool ServerItem::addSetMembers(const Bytes& key, const std::vector<Bytes>& members, std::int64_t ttl) {
+bool ServerCommands::addSetMembers(const Bytes& key, const std::vector<Bytes>& members, std::int64_t ttl) {
   return writeThenExpire(RedisCommand::sadd, keyAndItems(key, members), ttl);
 }
 
-bool ServerItem::pushListItems(const Bytes& key, const std::vector<Bytes>& items, std::int64_t ttl) {
+bool ServerCommands::pushListItems(const Bytes& key, const std::vector<Bytes>& items, std::int64_t ttl) {
   return writeThenExpire(RedisCommand::rpush, keyAndItems(key, items), ttl);
 }
 
-bool ServerItem::setHashFields(const Bytes& key, const std::vector<Bytes>& fields, const std::vector<Bytes>& values,
-                               std::int64_t ttl) {
+bool ServerCommands::setHashFields(const Bytes& key, const std::vector<Bytes>& fields, const std::vector<Bytes>& values,
+                                   std::int64_t ttl) {
   return writeThenExpire(RedisCommand::hmset, keyAndPairs(key, fields, values), ttl);
 }
 
-bool ServerItem::addSortedSetMembers(const Bytes& key, const std::vector<std::string>& scores,
-                                     const std::vector<Bytes>& members, std::int64_t ttl) {
+bool ServerCommands::addSortedSetMembers(const Bytes& key, const std::vector<std::string>& scores,
+                                         const std::vector<Bytes>& members, std::int64_t ttl) {
   return writeThenExpire(RedisCommand::zadd, keyAndPairs(key, scores, members), ttl);
 }
 

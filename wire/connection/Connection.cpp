@@ -1,0 +1,223 @@
+#include "wire/connection/Connection.h"
+
+#include "platform/foundation/Log.h"
+#include "platform/foundation/NSLocalizedString.h"
+#include "wire/DecimalNumber.h"
+#include "wire/command/RequestEncoder.h"
+#include "wire/connection/ByteStream.h"
+#include "wire/reply/ConsoleReplyReader.h"
+#include "wire/reply/ReplyReader.h"
+#include "wire/socket/TcpConnect.h"
+
+#include <utility>
+
+namespace tarn {
+
+ConnectionStatus Connection::status() const {
+  const MutexLock lock(stateMutex_);
+  return status_;
+}
+
+void Connection::setStatus(ConnectionStatus status) {
+  const MutexLock lock(stateMutex_);
+  status_ = status;
+}
+
+Connection::Epoch Connection::epoch() const {
+  const MutexLock lock(stateMutex_);
+  return epoch_;
+}
+
+int Connection::database() const {
+  const MutexLock lock(stateMutex_);
+  return session_.database();
+}
+
+bool Connection::hasOpenTransaction() const {
+  const MutexLock lock(stateMutex_);
+  return session_.hasOpenTransaction();
+}
+
+Connection::Outcome Connection::connect(const ServerAddress& address, Epoch began, int database) {
+  Outcome outcome;
+  {
+    const MutexLock lock(commandMutex_);
+    outcome = open(address, began);
+    if (!outcome.isOpen) return outcome;
+    if (!address.password.empty()) {
+      ReplyResult reply = requestAndReply(RedisCommand::auth, {address.password}, began);
+      outcome.ok = reply.ok;
+      outcome.message = std::move(reply.message);
+    }
+    if (outcome.ok && database > 0) select(database);
+  }
+  if (wasClosedSince(began)) {
+    outcome.ok = false;
+    outcome.closed = true;
+    outcome.message = replacingPlaceholder(localizedString("Can not connect to Server({0})."), "{0}", address.name);
+  }
+  return outcome;
+}
+
+Connection::Outcome Connection::open(const ServerAddress& address, Epoch began) {
+  const ConnectSteps steps{
+      .keep = [&](std::shared_ptr<ByteStream> stream) { return keepStream(std::move(stream), began); },
+      .reach = [&](ConnectionStatus status) { return setStatusUnlessClosed(began, status); },
+  };
+  auto failure = connectByTcp(address, calls_, steps);
+  if (!failure) return {.ok = true, .message = {}, .closed = false, .isOpen = true};
+  dropStream();
+  const bool closed = failure->status ? !setStatusUnlessClosed(began, *failure->status) : wasClosedSince(began);
+  return {.ok = false, .message = std::move(failure->message), .closed = closed, .isOpen = false};
+}
+
+void Connection::close() {
+  std::shared_ptr<ByteStream> stream;
+  {
+    const MutexLock lock(stateMutex_);
+    ++epoch_;
+    stream.swap(stream_);
+    status_ = ConnectionStatus::notConnected;
+  }
+  if (stream) stream->shutDown();
+}
+
+bool Connection::isAlive() {
+  const MutexLock lock(commandMutex_);
+  const auto stream = this->stream();
+  return stream && stream->isAlive();
+}
+
+ReplyResult Connection::execute(RedisCommand command, Arguments args) {
+  const MutexLock lock(commandMutex_);
+  ReplyResult result = requestAndReply(command, args, std::nullopt);
+  if (command == RedisCommand::select && result.ok && !args.empty()) {
+    const auto index = decimalInteger(args[0]);
+    const MutexLock stateLock(stateMutex_);
+    session_.setDatabase(static_cast<int>(index.value_or(0)));
+  }
+  return result;
+}
+
+// With `began`, a close() since then keeps the status that it set.
+ReplyResult Connection::requestAndReply(RedisCommand command, Arguments args, std::optional<Epoch> began) {
+  const auto stream = this->stream();
+  if (!stream || !stream->isAlive()) {
+    lose(began);
+    return ReplyResult::failure(localizedString("Can not connect to server, Please Reconnect to the server."));
+  }
+  const Bytes request = encodeRequest(command, args);
+  if (stream->wasShutDown()) {
+    lose(began);
+    return ReplyResult::failure(localizedString("Can not connect to server"));
+  }
+  if (!stream->sendAll(request.view())) {
+    dropStream();
+    return ReplyResult::failure(localizedString("Can not connect to server"));
+  }
+  ReplyReader reader(*stream);
+  ReplyResult result = reader.readReply();
+  if (reader.lostConnection()) lose(began);
+  return result;
+}
+
+bool Connection::select(int index) {
+  if (!requestAndReply(RedisCommand::select, {std::to_string(index)}, std::nullopt).ok) return false;
+  const MutexLock lock(stateMutex_);
+  session_.setDatabase(index);
+  return true;
+}
+
+Connection::LineReply Connection::executeLine(const std::vector<std::string>& words, Epoch began) {
+  using End = LineReply::End;
+  const MutexLock lock(commandMutex_);
+  const auto stream = sendLine(words);
+  if (!stream) {
+    lose(began);
+    return {.end = End::notSent, .text = {}, .failure = {}};
+  }
+  LineReply reply;
+  std::optional<ReplyType> type;
+  {
+    // It takes what it has read off the stream when it goes.
+    ConsoleReplyReader reader(*stream);
+    reply.text = reader.readReply();
+    type = reader.type();
+    if (reader.failure()) {
+      reply.failure = *reader.failure();
+      reply.end = End::brokenOff;
+    }
+  }
+  if (reply.end == End::brokenOff) {
+    lose(began);
+  } else if (followLine(words, *type, reply.text)) {
+    dropStream();
+    reply.end = End::moreToCome;
+  }
+  return reply;
+}
+
+// Null if the connection is lost.
+std::shared_ptr<ByteStream> Connection::sendLine(const std::vector<std::string>& words) {
+  auto stream = this->stream();
+  if (!stream) return nullptr;
+  const Bytes request = encodeRequest(RedisCommand::raw, std::vector<std::string_view>(words.begin(), words.end()));
+  const bool sent = !stream->wasShutDown() && stream->sendAll(request.view());
+  logLine("sendCount:::" + (sent ? std::to_string(request.size()) : "-1") +
+          ":::dataCount:::" + std::to_string(request.size()));
+  return sent ? stream : nullptr;
+}
+
+// True if more than this reply is to come.
+bool Connection::followLine(const std::vector<std::string>& words, ReplyType type, std::string_view text) {
+  ServerSession::After after;
+  int database = 0;
+  {
+    const MutexLock lock(stateMutex_);
+    after = session_.follow(words, type, text);
+    database = session_.database();
+  }
+  if (after.moreToCome) return true;
+  if (after.otherDatabase && !select(database) && !select(*after.otherDatabase)) {
+    const MutexLock lock(stateMutex_);
+    session_.setDatabase(ServerSession::unknownDatabase);
+  }
+  return false;
+}
+
+std::shared_ptr<ByteStream> Connection::stream() const {
+  const MutexLock lock(stateMutex_);
+  return stream_;
+}
+
+// From here on close() finds the stream and ends what waits on it. False if it came before.
+bool Connection::keepStream(std::shared_ptr<ByteStream> stream, Epoch began) {
+  const MutexLock lock(stateMutex_);
+  if (epoch_ != began) return false;
+  stream_.swap(stream);
+  session_ = {};
+  return true;
+}
+
+bool Connection::setStatusUnlessClosed(Epoch began, ConnectionStatus status) {
+  const MutexLock lock(stateMutex_);
+  if (epoch_ != began) return false;
+  status_ = status;
+  return true;
+}
+
+void Connection::dropStream() {
+  std::shared_ptr<ByteStream> stream;
+  const MutexLock lock(stateMutex_);
+  stream.swap(stream_);
+}
+
+// The status follows, unless close() came after `began`.
+void Connection::lose(std::optional<Epoch> began) {
+  std::shared_ptr<ByteStream> stream;
+  const MutexLock lock(stateMutex_);
+  stream.swap(stream_);
+  if (!began || epoch_ == *began) status_ = ConnectionStatus::disConnected;
+}
+
+}  // namespace tarn

@@ -1,0 +1,125 @@
+#pragma once
+
+#include "platform/foundation/Mutex.h"
+#include "wire/ConnectionStatus.h"
+#include "wire/command/Arguments.h"
+#include "wire/command/RedisCommand.h"
+#include "wire/connection/ServerAddress.h"
+#include "wire/connection/ServerSession.h"
+#include "wire/reply/ReplyResult.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tarn {
+
+class ByteStream;
+class SocketCalls;
+
+// The one connection to a server, opened and closed as often as its owner likes: what carries its bytes, its status,
+// and what the server keeps of it. It knows what goes over the wire and nothing of who shows it.
+//
+// Threads: any may call any operation. Those that talk to the server block until the reply is in; a lock keeps each
+// request with its reply. Closing waits for nothing, and ends what waits.
+class Connection final {
+public:
+  // Counts the calls of close(): what began before one must not undo what it did.
+  using Epoch = std::uint64_t;
+
+  struct Outcome {
+    bool ok = false;
+    // Where not ok, the text for the user.
+    std::string message;
+    // close() ran while the connect was under way, which is why it failed: whoever closed has shown the state as it is
+    // now, so there is nothing to show.
+    bool closed = false;
+    // There is a connection; also where the server refused the password.
+    bool isOpen = false;
+  };
+
+  // How a console line ended.
+  struct LineReply {
+    enum class End {
+      whole,
+      // There is no connection, or none any more.
+      notSent,
+      // The reply can't be read to its end, and the connection is gone; `failure` says why.
+      brokenOff,
+      // More would have come than this reply: the connection was given up.
+      moreToCome,
+    };
+
+    End end = End::whole;
+    // The reply as the console shows it.
+    std::string text;
+    std::string failure;
+  };
+
+  // The calls must outlive the connection.
+  explicit Connection(SocketCalls& calls) : calls_(calls) {}
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+
+  // One to another server, by the same means. It isn't open.
+  Connection another() const { return Connection(calls_); }
+
+  ConnectionStatus status() const;
+  void setStatus(ConnectionStatus status);
+
+  Epoch epoch() const;
+  bool wasClosedSince(Epoch began) const { return epoch() != began; }
+
+  // As the server has it: 0 on a new connection. ServerSession::unknownDatabase where a transaction left it open.
+  int database() const;
+  bool hasOpenTransaction() const;
+
+  // Connects within 5 seconds and authenticates. With a refused password the status is `connected` all the same. A
+  // database other than the first is selected before any other command gets to the new connection; where the server
+  // refuses it, database() tells. Fails if close() has run since `began`.
+  Outcome connect(const ServerAddress& address, Epoch began, int database = 0);
+
+  // Without waiting: shuts the connection down; status `notConnected`. A connect under way fails, and leaves the status
+  // as set here.
+  void close();
+
+  // True while there is a connection that the server hasn't closed; takes nothing from the stream.
+  bool isAlive();
+
+  // Sends one command and reads its reply. Where that fails the connection is gone.
+  ReplyResult execute(RedisCommand command, Arguments args);
+
+  // Sends a console line, of at least one word, and reads its reply. Where that fails the status follows, unless
+  // close() has run since `began`.
+  LineReply executeLine(const std::vector<std::string>& words, Epoch began);
+
+private:
+  Outcome open(const ServerAddress& address, Epoch began) REQUIRES(commandMutex_);
+  ReplyResult requestAndReply(RedisCommand command, Arguments args, std::optional<Epoch> began) REQUIRES(commandMutex_);
+  bool select(int index) REQUIRES(commandMutex_);
+  std::shared_ptr<ByteStream> sendLine(const std::vector<std::string>& words) REQUIRES(commandMutex_);
+  bool followLine(const std::vector<std::string>& words, ReplyType type, std::string_view text) REQUIRES(commandMutex_);
+
+  std::shared_ptr<ByteStream> stream() const;
+  bool keepStream(std::shared_ptr<ByteStream> stream, Epoch began);
+  bool setStatusUnlessClosed(Epoch began, ConnectionStatus status);
+  void dropStream();
+  void lose(std::optional<Epoch> began);
+
+  SocketCalls& calls_;
+
+  // Held for one whole connect, or one whole request and reply.
+  Mutex commandMutex_;
+
+  // Never held over a call that waits.
+  mutable Mutex stateMutex_;
+  std::shared_ptr<ByteStream> stream_ GUARDED_BY(stateMutex_);
+  ConnectionStatus status_ GUARDED_BY(stateMutex_) = ConnectionStatus::notConnected;
+  Epoch epoch_ GUARDED_BY(stateMutex_) = 0;
+  ServerSession session_ GUARDED_BY(stateMutex_);
+};
+
+}  // namespace tarn
