@@ -26,7 +26,7 @@ void explain(const std::string& message) {
 }  // namespace
 
 ConnectionCommands::ConnectionCommands(std::shared_ptr<MyFavouriteItem> favourites, FavouritesTree& tree,
-                                       TabKeeper& tabs, FavouritesStore& store)
+                                       ConnectionTabs& tabs, FavouritesStore& store)
     : favourites_(std::move(favourites)), tree_(tree), tabs_(tabs), store_(store) {}
 
 std::vector<std::shared_ptr<ServerItem>> ConnectionCommands::serversToActOn(const std::string& message) const {
@@ -61,10 +61,7 @@ void ConnectionCommands::clickCloseConnections() {
   for (const auto& server : serversToActOn(
            localizedString("To Close Selected Connection, you should choose one or more than one connection(s) In the "
                            "'My Favourite' list. And not db."))) {
-    server->closeConnection();
-    if (const auto tab = tabs_.tabForServer(*server)) tab->showConnection(ConnectionStatus::notConnected);
-    tree_.collapseItem(server);
-    tree_.reloadItem(server);
+    close(server);
   }
 }
 
@@ -99,13 +96,17 @@ void ConnectionCommands::reconnect(OperationTabViewController& tab) {
 
 void ConnectionCommands::closeTab(OperationTabViewController& tab) {
   const std::shared_ptr<ServerItem> server = tab.server();
-  if (server) server->closeConnection();
-  tab.showConnection(ConnectionStatus::notConnected);
-  if (server) {
-    tree_.collapseItem(server);
-    tree_.reloadItem(server);
-  }
-  tabs_.removeTabOfView(tab.view());
+  if (!server) return;
+  close(server);
+  tabs_.removeTabOfServer(*server);
+  tabs_.selectTreeRowOfSelectedTab();
+}
+
+void ConnectionCommands::close(const std::shared_ptr<ServerItem>& server) {
+  server->closeConnection();
+  if (const auto tab = tabs_.tabForServer(*server)) tab->showConnection(ConnectionStatus::notConnected);
+  tree_.collapseItem(server);
+  tree_.reloadItem(server);
 }
 
 void ConnectionCommands::connectIfIdle(const std::shared_ptr<ServerItem>& server) {

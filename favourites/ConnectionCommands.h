@@ -1,9 +1,9 @@
 #pragma once
 
+#include "favourites/ConnectionTabs.h"
 #include "favourites/FavouritesStore.h"
 #include "favourites/FavouritesTree.h"
 #include "favourites/MyFavouriteItem.h"
-#include "favourites/TabKeeper.h"
 #include "wire/ServerItem.h"
 
 #include <memory>
@@ -18,7 +18,7 @@ namespace tarn {
 class ConnectionCommands final : public std::enable_shared_from_this<ConnectionCommands> {
 public:
   // All but the root outlive the commands.
-  ConnectionCommands(std::shared_ptr<MyFavouriteItem> favourites, FavouritesTree& tree, TabKeeper& tabs,
+  ConnectionCommands(std::shared_ptr<MyFavouriteItem> favourites, FavouritesTree& tree, ConnectionTabs& tabs,
                      FavouritesStore& store);
   ConnectionCommands(const ConnectionCommands&) = delete;
   ConnectionCommands& operator=(const ConnectionCommands&) = delete;
@@ -44,6 +44,8 @@ private:
   // The selected servers, logged by name; if there are none, `message` is shown.
   std::vector<std::shared_ptr<ServerItem>> serversToActOn(const std::string& message) const;
   void connectIfIdle(const std::shared_ptr<ServerItem>& server);
+  // Tab and tree stay, and show it.
+  void close(const std::shared_ptr<ServerItem>& server);
   void remove(const std::shared_ptr<ServerItem>& server);
 
   void showConnecting(const std::shared_ptr<ServerItem>& server);
@@ -57,7 +59,7 @@ private:
 
   const std::shared_ptr<MyFavouriteItem> favourites_;
   FavouritesTree& tree_;
-  TabKeeper& tabs_;
+  ConnectionTabs& tabs_;
   FavouritesStore& store_;
 };
 

@@ -88,9 +88,9 @@ void FavouritesTree::reopenItem(const std::shared_ptr<ServerItem>& server) {
 }
 
 void FavouritesTree::selectServerRow(const std::shared_ptr<ServerItem>& server) {
-  const auto place = std::find(root_->servers.begin(), root_->servers.end(), server);
-  if (place == root_->servers.end()) return;
-  view_.selectRowIndexes({static_cast<int>(place - root_->servers.begin()) + 1});
+  const auto found = std::find(root_->servers.begin(), root_->servers.end(), server);
+  if (found == root_->servers.end()) return;
+  view_.selectRowIndexes({static_cast<int>(found - root_->servers.begin()) + 1});
 }
 
 int FavouritesTree::numberOfChildrenOfItem(const NSItem& item) {
@@ -105,9 +105,9 @@ int FavouritesTree::numberOfChildrenOfItem(const NSItem& item) {
 
 NSItem FavouritesTree::childOfItem(int index, const NSItem& item) {
   if (!item) return root_;
-  const auto place = static_cast<std::size_t>(index);
-  if (item == root_) return root_->servers[place];
-  return (*countedDatabases_)[place];
+  const auto position = static_cast<std::size_t>(index);
+  if (item == root_) return root_->servers[position];
+  return (*countedDatabases_)[position];
 }
 
 bool FavouritesTree::isItemExpandable(const NSItem& item) {

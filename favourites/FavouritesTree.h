@@ -17,7 +17,7 @@ namespace tarn {
 // Main thread only.
 class FavouritesTree final : public NSOutlineViewDataSource, public NSOutlineViewDelegate {
 public:
-  // What the user's hand on a row asks for.
+  // What a click on a row asks for.
   struct Gestures {
     std::function<void(const NSItem& item)> openTabForItem;
     std::function<void(const std::shared_ptr<ServerItem>& server)> expandServer;
@@ -40,7 +40,7 @@ public:
 
   void buildFavouriteMenu(const Commands& commands);
 
-  // Shows the root opened, with its servers collapsed. From here on gestures are told.
+  // Shows the root opened, with its servers collapsed. From here on gestures are reported.
   void show(Gestures gestures);
 
   // The servers among the selected rows, from top to bottom; the root and databases don't count.

@@ -1,7 +1,7 @@
 #include "favourites/MainViewController.h"
 
 #include "platform/foundation/NSLocalizedString.h"
-#include "platform/foundation/NSOperationQueue.h"
+#include "platform/foundation/PostToMainQueue.h"
 
 #include <algorithm>
 #include <utility>
@@ -12,10 +12,10 @@ namespace {
 
 MainViewController* sharedController = nullptr;
 
-// The window may be closing by the click on one of its own buttons, whose handler is still running.
+// The window may be closing by the click on one of its own buttons.
 template <typename Controller>
 void forget(std::shared_ptr<Controller>& controller) {
-  NSOperationQueue::mainQueue().addOperationWithBlock([held = std::exchange(controller, nullptr)] {});
+  releaseOnMainQueue(std::exchange(controller, nullptr));
 }
 
 }  // namespace

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "favourites/ConnectionCommands.h"
+#include "favourites/ConnectionTabs.h"
 #include "favourites/FavouritesStore.h"
 #include "favourites/FavouritesTree.h"
 #include "favourites/MyFavouriteItem.h"
 #include "favourites/NewConnectionWindowController.h"
-#include "favourites/TabKeeper.h"
 #include "platform/appkit/NSViewController.h"
 #include "resources/MainLayout.h"
 #include "wire/ServerItemHost.h"
@@ -34,7 +34,7 @@ public:
   const std::shared_ptr<MyFavouriteItem>& myFavourite() const { return myFavourite_; }
 
   // Nothing if the server has no tab.
-  TabKeeper::Tab tabForServer(const ServerItem& server) const { return tabs_.tabForServer(server); }
+  ConnectionTabs::Tab tabForServer(const ServerItem& server) const { return tabs_.tabForServer(server); }
   void resizeAllTabs() { tabs_.resizeAllTabs(); }
 
   // The connection form and the dialog that picks a new key's type: at most one of each, nothing while it is closed.
@@ -79,7 +79,7 @@ private:
   const std::shared_ptr<MyFavouriteItem> myFavourite_ = std::make_shared<MyFavouriteItem>();
   FavouritesStore store_;
   FavouritesTree tree_{layout_.serverSelection, myFavourite_};
-  TabKeeper tabs_{layout_.mainTab, tree_};
+  ConnectionTabs tabs_{layout_.mainTab, tree_};
   const std::shared_ptr<ConnectionCommands> commands_ =
       std::make_shared<ConnectionCommands>(myFavourite_, tree_, tabs_, store_);
   std::shared_ptr<NewConnectionWindowController> newConnectionWindowController_;

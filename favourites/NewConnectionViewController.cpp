@@ -22,10 +22,10 @@ void NewConnectionViewController::viewDidLoad() {
   layout_.btnCancel.setAction([this] { clickCancel(); });
   layout_.btnTestConnection.setAction([this] { clickTestConnection(); });
   layout_.btnShowAuth.setAction([this] { toggleShowAuth(); });
-  for (NSTextField* field : std::initializer_list<NSTextField*>{&layout_.txtCnnName, &layout_.txtIp, &layout_.txtPort,
-                                                                &layout_.txtAuth, &layout_.txtAuthToShow}) {
+  NSTextField* const fields[] = {&layout_.txtCnnName, &layout_.txtIp, &layout_.txtPort, &layout_.txtAuth,
+                                 &layout_.txtAuthToShow};
+  for (NSTextField* const field : fields)
     field->setAction([this] { clickSave(); });
-  }
   layout_.txtPort.setFormatter(std::make_unique<PositiveIntegerValueFormatter>());
   layout_.popDefaultCharset.removeAllItems();
   layout_.popDefaultCharset.addItemsWithTitles(charsetNames());
@@ -33,27 +33,27 @@ void NewConnectionViewController::viewDidLoad() {
 }
 
 void NewConnectionViewController::describeNew() {
-  serverId_.reset();
-  for (NSTextField* field : std::initializer_list<NSTextField*>{&layout_.txtCnnName, &layout_.txtIp, &layout_.txtPort,
-                                                                &layout_.txtAuth, &layout_.txtAuthToShow}) {
-    field->setStringValue("");
-  }
-  layout_.btnShowAuth.setState(false);
-  showAuth(false);
-  layout_.popDefaultCharset.selectItemAtIndex(0);
-  layout_.txtCnnName.becomeFirstResponder();
+  fill(std::nullopt, {"", "", "", "", charsetNames().front()});
 }
 
 void NewConnectionViewController::describe(const ServerItem& server) {
-  serverId_ = server.serverId();
-  layout_.txtCnnName.setStringValue(server.connectionName());
-  layout_.txtIp.setStringValue(server.serverIp());
-  layout_.txtPort.setStringValue(std::to_string(server.serverPort()));
-  layout_.txtAuthToShow.setStringValue(server.auth());
-  layout_.txtAuth.setStringValue(server.auth());
+  fill(server.serverId(), {.name = server.connectionName(),
+                           .host = server.serverIp(),
+                           .port = std::to_string(server.serverPort()),
+                           .password = server.auth(),
+                           .charset = server.defaultCharset()});
+}
+
+void NewConnectionViewController::fill(const std::optional<NSUUID>& serverId, const Texts& texts) {
+  serverId_ = serverId;
+  layout_.txtCnnName.setStringValue(texts.name);
+  layout_.txtIp.setStringValue(texts.host);
+  layout_.txtPort.setStringValue(texts.port);
+  layout_.txtAuth.setStringValue(texts.password);
+  layout_.txtAuthToShow.setStringValue(texts.password);
   layout_.btnShowAuth.setState(false);
   showAuth(false);
-  layout_.popDefaultCharset.selectItemWithTitle(server.defaultCharset());
+  layout_.popDefaultCharset.selectItemWithTitle(texts.charset);
   layout_.txtCnnName.becomeFirstResponder();
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "favourites/ConnectionTabs.h"
 #include "favourites/FavouritesStore.h"
 #include "favourites/FavouritesTree.h"
 #include "favourites/MyFavouriteItem.h"
-#include "favourites/TabKeeper.h"
 #include "platform/appkit/NSViewController.h"
 #include "platform/foundation/NSUUID.h"
 #include "resources/NewConnectionLayout.h"
@@ -25,7 +25,7 @@ public:
     std::shared_ptr<MyFavouriteItem> root;
     FavouritesStore& store;
     FavouritesTree& tree;
-    TabKeeper& tabs;
+    ConnectionTabs& tabs;
   };
 
   // `willClose` is called before the form closes its window by itself; the form outlives the current event.
@@ -44,12 +44,22 @@ public:
   const std::optional<NSUUID>& serverId() const { return serverId_; }
 
 private:
+  struct Texts {
+    std::string name;
+    std::string host;
+    std::string port;
+    std::string password;
+    std::string charset;
+  };
+
   void viewDidLoad();
   void clickSave() { saveConnection(); }
   void clickCancel() { closeForm(); }
   void clickTestConnection() { testConnection(); }
   void toggleShowAuth();
 
+  // The password is hidden, and the first field has the keyboard.
+  void fill(const std::optional<NSUUID>& serverId, const Texts& texts);
   void showAuth(bool inClear);
   std::string password() const;
   // False, and a message, if there is no port.

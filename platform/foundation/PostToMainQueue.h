@@ -23,4 +23,9 @@ void postToMainQueue(std::weak_ptr<Owner> owner, Step step) {
   });
 }
 
+// Keeps the object until the current event has been handled: what belongs to it may still be running. Any thread.
+inline void releaseOnMainQueue(std::shared_ptr<const void> object) {
+  NSOperationQueue::mainQueue().addOperationWithBlock([object = std::move(object)] {});
+}
+
 }  // namespace tarn

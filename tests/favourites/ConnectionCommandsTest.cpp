@@ -11,10 +11,10 @@ using Texts = std::vector<std::string>;
 
 namespace {
 
-std::string status(const TabKeeper::Tab& tab) {
+std::string status(const ConnectionTabs::Tab& tab) {
   return tab->outlets().labStatus.stringValue();
 }
-int databases(const TabKeeper::Tab& tab) {
+int databases(const ConnectionTabs::Tab& tab) {
   return itemCount(tab->outlets().popDatabase);
 }
 

@@ -45,7 +45,7 @@ protected:
   // The favourite of this place in the list.
   std::shared_ptr<ServerItem> server(std::size_t place = 0);
   // Nothing if there is none.
-  TabKeeper::Tab tabOf(std::size_t place = 0) { return window_->tabForServer(*server(place)); }
+  ConnectionTabs::Tab tabOf(std::size_t place = 0) { return window_->tabForServer(*server(place)); }
   std::vector<std::string> tabLabels();
   std::string selectedTabLabel();
 

@@ -41,7 +41,7 @@ struct Program {
   QWidget& window() { return *content->window().widget(); }
   std::shared_ptr<ServerItem> server() { return content->myFavourite()->servers.at(0); }
   // By keyboard: down to the server's row, which opens its tab, and right to expand it.
-  TabKeeper::Tab openTab() {
+  ConnectionTabs::Tab openTab() {
     content->outlets().serverSelection.becomeFirstResponder();
     press(Qt::Key_Home);
     press(Qt::Key_Down);
@@ -105,7 +105,7 @@ TEST(MainWindowController, TheMenusKeysCloseTheTabAndQuit) {
 // The menu of the bar takes the keyboard while it is open, by mouse and by key.
 TEST(MainWindowController, TheEditMenuActsOnTheTextThatHadTheKeyboard) {
   Program program(1);
-  const TabKeeper::Tab tab = program.openTab();
+  const ConnectionTabs::Tab tab = program.openTab();
   ASSERT_TRUE(tab);
   NSTextField& key = tab->outlets().txtKey;
   key.becomeFirstResponder();

@@ -3,24 +3,24 @@
 #include "favourites/FavouritesTree.h"
 #include "favourites/NSTabViewItemExtension.h"
 #include "platform/appkit/NSTabView.h"
+#include "platform/foundation/NSUUID.h"
 #include "wire/ServerItem.h"
 #include "workbench/OperationTabViewController.h"
 
 #include <map>
 #include <memory>
-#include <string>
 
 namespace tarn {
 
-// The tabs on the right: at most one for each server, found by the text of its serverId. Main thread only.
-class TabKeeper final {
+// The tabs on the right: at most one for each server, found by its serverId. Main thread only.
+class ConnectionTabs final {
 public:
   using Tab = std::shared_ptr<OperationTabViewController>;
 
-  // Both outlive the keeper.
-  TabKeeper(NSTabView& mainTab, FavouritesTree& tree);
-  TabKeeper(const TabKeeper&) = delete;
-  TabKeeper& operator=(const TabKeeper&) = delete;
+  // Both outlive the tabs.
+  ConnectionTabs(NSTabView& mainTab, FavouritesTree& tree);
+  ConnectionTabs(const ConnectionTabs&) = delete;
+  ConnectionTabs& operator=(const ConnectionTabs&) = delete;
 
   // Nothing if the server has no tab.
   Tab tabForServer(const ServerItem& server) const;
@@ -31,11 +31,11 @@ public:
   // selected in it.
   void openTabForItem(const NSItem& item);
 
-  // Takes the tab that shows `view` away; the one that moves into its place is selected, in the tree too. The tab's
-  // controller lives on until the current event has been handled.
-  void removeTabOfView(const NSView& view);
-  // Takes the server's tab away, if it has one.
+  // Takes the server's tab away, if it has one. If it was selected, the tab that moves to its index is selected, or
+  // else the last one. The tab's controller lives on until the current event has been handled.
   void removeTabOfServer(const ServerItem& server);
+  // Selects the row of the selected tab's server in the tree, if there is a tab.
+  void selectTreeRowOfSelectedTab();
 
   // The server was edited: its tab, if it has one, takes the new name, and its form starts anew.
   void showEditedServer(const ServerItem& server);
@@ -45,13 +45,10 @@ public:
 
 private:
   void makeServerTab(const std::shared_ptr<ServerItem>& server, const DbItem* database);
-  void forget(const std::shared_ptr<NSTabViewItem>& item);
-  void selectTreeRowOfSelectedTab();
 
   NSTabView& mainTab_;
   FavouritesTree& tree_;
-  std::map<std::string, std::shared_ptr<NSTabViewItemExtension>> allTabs_;
-  std::map<std::shared_ptr<NSTabViewItem>, std::string> allTabsToUUID_;
+  std::map<NSUUID, std::shared_ptr<NSTabViewItemExtension>> allTabs_;
 };
 
 }  // namespace tarn

@@ -1,14 +1,14 @@
-#include "favourites/TabKeeper.h"
+#include "favourites/ConnectionTabs.h"
 #include "tests/favourites/FavouritesFixture.h"
 #include "tests/support/RedisServer.h"
 #include "tests/support/widgets/Hand.h"
 
 namespace tarn::test {
 
-using TabKeeperTest = FavouritesTest;
+using ConnectionTabsTest = FavouritesTest;
 using Texts = std::vector<std::string>;
 
-TEST_F(TabKeeperTest, ASelectedServerGetsOneTabThatNamesIt) {
+TEST_F(ConnectionTabsTest, ASelectedServerGetsOneTabThatNamesIt) {
   store("local", 6379);
   store("other", 6380);
   openWindow();
@@ -25,14 +25,14 @@ TEST_F(TabKeeperTest, ASelectedServerGetsOneTabThatNamesIt) {
   EXPECT_EQ(server()->connectionStatus(), ConnectionStatus::notConnected);
 }
 
-TEST_F(TabKeeperTest, ALabelMayBeCutDownToNothing) {
+TEST_F(ConnectionTabsTest, ALabelMayBeCutDownToNothing) {
   NSTabViewItemExtension item;
   item.setLabel("a name");
   EXPECT_EQ(item.sizeOfLabel(true), 0.0);
   EXPECT_GT(item.sizeOfLabel(false), 0.0);
 }
 
-TEST_F(TabKeeperTest, ADatabaseRowShowsAndSelectsItsDatabase) {
+TEST_F(ConnectionTabsTest, ADatabaseRowShowsAndSelectsItsDatabase) {
   const RedisServer redis({"--databases", "3"});
   redis.command({"set", "zero", "1"}, 0);
   redis.command({"mset", "a", "1", "b", "2"}, 1);
@@ -60,7 +60,7 @@ TEST_F(TabKeeperTest, ADatabaseRowShowsAndSelectsItsDatabase) {
   EXPECT_EQ(tabOf()->shownDatabase(), 0);
 }
 
-TEST_F(TabKeeperTest, ClosingATabSelectsTheOneInItsPlaceAndItsRow) {
+TEST_F(ConnectionTabsTest, ClosingATabSelectsTheOneInItsPlaceAndItsRow) {
   for (const char* name : {"a", "b", "c"})
     store(name, 1);
   openWindow();
@@ -85,7 +85,7 @@ TEST_F(TabKeeperTest, ClosingATabSelectsTheOneInItsPlaceAndItsRow) {
   EXPECT_EQ(rows(), (Texts{"My Favourite", "a", "b", "c"}));
 }
 
-TEST_F(TabKeeperTest, ClosingATabClosesItsConnectionAlsoWhileItWorks) {
+TEST_F(ConnectionTabsTest, ClosingATabClosesItsConnectionAlsoWhileItWorks) {
   const RedisServer redis({"--enable-debug-command", "yes"});
   redis.command({"debug", "populate", "200000"});
   store("local", redis.port());
