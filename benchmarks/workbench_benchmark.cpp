@@ -12,7 +12,7 @@
 #include "tests/support/RedisServer.h"
 #include "tests/support/TemporaryDataHome.h"
 #include "tests/support/widgets/Hand.h"
-#include "workbench/KeyBrowser.h"
+#include "workbench/keys/KeyBrowser.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -31,15 +31,12 @@ double keysToTable() {
   std::vector<Bytes> keys;
   for (int i = 0; i < 1'000'000; ++i)
     keys.emplace_back("some:key:of:2" + std::to_string(1'000'000 + i));
-  const auto tab = std::make_shared<OperationTabLayout>();
-  TabState state;
-  TabQueue queue(*tab, state);
-  KeyForm form(*tab);
-  KeyBrowser browser(*tab, state, queue, form);
-  test::show(*tab->view.widget(), {940, 700});
+  WorkbenchTab tab;
+  KeyBrowser browser(tab);
+  test::show(*tab.outlets.view.widget(), {940, 700});
   const double shown = millisecondsOf([&] {
     browser.showKeys(std::move(keys));
-    paint(tab->tableKeys);
+    paint(tab.outlets.tableKeys);
   });
   return shown;
 }

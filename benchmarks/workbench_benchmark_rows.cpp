@@ -1,11 +1,8 @@
 #include "benchmarks/workbench_benchmark_rows.h"
 
 #include "benchmarks/workbench_benchmark_tab.h"
-#include "codec/CharsetEnum.h"
 #include "tests/support/widgets/Hand.h"
-#include "workbench/RowActions.h"
-#include "workbench/RowEditing.h"
-#include "workbench/ValuePanes.h"
+#include "workbench/value/ValuePanes.h"
 
 #include <memory>
 #include <stdexcept>
@@ -21,45 +18,39 @@ constexpr int rowCount = 1'000'000;
 
 // A tab without a server, whose rows come from here.
 struct RowsTab {
-  OperationTabLayout outlets;
-  TabState state;
-  TabQueue queue{outlets, state};
-  ValuePanes panes{outlets};
-  ValueTables tables{outlets, state, queue};
-  RowEditing editing{outlets, state, queue, tables};
-  RowActions actions{outlets, state, queue, tables, editing};
+  WorkbenchTab tab;
+  ValuePanes panes{tab};
 
-  NSTableView& table = outlets.valueDataSetTable;
+  NSTableView& table = tab.outlets.valueDataSetTable;
+  RowsPane& pane = *panes.rowsOf(ValueType::list);
 };
 
 std::shared_ptr<RowsTab> shownTab(const char* rowText) {
   auto tab = std::make_shared<RowsTab>();
-  tab->queue.setTab(tab);
-  tab->outlets.popValueDataCharset.removeAllItems();
-  tab->outlets.popValueDataCharset.addItemsWithTitles(charsetTitles());
+  tab->tab.queue.setTab(tab);
   std::vector<Bytes> rows;
   rows.reserve(rowCount);
   for (int i = 0; i < rowCount; ++i)
     rows.emplace_back(rowText + std::to_string(rowCount + i));
-  tab->tables.setRows(tab->state.setValue, std::move(rows));
-  tab->panes.showValuePane("List");
-  test::show(*tab->outlets.view.widget(), {940, 700});
+  tab->pane.setRows(loadedRows(ValueType::list, std::move(rows)));
+  tab->panes.show(ValueType::list);
+  test::show(*tab->tab.outlets.view.widget(), {940, 700});
   tab->panes.doResize();
-  tab->table.reloadData();
+  tab->pane.reload();
   paint(tab->table);
   return tab;
 }
 
 double addRow(RowsTab& tab) {
   return millisecondsOf([&] {
-    tab.actions.addRow(tab.table);
+    tab.pane.addRow();
     paint(tab.table);
   });
 }
 
 double deleteRow(RowsTab& tab) {
   return millisecondsOf([&] {
-    tab.actions.deleteRows(tab.table);
+    tab.pane.deleteSelectedRow();
     paint(tab.table);
   });
 }
@@ -67,21 +58,23 @@ double deleteRow(RowsTab& tab) {
 // From Enter to the painted table, with the row in its editor.
 double commitCell(RowsTab& tab, const std::string& text) {
   const int row = tab.table.selectedRow();
-  tab.editing.didDoubleClick(tab.table, row, 0);
+  tab.pane.mouseDown(tab.table, row, 0);
+  tab.pane.mouseDown(tab.table, row, 0);
   test::type(text);
   const double committed = millisecondsOf([&] {
     test::press(Qt::Key_Return);
     paint(tab.table);
   });
   const auto index = static_cast<std::size_t>(row);
-  if (!tab.state.setValue.row(index).text.starts_with(text)) throw std::runtime_error("the cell wasn't committed");
+  if (!tab.pane.rows().columns().front().text(index).starts_with(text))
+    throw std::runtime_error("the cell wasn't committed");
   return committed;
 }
 
 double changeCharset(RowsTab& tab, const char* title) {
-  tab.outlets.popValueDataCharset.selectItemWithTitle(title);
+  tab.tab.outlets.popValueDataCharset.selectItemWithTitle(title);
   return millisecondsOf([&] {
-    tab.tables.changeCharset(tab.table);
+    tab.pane.changeCharset();
     paint(tab.table);
   });
 }

@@ -86,21 +86,4 @@ std::vector<std::string> charsetNames() {
   return names;
 }
 
-std::vector<std::string> charsetTitles() {
-  std::vector<std::string> titles = charsetNames();
-  titles.emplace(titles.begin() + 1, base64Title);
-  return titles;
-}
-
-std::optional<CharsetEnum> charsetByName(std::string_view name) {
-  const auto found = std::find_if(namedCharsets.begin(), namedCharsets.end(),
-                                  [name](const NamedCharset& named) { return named.name == name; });
-  if (found == namedCharsets.end()) return std::nullopt;
-  return found->charset;
-}
-
-CharsetEnum charsetForTitle(std::string_view title) {
-  return charsetByName(title).value_or(CharsetEnum::utf8);
-}
-
 }  // namespace tarn

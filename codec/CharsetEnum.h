@@ -1,6 +1,5 @@
 #pragma once
 
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -8,7 +7,7 @@
 
 namespace tarn {
 
-// The selectable character sets, in the order of every pop-up. A case's name is its title and what is stored.
+// The selectable character sets, in the order of every pop-up. A case's name is what is shown and stored.
 // clang-format off
 enum class CharsetEnum {
   utf8, utf16, utf32, utf16BigEndian, utf32BigEndian, utf16LittleEndian, utf32LittleEndian,
@@ -20,18 +19,9 @@ enum class CharsetEnum {
 };
 // clang-format on
 
-// The one more title of the two pop-ups of a tab; no case of CharsetEnum.
-inline constexpr std::string_view base64Title = "Base64";
-
 // All pure; any thread.
 std::span<const CharsetEnum> allCharsets();
 std::string charsetName(CharsetEnum charset);
 std::vector<std::string> charsetNames();
-// The 46 names with "Base64" at index 1.
-std::vector<std::string> charsetTitles();
-// Exact and case-sensitive; nothing if no case has the name.
-std::optional<CharsetEnum> charsetByName(std::string_view name);
-// The same, but utf8 where there is none; test for base64Title first.
-CharsetEnum charsetForTitle(std::string_view title);
 
 }  // namespace tarn

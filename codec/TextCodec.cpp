@@ -214,11 +214,4 @@ bool isPlainAscii(std::string_view bytes, CharsetEnum charset) {
   return isPlain(bytes, conversionOf(charset));
 }
 
-RowText rowDisplayText(std::string_view bytes, std::string_view title) {
-  if (title != base64Title) {
-    if (auto text = bytesToText(bytes, charsetForTitle(title))) return {std::move(*text), false};
-  }
-  return {std::string(base64Marker) + bytesToBase64(bytes), true};
-}
-
 }  // namespace tarn

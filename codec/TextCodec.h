@@ -31,14 +31,4 @@ inline std::optional<Bytes> base64ToBytes(std::string_view text) {
 // The two characters in front of Base64 text: how bytes that don't decode are shown and typed.
 inline constexpr std::string_view base64Marker = "\\B";
 
-struct RowText {
-  std::string text;
-  bool isBase64 = false;
-
-  bool operator==(const RowText&) const = default;
-};
-
-// How a row of a value is shown under the title of a pop-up, "Base64" or a character set; the text is unescaped.
-RowText rowDisplayText(std::string_view bytes, std::string_view title);
-
 }  // namespace tarn

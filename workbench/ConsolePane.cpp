@@ -3,6 +3,7 @@
 #include "platform/appkit/NSApplication.h"
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSLocalizedString.h"
+#include "platform/foundation/SplitText.h"
 #include "wire/console/ConsoleTokeniser.h"
 
 #include <algorithm>
@@ -14,17 +15,6 @@ namespace tarn {
 
 namespace {
 
-// The parts between line ends that aren't empty.
-std::vector<std::string_view> linesOf(std::string_view input) {
-  std::vector<std::string_view> lines;
-  while (!input.empty()) {
-    const std::size_t end = std::min(input.find('\n'), input.size());
-    if (end > 0) lines.push_back(input.substr(0, end));
-    input.remove_prefix(std::min(end + 1, input.size()));
-  }
-  return lines;
-}
-
 // The log never shows more of a line: it may hold a password.
 void logCommand(std::string_view command) {
   logLine("do command:::" + std::string(consoleCommandWord(command)));
@@ -32,19 +22,19 @@ void logCommand(std::string_view command) {
 
 }  // namespace
 
-ConsolePane::ConsolePane(OperationTabLayout& outlets, const TabState& state) : outlets_(outlets), state_(state) {
-  outlets_.txtViewCli.setString(localizedString("Welcome: "));
-  txtViewCLiCurrentReadOnlyLen_ = outlets_.txtViewCli.length();
-  outlets_.txtViewCli.setDelegate(this);
+ConsolePane::ConsolePane(WorkbenchTab& tab) : tab_(tab) {
+  tab_.outlets.txtViewCli.setString(localizedString("Welcome: "));
+  txtViewCLiCurrentReadOnlyLen_ = tab_.outlets.txtViewCli.length();
+  tab_.outlets.txtViewCli.setDelegate(this);
 }
 
 ConsolePane::~ConsolePane() {
-  outlets_.txtViewCli.setDelegate(nullptr);
+  tab_.outlets.txtViewCli.setDelegate(nullptr);
 }
 
 bool ConsolePane::shouldChangeTextInRanges(NSTextView& view, const std::vector<NSRange>& ranges,
                                            const std::vector<std::string>& replacementStrings) {
-  if (&view != &outlets_.txtViewCli) return true;
+  if (&view != &tab_.outlets.txtViewCli) return true;
   const auto isProtected = [this](const NSRange& range) { return range.location < txtViewCLiCurrentReadOnlyLen_; };
   if (std::any_of(ranges.begin(), ranges.end(), isProtected)) return false;
   if (replacementStrings.empty()) return false;
@@ -54,7 +44,7 @@ bool ConsolePane::shouldChangeTextInRanges(NSTextView& view, const std::vector<N
   const auto breaks = static_cast<std::size_t>(std::count(input.begin(), input.end(), '\n'));
   if (breaks == 0) return true;
 
-  std::vector<std::string_view> lines = linesOf(input);
+  std::vector<std::string_view> lines = splitText(input, "\n");
   std::string_view openLine;
   if (lines.size() > breaks) {
     openLine = lines.back();
@@ -65,7 +55,7 @@ bool ConsolePane::shouldChangeTextInRanges(NSTextView& view, const std::vector<N
     runPastedLine(line);
   if (hasMoreBreaks && input.ends_with('\n')) runTypedLine();
   if (!openLine.empty()) {
-    outlets_.txtViewCli.appendString(openLine);
+    tab_.outlets.txtViewCli.appendString(openLine);
     scrollToOpenLine();
   }
   return false;
@@ -75,7 +65,7 @@ void ConsolePane::runPastedLine(std::string_view line) {
   const std::string command(line);
   say(command + "\n" + prompt());
   logCommand(command);
-  if (state_.server) {
+  if (tab_.queue.server()) {
     const std::string result = reply(command);
     if (!result.empty()) say(result + "\n" + prompt());
   }
@@ -84,9 +74,9 @@ void ConsolePane::runPastedLine(std::string_view line) {
 
 void ConsolePane::runTypedLine() {
   // Without the blank that ends the prompt: it means nothing, and a translated one may end in something else.
-  const std::string command = outlets_.txtViewCli.substringFromIndex(txtViewCLiCurrentReadOnlyLen_);
+  const std::string command = tab_.outlets.txtViewCli.substringFromIndex(txtViewCLiCurrentReadOnlyLen_);
   logCommand(command);
-  if (state_.server) {
+  if (tab_.queue.server()) {
     const std::string result = reply(command);
     say("\n" + prompt() + result + "\n" + prompt());
   }
@@ -98,8 +88,8 @@ void ConsolePane::runTypedLine() {
 // makes a new one.
 std::string ConsolePane::reply(const std::string& command) {
   const WaitCursor cursor;
-  const std::shared_ptr<ServerItem> server = state_.server;
-  const int database = state_.database;
+  const std::shared_ptr<ServerItem> server = tab_.queue.server();
+  const int database = tab_.queue.database();
   std::optional<std::string> result;
   const auto isThere = [&] { return server->currentDbIdx() == database || !server->isAlive(); };
   if (!ServerItem::mayMoveDatabase(command)) {
@@ -117,16 +107,16 @@ std::string ConsolePane::reply(const std::string& command) {
 }
 
 std::string ConsolePane::prompt() const {
-  return (state_.server ? state_.server->connectionName() : std::string()) + ": ";
+  return (tab_.queue.server() ? tab_.queue.server()->connectionName() : std::string()) + ": ";
 }
 
 void ConsolePane::say(const std::string& text) {
-  outlets_.txtViewCli.appendString(text);
-  txtViewCLiCurrentReadOnlyLen_ = outlets_.txtViewCli.length();
+  tab_.outlets.txtViewCli.appendString(text);
+  txtViewCLiCurrentReadOnlyLen_ = tab_.outlets.txtViewCli.length();
 }
 
 void ConsolePane::scrollToOpenLine() {
-  outlets_.txtViewCli.scrollRangeToVisible(outlets_.txtViewCli.selectedRange());
+  tab_.outlets.txtViewCli.scrollRangeToVisible(tab_.outlets.txtViewCli.selectedRange());
 }
 
 }  // namespace tarn

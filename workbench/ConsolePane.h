@@ -1,8 +1,7 @@
 #pragma once
 
 #include "platform/appkit/NSTextView.h"
-#include "resources/OperationTabLayout.h"
-#include "workbench/TabState.h"
+#include "workbench/WorkbenchTab.h"
 
 #include <cstddef>
 #include <string>
@@ -16,7 +15,7 @@ namespace tarn {
 // also waits for its reply.
 class ConsolePane final : public NSTextViewDelegate {
 public:
-  ConsolePane(OperationTabLayout& outlets, const TabState& state);
+  explicit ConsolePane(WorkbenchTab& tab);
   ~ConsolePane() override;
 
   void textDidEndEditing(NSTextView&) override {}
@@ -32,8 +31,7 @@ private:
   void say(const std::string& text);
   void scrollToOpenLine();
 
-  OperationTabLayout& outlets_;
-  const TabState& state_;
+  WorkbenchTab& tab_;
   // How much of the text can't be changed, in the view's units.
   std::size_t txtViewCLiCurrentReadOnlyLen_;
 };

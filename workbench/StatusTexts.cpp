@@ -2,18 +2,7 @@
 
 #include "platform/foundation/NSLocalizedString.h"
 
-#include <algorithm>
-#include <array>
-#include <utility>
-
 namespace tarn {
-
-namespace {
-
-constexpr std::array<std::pair<std::string_view, std::string_view>, 5> titles{
-    {{"string", "String"}, {"list", "List"}, {"set", "Set"}, {"hash", "Hash"}, {"zset", "SortedSet"}}};
-
-}  // namespace
 
 std::string serverStatusText(ConnectionStatus status) {
   switch (status) {
@@ -45,8 +34,8 @@ std::string unsupportedTypeText(std::string_view word) {
   return localizedString("Type:").append(word) + localizedString(" (Unsupported Type)");
 }
 
-std::string newTypeText(std::string_view title) {
-  return typeText(title) + localizedString(" (New)");
+std::string newTypeText(std::string_view type) {
+  return typeText(type) + localizedString(" (New)");
 }
 
 std::string unknownKeySizeText() {
@@ -79,8 +68,8 @@ std::string ttlToolTip(std::string_view ttl) {
   return localizedString("Second(s)");
 }
 
-std::string keyLabelText(std::string_view charsetTitle) {
-  return replacingPlaceholder(localizedString("Key({0}):"), "{0}", charsetTitle);
+std::string keyLabelText(std::string_view charset) {
+  return replacingPlaceholder(localizedString("Key({0}):"), "{0}", charset);
 }
 
 std::string noKeysText(ConnectionStatus status) {
@@ -98,20 +87,6 @@ std::string noKeysText(ConnectionStatus status) {
 
 std::string countShownText(std::size_t keys) {
   return localizedString("Count Shown:") + std::to_string(keys);
-}
-
-std::string_view valueTypeTitle(std::string_view word) {
-  const auto* found =
-      std::find_if(titles.begin(), titles.end(), [&](const auto& title) { return title.first == word; });
-  return found == titles.end() ? std::string_view() : found->second;
-}
-
-bool isValueType(std::string_view title) {
-  return std::any_of(titles.begin(), titles.end(), [&](const auto& known) { return known.second == title; });
-}
-
-std::string typeOfNewKeyTitle(std::string_view title) {
-  return replacingPlaceholder(std::string(title), "(Base64Key)", "");
 }
 
 }  // namespace tarn

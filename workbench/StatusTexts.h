@@ -13,12 +13,12 @@ namespace tarn {
 std::string serverStatusText(ConnectionStatus status);
 std::string dealingQueueText(std::size_t operationCount);
 
-// The type of the value: nothing known; a known type or the word being handled; a word that no pane shows.
+// The type of the value: nothing known; a type, or the server's word while it is handled; a word that no pane shows.
 std::string unknownTypeText();
 std::string typeText(std::string_view type);
 std::string unsupportedTypeText(std::string_view word);
 // A key that isn't on the server yet.
-std::string newTypeText(std::string_view title);
+std::string newTypeText(std::string_view type);
 
 std::string unknownKeySizeText();
 std::string keySizeText(std::size_t bytes);
@@ -32,18 +32,9 @@ std::string dataSizeText(std::size_t bytes, std::size_t count);
 // The tool tip of the TTL: "(Deleted)", "(Persist)" or "Second(s)".
 std::string ttlToolTip(std::string_view ttl);
 
-std::string keyLabelText(std::string_view charsetTitle);
+std::string keyLabelText(std::string_view charset);
 // What an empty list of keys says to do next.
 std::string noKeysText(ConnectionStatus status);
 std::string countShownText(std::size_t keys);
-
-// "String", "List", "Set", "Hash" or "SortedSet" for what the server calls it; empty for a word that no pane shows.
-std::string_view valueTypeTitle(std::string_view word);
-
-// True for those five titles.
-bool isValueType(std::string_view title);
-
-// The type that a title of the type dialog stands for: the title without "(Base64Key)".
-std::string typeOfNewKeyTitle(std::string_view title);
 
 }  // namespace tarn

@@ -14,25 +14,25 @@ bool goesTo(int database, ServerItem& server) {
 
 }  // namespace
 
-TabQueue::TabQueue(OperationTabLayout& outlets, const TabState& state)
-    : outlets_(outlets), state_(state), activity_(outlets.activityBar) {}
-
 void TabQueue::addInDatabase(int database, Work work) {
-  if (!state_.server) return;
-  const auto run = [this, work = std::move(work), server = state_.server, database, tab = poster(),
-                    token = beginWork()] {
+  if (!server_) return;
+  const auto begin = [this, work = std::move(work)](ServerItem& server, const TabPoster& tab) {
+    tab.post([this] { updateDealingQueueLabel(); });
+    work(server, tab);
+  };
+  const auto run = [this, begin, server = server_, database, tab = poster(), token = beginWork()] {
     // While this runs no SELECT can start, so the answer stays true until the work has ended.
-    if (server->currentDbIdx() == database) return work(*server, tab);
-    server->operationQueue().addBarrierBlock([this, work, server, database, tab, token] {
-      if (goesTo(database, *server)) return work(*server, tab);
+    if (server->currentDbIdx() == database) return begin(*server, tab);
+    server->operationQueue().addBarrierBlock([this, begin, server, database, tab, token] {
+      if (goesTo(database, *server)) return begin(*server, tab);
       tab.post([this] { updateDealingQueueLabel(); });
     });
   };
-  state_.server->operationQueue().addOperationWithBlock(run);
+  server_->operationQueue().addOperationWithBlock(run);
 }
 
 void TabQueue::performInDatabase(int database, const std::function<void(ServerItem& server)>& work) {
-  const std::shared_ptr<ServerItem> server = state_.server;
+  const std::shared_ptr<ServerItem> server = server_;
   if (!server) return;
   const WaitCursor cursor;
   bool isElsewhere = false;
@@ -47,9 +47,9 @@ void TabQueue::performInDatabase(int database, const std::function<void(ServerIt
 }
 
 void TabQueue::addSelect(int database, std::function<void(bool selected)> ended) {
-  if (!state_.server) return;
-  state_.server->operationQueue().addBarrierBlock(
-      [this, database, ended = std::move(ended), server = state_.server, tab = poster(), token = beginWork()] {
+  if (!server_) return;
+  server_->operationQueue().addBarrierBlock(
+      [this, database, ended = std::move(ended), server = server_, tab = poster(), token = beginWork()] {
         tab.post([this] { updateDealingQueueLabel(); });
         tab.post([this, ended, selected = server->selectDb(database)] {
           updateDealingQueueLabel();
@@ -58,9 +58,18 @@ void TabQueue::addSelect(int database, std::function<void(bool selected)> ended)
       });
 }
 
+std::shared_ptr<void> TabQueue::beginWork() {
+  if (++working_ == 1) outlets_.activityBar.startAnimation();
+  return {nullptr, [this, tab = poster()](std::nullptr_t) { tab.post([this] { endWork(); }); }};
+}
+
+void TabQueue::endWork() {
+  if (--working_ == 0) outlets_.activityBar.stopAnimation();
+}
+
 void TabQueue::updateDealingQueueLabel() {
-  if (!state_.server) return;
-  outlets_.labDealingQueue.setStringValue(dealingQueueText(state_.server->operationQueue().operationCount()));
+  if (!server_) return;
+  outlets_.labDealingQueue.setStringValue(dealingQueueText(server_->operationQueue().operationCount()));
 }
 
 }  // namespace tarn

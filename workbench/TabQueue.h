@@ -1,26 +1,39 @@
 #pragma once
 
 #include "platform/foundation/NSOperationQueue.h"
+#include "platform/foundation/PostToMainQueue.h"
 #include "resources/OperationTabLayout.h"
-#include "workbench/QueueActivity.h"
-#include "workbench/TabPoster.h"
-#include "workbench/TabState.h"
+#include "wire/ServerItem.h"
 
 #include <cstddef>
 #include <functional>
 #include <memory>
 #include <utility>
-#include <vector>
 
 namespace tarn {
 
-// How a tab's work goes to its server's queue, on the right database, and comes back. Main queue only; `Work` runs on
-// the server's queue, where it touches no part of the tab but through the poster.
+// The way back from a background block to its tab, which it holds weakly. Blocks copy it; any thread.
+class TabPoster final {
+public:
+  explicit TabPoster(std::weak_ptr<void> tab) : tab_(std::move(tab)) {}
+
+  // As postToMainQueue(), with the tab as owner.
+  template <class Step>
+  void post(Step step) const {
+    postToMainQueue(tab_, std::move(step));
+  }
+
+private:
+  std::weak_ptr<void> tab_;
+};
+
+// A tab's connection, and how the tab's work goes to its queue, on the right database, and comes back. Main queue only;
+// `Work` runs on the server's queue, where it touches no part of the tab but through the poster.
 class TabQueue final {
 public:
   using Work = std::function<void(ServerItem& server, const TabPoster& tab)>;
 
-  TabQueue(OperationTabLayout& outlets, const TabState& state);
+  explicit TabQueue(OperationTabLayout& outlets) : outlets_(outlets) {}
 
   // The tab that owns all this, for the weak references of blocks. Call it before anything else.
   void setTab(std::weak_ptr<void> tab) { tab_ = std::move(tab); }
@@ -28,10 +41,18 @@ public:
   // Keeps the tab, for an operation that may raise an alert, behind which the tab may be closed.
   std::shared_ptr<void> tab() const { return tab_.lock(); }
 
+  // Nothing until the tab opens.
+  const std::shared_ptr<ServerItem>& server() const { return server_; }
+  void setServer(std::shared_ptr<ServerItem> server) { server_ = std::move(server); }
+
+  // The database that popDatabase shows, or showed before it was emptied: what is read and written is this one.
+  int database() const { return database_; }
+  void setDatabase(int database) { database_ = database; }
+
   // Queues work that reads or writes keys of the database shown now. Where the wire stands elsewhere when its turn
   // comes, SELECT is sent first, with the running blocks ended and no other started; if that fails, the work is
-  // dropped. Without a server nothing happens.
-  void addInShownDatabase(Work work) { addInDatabase(state_.database, std::move(work)); }
+  // dropped. The queue label follows its beginning. Without a server nothing happens.
+  void addInShownDatabase(Work work) { addInDatabase(database_, std::move(work)); }
   // The same for the database that was shown when the work was asked for.
   void addInDatabase(int database, Work work);
 
@@ -44,27 +65,31 @@ public:
   // is called with whether the server took it. The queue label follows. Without a server nothing happens.
   void addSelect(int database, std::function<void(bool selected)> ended);
 
-  // See QueueActivity.
-  std::shared_ptr<void> beginWork() { return activity_.beginWork(poster()); }
+  // Moves the activity bar until the last copy of the token goes, on whatever thread: a block holds one, so that one
+  // that is cancelled ends its work too.
+  std::shared_ptr<void> beginWork();
 
   // The label shows how many operations the server's queue counts now.
   void updateDealingQueueLabel();
 
-  // Frees many rows on another thread: those of a million take longer than an event should.
-  template <class Row>
-  void dispose(std::vector<Row> rows) {
-    if (rows.size() < manyRows) return;
-    auto shared = std::make_shared<std::vector<Row>>(std::move(rows));
+  // Frees what holds many rows on another thread: those of a million take longer than an event should.
+  template <class Garbage>
+  void dispose(Garbage garbage, std::size_t rows) {
+    if (rows < manyRows) return;
+    auto shared = std::make_shared<Garbage>(std::move(garbage));
     garbage_.addOperationWithBlock([shared = std::move(shared)]() mutable { shared.reset(); });
   }
 
 private:
   static constexpr std::size_t manyRows = 10'000;
 
+  void endWork();
+
   OperationTabLayout& outlets_;
-  const TabState& state_;
   std::weak_ptr<void> tab_;
-  QueueActivity activity_;
+  std::shared_ptr<ServerItem> server_;
+  int database_ = 0;
+  int working_ = 0;
   NSOperationQueue garbage_{1};
 };
 

@@ -1,5 +1,7 @@
 #include "platform/appkit/NSTableView.h"
 
+#include "platform/appkit/MenuBuilding.h"
+#include "platform/appkit/NSMenu.h"
 #include "platform/appkit/Utf8.h"
 #include "platform/appkit/table/TableHeader.h"
 #include "platform/appkit/table/TableViewWidget.h"
@@ -23,9 +25,9 @@ struct NSTableView::Private final : TableViewClient {
     if (delegate) delegate->viewForTableColumn(table, cell.column(), cell.row(), cell);
   }
 
-  void selectionChanged(bool byUser) override {
+  void selectionChanged(bool byHand) override {
     if (!delegate) return;
-    if (byUser) delegate->tableViewSelectionIsChanging(table);
+    if (byHand) delegate->tableViewSelectionIsChanging(table);
     if (delegate) delegate->tableViewSelectionDidChange(table);
   }
 
@@ -49,6 +51,10 @@ struct NSTableView::Private final : TableViewClient {
     return true;
   }
 
+  void menuRequested(const QPoint& globalPosition) override {
+    if (menu) popUpMenu(*menu, *widget, globalPosition);
+  }
+
   bool hasRow(int row) const { return row >= 0 && row < widget->rowCount(); }
 
   NSTableView& table;
@@ -57,6 +63,7 @@ struct NSTableView::Private final : TableViewClient {
   NSTableViewDataSource* source = nullptr;
   NSTableViewDelegate* delegate = nullptr;
   NSTableViewResponder* responder = nullptr;
+  std::shared_ptr<NSMenu> menu;
   std::function<void(int row, int column)> opens;
 };
 
@@ -85,7 +92,7 @@ void NSTableView::setResponder(NSTableViewResponder* responder) {
 }
 
 void NSTableView::setMenu(std::shared_ptr<NSMenu> menu) {
-  d_->widget->setMenu(std::move(menu));
+  d_->menu = std::move(menu);
 }
 
 void NSTableView::setPlaceholderString(std::string_view text) {

@@ -1,7 +1,6 @@
 // What a save and a delete send, in which order, and what they leave behind where a command fails.
 
-#include "tests/workbench/RecordedTab.h"
-#include "tests/workbench/TableHands.h"
+#include "tests/workbench/TabFixture.h"
 
 #include <QTest>
 
@@ -10,8 +9,7 @@ namespace {
 
 const std::string listRows = "*2\r\n$3\r\none\r\n$3\r\ntwo\r\n";
 const std::string setRows = "*2\r\n$1\r\n0\r\n" + listRows;
-const std::string pairs = "*4\r\n$1\r\nf\r\n$1\r\nv\r\n$1\r\ng\r\n$1\r\nw\r\n";
-const std::string hashRows = "*2\r\n$1\r\n0\r\n" + pairs;
+const std::string hashRows = "*2\r\n$1\r\n0\r\n*4\r\n$1\r\nf\r\n$1\r\nv\r\n$1\r\ng\r\n$1\r\nw\r\n";
 const std::string scoredRows = "*4\r\n$1\r\nm\r\n$3\r\ninf\r\n$1\r\nn\r\n$5\r\n1e+20\r\n";
 constexpr int moves = 1000;
 constexpr int keepsOld = 1001;
@@ -34,41 +32,47 @@ protected:
     waitUntilIdle();
     return sent;
   }
+  void clickDelete() {
+    alerts.clear();
+    peer.sent();
+    click(*outlets().btnDelete.widget());
+    waitUntilIdle();
+  }
+  // What stands in the way of a save that sends nothing.
+  std::string refusal() {
+    EXPECT_EQ(save(), Texts{});
+    return alerts.shown().size() == 1 ? alerts.messages().front() : std::string();
+  }
 
   Texts keys() { return texts(outlets().tableKeys, 0); }
 };
 
-TEST_F(SavingRequestsTest, AStringIsSetWithoutADelete) {
-  open("string", "$5\r\nvalue\r\n");
-  EXPECT_EQ(save(), (Texts{"persist b", "set b value"}));
-  EXPECT_EQ(alerts.messages(), Texts{"Saved."});
-  typeInto(outlets().txtTTL, "60");
-  EXPECT_EQ(save(), (Texts{"set b value EX 60"}));
-  EXPECT_EQ(outlets().labDataSize.stringValue(), "Data Size: 5byte(s)");
-}
-
-TEST_F(SavingRequestsTest, RowsAreDeletedAndWrittenInOneCommand) {
+TEST_F(SavingRequestsTest, AStringIsSetAndRowsAreDeletedAndWrittenInOneCommand) {
   struct Case {
     const char* type;
     std::string value;
-    std::string write;
+    Texts forEver;
+    Texts forAMinute;
     const char* size;
   };
-  const std::vector<Case> cases{{"list", listRows, "rpush b one two", "Data Size: 6byte(s)"},
-                                {"set", setRows, "sadd b one two", "Data Size: 6byte(s)"},
-                                {"hash", hashRows, "hmset b f v g w", "Data Size: 4byte(s)"},
-                                {"zset", scoredRows, "zadd b inf m 1e+20 n", "Data Size: 10byte(s)"}};
+  // clang-format off
+  const std::vector<Case> cases{
+      {"string", "$5\r\nvalue\r\n", {"persist b", "set b value"}, {"set b value EX 60"}, "Data Size: 5byte(s)"},
+      {"list", listRows, {"del b", "rpush b one two"}, {"del b", "rpush b one two", "expire b 60"}, "Data Size: 6byte(s)"},
+      {"set", setRows, {"del b", "sadd b one two"}, {"del b", "sadd b one two", "expire b 60"}, "Data Size: 6byte(s)"},
+      {"hash", hashRows, {"del b", "hmset b f v g w"}, {"del b", "hmset b f v g w", "expire b 60"}, "Data Size: 4byte(s)"},
+      {"zset", scoredRows, {"del b", "zadd b inf m 1e+20 n"}, {"del b", "zadd b inf m 1e+20 n", "expire b 60"}, "Data Size: 10byte(s)"}};
+  // clang-format on
   openKeys();
   for (const Case& each : cases) {
     peer.hold(each.type, each.value);
     outlets().tableKeys.deselectAll();
     selectKey("b");
-    peer.sent();
-    EXPECT_EQ(save(), (Texts{"del b", each.write}));
+    EXPECT_EQ(save(), each.forEver);
     EXPECT_EQ(alerts.messages(), Texts{"Saved."});
     EXPECT_EQ(outlets().labDataSize.stringValue(), each.size);
     typeInto(outlets().txtTTL, "60");
-    EXPECT_EQ(save(), (Texts{"del b", each.write, "expire b 60"}));
+    EXPECT_EQ(save(), each.forAMinute);
   }
 }
 
@@ -100,7 +104,7 @@ TEST_F(SavingRequestsTest, ANewKeyIsWrittenUnaskedAndReadBack) {
   EXPECT_EQ(outlets().labType.stringValue(), "Type: String (New)");
   EXPECT_EQ(outlets().txtTTL.stringValue(), "-1");
   EXPECT_EQ(outlets().tableKeys.selectedRow(), -1);
-  EXPECT_FALSE(outlets().chkTranslate.state());
+  EXPECT_EQ(outlets().valueDataSetTable.numberOfRows(), 0);
   typeInto(outlets().txtKey, "new");
   outlets().valueDataStringTxtView.becomeFirstResponder();
   type("v");
@@ -115,26 +119,43 @@ TEST_F(SavingRequestsTest, ANewKeyIsWrittenUnaskedAndReadBack) {
   EXPECT_EQ(alerts.messages(), Texts{"Saved."});
 }
 
-TEST_F(SavingRequestsTest, EndsAtTheFirstCommandThatFails) {
-  open("list", listRows);
+// Refused, or cut off with the connection, on which a new one goes on where the tab is.
+TEST_F(SavingRequestsTest, EndsAtTheFirstCommandThatFailsAndLeavesTheFormToSaveAgain) {
+  open("hash", hashRows);
   typeInto(outlets().txtTTL, "60");
-  const std::vector<std::pair<const char*, Texts>> cases{{"del", {"del b"}},
-                                                         {"rpush", {"del b", "rpush b one two"}},
-                                                         {"expire", {"del b", "rpush b one two", "expire b 60"}}};
-  for (const auto& [command, sent] : cases) {
-    peer.refuse(command);
-    EXPECT_EQ(save(), sent);
-    EXPECT_EQ(alerts.shown().size(), 1U);
-    EXPECT_EQ(texts(outlets().valueDataSetTable, 0), (Texts{"one", "two"}));
-    peer.allow();
+  const Texts all{"select 1", "del b", "hmset b f v g w", "expire b 60"};
+  for (std::size_t step = 0; step < all.size(); ++step) {
+    const std::string command = all[step].substr(0, all[step].find(' '));
+    for (const bool isCutOff : {false, true}) {
+      SCOPED_TRACE(command + (isCutOff ? " cut off" : " refused"));
+      server->closeConnection();
+      ASSERT_TRUE(server->connectToServer().ok);
+      tab->selectDatabase(1);
+      isCutOff ? peer.closeAt(command) : peer.refuse(command);
+      const Texts sent = save();
+      EXPECT_EQ(isCutOff ? all[step] : sent.back(), all[step]);
+      EXPECT_EQ(alerts.shown().size(), 1U);
+      EXPECT_EQ(texts(outlets().valueDataHashTable, 1), (Texts{"v", "w"}));
+      EXPECT_EQ(outlets().txtKey.stringValue(), "b");
+      peer.allow();
+      server->closeConnection();
+      ASSERT_TRUE(server->connectToServer().ok);
+      EXPECT_EQ(save(), all);
+      EXPECT_EQ(alerts.messages(), Texts{"Saved."});
+      EXPECT_EQ(save(), Texts(all.begin() + 1, all.end()));
+    }
   }
-  EXPECT_EQ(save(), (Texts{"del b", "rpush b one two", "expire b 60"}));
-  EXPECT_EQ(alerts.messages(), Texts{"Saved."});
+}
 
+TEST_F(SavingRequestsTest, AMoveOrDeleteThatFailsKeepsWhatIsStillThere) {
+  open("list", listRows);
+  tab->selectDatabase(3);
+  peer.refuse("select");
+  clickDelete();
+  EXPECT_EQ(peer.sent(), Texts{"select 3"});
+  tab->selectDatabase(0);
   peer.refuse("del");
-  alerts.clear();
-  click(*outlets().btnDelete.widget());
-  waitUntilIdle();
+  clickDelete();
   EXPECT_EQ(alerts.shown().size(), 2U);
   EXPECT_EQ(outlets().txtKey.stringValue(), "b");
   typeInto(outlets().txtKey, "new");
@@ -146,49 +167,13 @@ TEST_F(SavingRequestsTest, EndsAtTheFirstCommandThatFails) {
   EXPECT_EQ(keys(), (Texts{"a", "c"}));
 }
 
-TEST_F(SavingRequestsTest, SelectsTheDatabaseThatTheTabShows) {
-  open("list", listRows);
-  tab->selectDatabase(2);
-  EXPECT_EQ(save(), (Texts{"select 2", "del b", "rpush b one two"}));
-  EXPECT_EQ(save(), (Texts{"del b", "rpush b one two"}));
-  tab->selectDatabase(3);
-  peer.refuse("select");
-  EXPECT_EQ(save(), Texts{"select 3"});
-  EXPECT_EQ(alerts.shown().size(), 1U);
-  click(*outlets().btnDelete.widget());
-  waitUntilIdle();
-  EXPECT_EQ(peer.sent(), Texts{"select 3"});
-}
-
-// Each time the connection ends with the command, and a new one goes on where the tab is.
-TEST_F(SavingRequestsTest, AConnectionLostAtAnyStepLeavesTheFormToSaveAgain) {
-  open("hash", hashRows);
-  tab->selectDatabase(1);
-  typeInto(outlets().txtTTL, "60");
-  for (const char* step : {"select", "del", "hmset", "expire"}) {
-    peer.closeAt(step);
-    save();
-    EXPECT_EQ(alerts.shown().size(), 1U) << step;
-    EXPECT_EQ(texts(outlets().valueDataHashTable, 1), (Texts{"v", "w"}));
-    EXPECT_EQ(outlets().txtKey.stringValue(), "b");
-    peer.allow();
-    ASSERT_TRUE(server->connectToServer().ok);
-    EXPECT_EQ(save(), (Texts{"select 1", "del b", "hmset b f v g w", "expire b 60"})) << step;
-    EXPECT_EQ(alerts.messages(), Texts{"Saved."});
-    server->closeConnection();
-    ASSERT_TRUE(server->connectToServer().ok);
-  }
-}
-
 TEST_F(SavingRequestsTest, WhatArrivesBehindAQuestionChangesNothingOfWhatIsWritten) {
   open("list", listRows);
   typeInto(outlets().txtKey, "new");
   alerts.whileNextIsUp([&] {
     peer.hold("set", "*2\r\n$1\r\n0\r\n*1\r\n$5\r\nother\r\n");
-    outlets().tableKeys.selectRow(2);
-    waitUntil([&] { return outlets().labType.stringValue() == "Type: Set"; });
-    waitUntil([&] { return outlets().txtKey.stringValue() == "c"; });
-    waitUntilIdle();
+    selectKey("c");
+    EXPECT_EQ(outlets().labType.stringValue(), "Type: Set");
     tab->selectDatabase(3);
     peer.sent();
   });
@@ -202,19 +187,14 @@ TEST_F(SavingRequestsTest, WhatArrivesBehindAQuestionChangesNothingOfWhatIsWritt
 TEST_F(SavingRequestsTest, ADeleteTakesTheKeyOfTheFormAsItWasAsked) {
   open("hash", hashRows);
   alerts.answerNext(1001);
-  click(*outlets().btnDelete.widget());
-  waitUntilIdle();
+  clickDelete();
   EXPECT_EQ(peer.sent(), Texts{});
-  alerts.clear();
 
   alerts.whileNextIsUp([&] {
-    outlets().tableKeys.selectRow(2);
-    waitUntil([&] { return outlets().txtKey.stringValue() == "c"; });
-    waitUntilIdle();
+    selectKey("c");
     peer.sent();
   });
-  click(*outlets().btnDelete.widget());
-  waitUntilIdle();
+  clickDelete();
   EXPECT_EQ(alerts.messages(), Texts{"Are you sure to Delete the kev-value with key:'b'?"});
   EXPECT_EQ(alerts.shown().front().buttons, (Texts{"Confirm", "Cancel"}));
   EXPECT_EQ(peer.sent(), Texts{"del b"});
@@ -224,10 +204,11 @@ TEST_F(SavingRequestsTest, ADeleteTakesTheKeyOfTheFormAsItWasAsked) {
   EXPECT_EQ(outlets().labType.stringValue(), "Type: ");
   EXPECT_EQ(outlets().labKeySize.stringValue(), "Key Size: 0byte(s)");
   EXPECT_FALSE(outlets().valueDataStringScrollView.isHidden());
+  EXPECT_FALSE(outlets().btnAddRow.isHidden());
 
   // Without a key there is nothing to ask; the rows are still there to be saved under a name.
-  click(*outlets().btnDelete.widget());
-  EXPECT_EQ(alerts.shown().size(), 1U);
+  clickDelete();
+  EXPECT_EQ(alerts.messages(), Texts{});
   outlets().txtTTL.setStringValue("-1");
   typeInto(outlets().txtKey, "again");
   alerts.answerNext(keepsOld);
@@ -236,32 +217,32 @@ TEST_F(SavingRequestsTest, ADeleteTakesTheKeyOfTheFormAsItWasAsked) {
 
 TEST_F(SavingRequestsTest, TellsWhatIsMissingOneThingAtATime) {
   openTab(peer.port());
-  const auto refusal = [&] {
-    EXPECT_EQ(save(), Texts{});
-    return alerts.shown().size() == 1 ? alerts.messages().front() : std::string();
-  };
   EXPECT_EQ(refusal(), "To Create a Key-Value Data, you need click 'New' and Choose A Value Type First.");
   tab->newKeyTypeChosen("SortedSet");
-  struct Case {
-    NSTextField& field;
-    const char* text;
-    const char* told;
-  };
-  for (const auto& [field, text, told] :
-       {Case{outlets().txtTTL, "", "Please Enter the Key."}, Case{outlets().txtKey, "k", "Please Enter the TTL."},
-        Case{outlets().txtTTL, "-0",
-             "TTL must be -1 or >0. -1 is eternal, >0 is the specified expire time in seconds."},
-        Case{outlets().txtTTL, "5",
-             "SortedSet Can Not be Empty. If you want to remove this sortedSet click 'Delete'."}}) {
-    field.setStringValue(text);
-    EXPECT_EQ(refusal(), told);
+  outlets().txtTTL.setStringValue("");
+  EXPECT_EQ(refusal(), "Please Enter the Key.");
+  outlets().txtKey.setStringValue("k");
+  for (const char* ttl : {"", "-"}) {
+    outlets().txtTTL.setStringValue(ttl);
+    EXPECT_EQ(refusal(), "Please Enter the TTL.");
+  }
+  for (const char* ttl : {"0", "-0", "-2", "1.5", "x", "9223372036854775808"}) {
+    outlets().txtTTL.setStringValue(ttl);
+    EXPECT_EQ(refusal(), "TTL must be -1 or >0. -1 is eternal, >0 is the specified expire time in seconds.") << ttl;
+  }
+  outlets().txtTTL.setStringValue("9223372036854775807");
+  for (const std::string type : {"List", "Set", "Hash", "SortedSet"}) {
+    tab->newKeyTypeChosen(type);
+    outlets().txtKey.setStringValue("k");
+    EXPECT_TRUE(refusal().starts_with(type + " Can Not be Empty."));
   }
   click(*outlets().btnAddRow.widget());
   type("m");
   EXPECT_EQ(refusal(), "All 'SortedSet Value Score' must be set.");
   outlets().sortedSetScoreTextField.becomeFirstResponder();
   type("17");
-  EXPECT_EQ(save().front(), "del k");
+  outlets().txtTTL.setStringValue("9223372036854775807");
+  EXPECT_EQ(save(), (Texts{"del k", "zadd k 17 m", "expire k 9223372036854775807"}));
   EXPECT_EQ(alerts.messages(), Texts{"Saved."});
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "platform/appkit/table/TableViewWidget.h"
 #include "tests/support/AlertRecorder.h"
 #include "tests/support/widgets/Hand.h"
+#include "tests/workbench/RecordingServer.h"
 #include "wire/ServerItem.h"
 #include "workbench/OperationTabViewController.h"
 
@@ -15,6 +17,40 @@
 namespace tarn::test {
 
 using Texts = std::vector<std::string>;
+
+// What the user does in the cells of a table.
+
+inline TableViewWidget& widgetOf(const NSTableView& table) {
+  return dynamic_cast<TableViewWidget&>(*table.widget());
+}
+
+inline void clickCell(const NSTableView& table, int row, int column, Qt::MouseButton button = Qt::LeftButton) {
+  click(*widgetOf(table).viewport(), widgetOf(table).cellRect(row, column).center(), button);
+}
+
+inline void openCell(const NSTableView& table, int row, int column) {
+  doubleClick(*widgetOf(table).viewport(), widgetOf(table).cellRect(row, column).center());
+}
+
+// The text field of the open cell, or nothing.
+inline TextFieldWidget* editorOf(const NSTableView& table) {
+  auto* editor = widgetOf(table).viewport()->findChild<TextFieldWidget*>();
+  return editor && editor->isVisible() ? editor : nullptr;
+}
+
+// In whatever has the keyboard.
+inline void replaceText(std::string_view text) {
+  press(Qt::Key_A, Qt::ControlModifier);
+  press(Qt::Key_Delete);
+  type(text);
+}
+
+inline Texts texts(NSTableView& table, int column) {
+  Texts result;
+  for (int row = 0; row < table.numberOfRows(); ++row)
+    result.push_back(table.viewAtColumn(column, row, true)->stringValue());
+  return result;
+}
 
 // A tab on the screen, bound to a connection on a loopback port.
 class TabFixture : public ::testing::Test {
@@ -64,7 +100,7 @@ protected:
     waitUntilIdle();
   }
 
-  // By a hand, in the pop-up's list.
+  // As the user does, in the pop-up's list.
   static void chooseTitle(NSPopUpButton& popUp, const std::string& title) {
     const int before = popUp.indexOfSelectedItem();
     popUp.selectItemWithTitle(title);
@@ -74,17 +110,35 @@ protected:
     choose(*popUp.widget(), index);
   }
 
-  static Texts texts(NSTableView& table, int column) {
-    Texts result;
-    for (int row = 0; row < table.numberOfRows(); ++row) {
-      result.push_back(table.viewAtColumn(column, row, true)->stringValue());
-    }
-    return result;
-  }
-
   AlertRecorder alerts;
   std::shared_ptr<ServerItem> server;
   std::shared_ptr<OperationTabViewController> tab;
+};
+
+// A tab of a server that remembers what the tab sends, and says what a real one wouldn't.
+class RecordedTab : public TabFixture {
+protected:
+  ~RecordedTab() override {
+    server->closeConnection();
+    tab.reset();
+    settle();
+  }
+
+  // The keys are listed.
+  void openKeys() {
+    openTab(peer.port());
+    search("");
+    peer.sent();
+  }
+  // And "b", which is of this type, is on show.
+  void open(const std::string& type, const std::string& value) {
+    peer.hold(type, value);
+    openKeys();
+    selectKey("b");
+    peer.sent();
+  }
+
+  RecordingServer peer;
 };
 
 }  // namespace tarn::test

@@ -1,6 +1,7 @@
 #include "platform/appkit/table/TableCellEditor.h"
 
 #include "platform/appkit/FocusChange.h"
+#include "platform/appkit/Utf8.h"
 
 #include <QApplication>
 #include <QFocusEvent>
@@ -14,9 +15,9 @@ TableCellEditor::TableCellEditor(QWidget& table, QWidget& viewport, TableCells& 
     : table_(table), cells_(cells), client_(client), widget_(new TextFieldWidget(&viewport)) {
   widget_->hide();
   widget_->setCellEditor(true);
-  widget_->setFormatter([this] {
+  widget_->setAccepts([this](const QString& wouldBe) {
     const TableCell* open = cell();
-    return open ? open->formatter() : nullptr;
+    return !open || !open->formatter() || open->formatter()->isPartialStringValid(toUtf8(wouldBe));
   });
   connect(widget_, &TextFieldWidget::editingBegan, this, [this] {
     const TableCell* open = cell();
@@ -29,7 +30,7 @@ TableCellEditor::TableCellEditor(QWidget& table, QWidget& viewport, TableCells& 
     client_.editDidEnd(*open);
   });
   connect(widget_, &TextFieldWidget::finished, this, [this](TextFieldWidget::End how) { finished(how); });
-  // In a window without the keyboard no event reaches the old control.
+  // A window without the keyboard tells its old control nothing of a new one.
   connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
     if (isOpen() && now && now != widget_ && now->window() == table_.window()) commit();
   });
@@ -42,7 +43,7 @@ void TableCellEditor::open(TableCell& cell, const QFont& font) {
   const int row = cell.row();
   const int column = cell.column();
   commit();
-  // The control that has the focus ends its edit now, and this cell may be filled anew.
+  // Whoever has the focus ends its edit now, and may have this cell filled anew.
   table_.setFocus(Qt::OtherFocusReason);
   TableCell* wanted = cells_.at(row, column);
   if (!wanted || !wanted->isEditable()) return;
@@ -94,7 +95,7 @@ bool TableCellEditor::eventFilter(QObject* watched, QEvent* event) {
     client_.editorWillLoseFocus();
   }
   if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent&>(*event).key() == Qt::Key_Escape) {
-    // What the model says, as if the cell came into sight: an edit that changed nothing sends no message.
+    // What the model says, as if the cell came into sight: an edit that changed nothing tells nobody.
     if (TableCell* open = cell()) open->setStringValue(client_.modelText(row_, column_));
   }
   return false;

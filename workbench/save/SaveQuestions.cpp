@@ -1,0 +1,93 @@
+#include "workbench/save/SaveQuestions.h"
+
+#include "platform/foundation/NSAlert.h"
+#include "platform/foundation/NSLocalizedString.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tarn {
+
+namespace {
+
+int answerOf(std::string message, std::string informative, std::vector<std::string> buttons) {
+  NSAlert alert;
+  alert.setMessageText(std::move(message));
+  alert.setInformativeText(std::move(informative));
+  for (std::string& button : buttons)
+    alert.addButtonWithTitle(std::move(button));
+  return alert.runModal();
+}
+
+BytesAnswer askAboutBytes(std::string message, std::string reasons) {
+  reasons +=
+      localizedString("\"Keep Them\" writes the bytes as they are. \"Convert Them\" writes what the text stands for.");
+  const int answer =
+      answerOf(std::move(message), std::move(reasons),
+               {localizedString("Keep Them"), localizedString("Convert Them"), localizedString("Cancel")});
+  if (answer == NSAlert::firstButtonReturn) return BytesAnswer::keep;
+  return answer == NSAlert::secondButtonReturn ? BytesAnswer::convert : BytesAnswer::cancel;
+}
+
+// Those for one reason, or for any.
+std::size_t rowCount(const std::vector<ConvertedRow>& changes, std::optional<ConversionReason> reason = {}) {
+  std::vector<std::size_t> rows;
+  for (const ConvertedRow& change : changes) {
+    if (!reason || change.reason == *reason) rows.push_back(change.row);
+  }
+  std::ranges::sort(rows);
+  return static_cast<std::size_t>(std::ranges::unique(rows).begin() - rows.begin());
+}
+
+// One line, where there is such a row.
+std::string reasonLine(const char* text, std::size_t rows) {
+  if (rows == 0) return {};
+  return replacingPlaceholder(localizedString(text), "{0}", std::to_string(rows)) + "\n";
+}
+
+}  // namespace
+
+BytesAnswer askAboutChangedRows(const std::vector<ConvertedRow>& changes, TextForm form) {
+  const std::string message = localizedString("The text of {0} row(s) stands for other bytes than the value holds.");
+  std::string reasons =
+      reasonLine("{0} row(s) hold backslash sequences, which \"Translate escapes\" reads as control characters.",
+                 rowCount(changes, ConversionReason::escapes)) +
+      reasonLine("{0} row(s) begin with the characters \\B, which are read as the mark of Base64.",
+                 rowCount(changes, ConversionReason::marker)) +
+      reasonLine("{0} row(s) are not in the usual form of {1}.", rowCount(changes, ConversionReason::unusualForm));
+  return askAboutBytes(replacingPlaceholder(message, "{0}", std::to_string(rowCount(changes))),
+                       replacingPlaceholder(std::move(reasons), "{1}", form.name()));
+}
+
+BytesAnswer askAboutChangedString(TextForm form) {
+  const std::string reason = localizedString("It is not in the usual form of {0}.") + "\n";
+  return askAboutBytes(localizedString("The text shown stands for other bytes than the value holds."),
+                       replacingPlaceholder(reason, "{0}", form.name()));
+}
+
+bool askToReplaceHiddenString(std::optional<std::size_t> bytes) {
+  const std::string message =
+      bytes ? replacingPlaceholder(
+                  localizedString("The value isn't on show. Saving replaces its {0} byte(s) with the text shown."),
+                  "{0}", std::to_string(*bytes))
+            : localizedString("The value isn't on show. Saving replaces it with the text shown.");
+  return answerOf(message, {}, {localizedString("Cancel"), localizedString("Replace")}) == NSAlert::secondButtonReturn;
+}
+
+MoveAnswer askAboutMove(std::string_view oldKey, std::string_view newKey) {
+  std::string message =
+      replacingPlaceholders(localizedString("Are you sure to Move old key '{0}' to key '{1}'?"), oldKey, newKey);
+  const int answer =
+      answerOf(std::move(message), {},
+               {localizedString("Sure To Move"), localizedString("Not Move But New"), localizedString("Cancel")});
+  if (answer == NSAlert::firstButtonReturn) return MoveAnswer::move;
+  return answer == NSAlert::secondButtonReturn ? MoveAnswer::keepOld : MoveAnswer::cancel;
+}
+
+bool askToDelete(std::string_view key) {
+  const std::string message = localizedString("Are you sure to Delete the kev-value with key:'{0}'?");
+  return answerOf(replacingPlaceholder(message, "{0}", key), {},
+                  {localizedString("Confirm"), localizedString("Cancel")}) == NSAlert::firstButtonReturn;
+}
+
+}  // namespace tarn

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "workbench/save/RowsToSave.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tarn {
+
+// What a save asks before it sends anything. Main queue; each shows one alert and waits for its answer, behind which
+// the form may change.
+
+// Whether rows, or a String, whose text stands for other bytes than they hold are written as they are or as their text
+// says. A row counts once, whatever its columns, and once for each reason.
+enum class BytesAnswer { keep, convert, cancel };
+BytesAnswer askAboutChangedRows(const std::vector<ConvertedRow>& changes, TextForm form);
+BytesAnswer askAboutChangedString(TextForm form);
+
+// Whether a String that isn't on show may be replaced; its number of bytes, if that is known.
+bool askToReplaceHiddenString(std::optional<std::size_t> bytes);
+
+enum class MoveAnswer { move, keepOld, cancel };
+MoveAnswer askAboutMove(std::string_view oldKey, std::string_view newKey);
+
+// The last question before a delete.
+bool askToDelete(std::string_view key);
+
+}  // namespace tarn
