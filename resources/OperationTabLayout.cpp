@@ -10,15 +10,13 @@ namespace tarn {
 
 namespace {
 
-constexpr int rowHeight = 18;  // points: a row of a table
-
-// Keys, values and the console, whose characters must be told apart.
+// Keys, values and the console, whose characters must not be mistaken for one another. Tables have such a face by
+// themselves.
 void useMonospacedFace(const Ui::OperationTab& ui) {
-  const QFont face = monospacedFont(rowHeight);
+  const QFont face = monospacedFont(NSTableView::rowHeight);
   for (QWidget* widget : std::initializer_list<QWidget*>{
-           ui.txtSearchKey, ui.tableKeys, ui.txtKey, ui.txtTTL, ui.valueDataStringTxtView, ui.valueDataSetTable,
-           ui.setValueTextView, ui.valueDataHashTable, ui.hashKeyTextView, ui.hashValueTextView,
-           ui.valueDataSortedSetTable, ui.sortedSetValueTextView, ui.sortedSetScoreTextField, ui.txtViewCli}) {
+           ui.txtSearchKey, ui.txtKey, ui.txtTTL, ui.valueDataStringTxtView, ui.setValueTextView, ui.hashKeyTextView,
+           ui.hashValueTextView, ui.sortedSetValueTextView, ui.sortedSetScoreTextField, ui.txtViewCli}) {
     widget->setFont(face);
   }
 }

@@ -137,7 +137,7 @@ private:
     row->addStretch();
     int number = NSAlert::firstButtonReturn;
     for (const std::string& title : titles) {
-      auto* button = new QPushButton(toQString(title).replace(QLatin1Char('&'), QLatin1String("&&")), this);
+      auto* button = new QPushButton(literalTitle(title), this);
       button->setAutoDefault(true);
       button->setMinimumWidth(80);
       connect(button, &QPushButton::clicked, this, [this, number] {

@@ -45,7 +45,7 @@ bool isInput(QEvent::Type type) {
   }
 }
 
-bool tellsFocus(QEvent::Type type) {
+bool isFocusMove(QEvent::Type type) {
   return type == QEvent::FocusAboutToChange || type == QEvent::FocusOut || type == QEvent::FocusIn;
 }
 
@@ -68,7 +68,7 @@ ApplicationHost::~ApplicationHost() {
 bool ApplicationHost::notify(QObject* receiver, QEvent* event) {
   const QEvent::Type type = event->type();
   if (type == QEvent::Show || type == QEvent::Hide) popUpShownOrHidden(receiver, type);
-  if (tellsFocus(type)) {
+  if (isFocusMove(type)) {
     ++focusEvents_;
     const bool result = QApplication::notify(receiver, event);
     --focusEvents_;
@@ -88,7 +88,7 @@ bool ApplicationHost::notify(QObject* receiver, QEvent* event) {
 
 void ApplicationHost::afterFocusChange(std::function<void()> action) {
   afterFocusChange_.push_back(std::move(action));
-  // A change that the toolkit tells without its own signal has an end too.
+  // A change without the toolkit's own signal has an end too.
   postEvent(this, new QEvent(focusEndEvent), Qt::HighEventPriority);
 }
 

@@ -24,7 +24,7 @@ public:
   // since posting never runs a block in place.
   bool notify(QObject* receiver, QEvent* event) override;
 
-  // True while the toolkit tells widgets that the focus moves.
+  // True while widgets hear from the toolkit that the focus moves.
   bool isMovingFocus() const { return focusEvents_ > 0; }
 
   // Runs when the change of focus under way has ended, before the code that moved the focus goes on.

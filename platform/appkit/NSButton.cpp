@@ -29,7 +29,7 @@ std::string NSButton::stringValue() const {
 }
 
 void NSButton::setStringValue(std::string_view title) {
-  d_->button->setText(toQString(title).replace(QLatin1Char('&'), QLatin1String("&&")));
+  d_->button->setText(literalTitle(title));
 }
 
 void NSButton::setKeyEquivalent(std::string_view chord) {

@@ -17,7 +17,7 @@ public:
   virtual std::string stringValue() const = 0;
   virtual void setStringValue(std::string_view text) = 0;
 
-  // Sent for what a hand does; never for a change by code.
+  // Sent for what the user does; never for a change by code.
   void setAction(Action action) { action_ = std::move(action); }
 
   int tag() const { return tag_; }

@@ -8,15 +8,6 @@
 
 namespace tarn {
 
-namespace {
-
-// The toolkit reads an ampersand in a title as a mark for the keyboard.
-QString literalTitle(const std::string& title) {
-  return toQString(title).replace(QLatin1Char('&'), QLatin1String("&&"));
-}
-
-}  // namespace
-
 void NSMenu::addItem(std::string title, std::function<void()> action, std::string keyEquivalent) {
   items_.push_back({std::move(title), std::move(action), std::move(keyEquivalent), nullptr, false});
 }

@@ -1,7 +1,5 @@
 #include "platform/appkit/NSOutlineView.h"
 
-#include "platform/appkit/MenuBuilding.h"
-#include "platform/appkit/NSMenu.h"
 #include "platform/appkit/Utf8.h"
 #include "platform/appkit/outline/OutlineViewWidget.h"
 
@@ -21,13 +19,9 @@ struct NSOutlineView::Private final : OutlineViewClient {
 
   bool shouldExpand(const NSItem& item) override { return !delegate || delegate->shouldExpandItem(item); }
   bool shouldSelect(const NSItem& item) override { return !delegate || delegate->shouldSelectItem(item); }
-  void menuRequested(const QPoint& globalPosition) override {
-    if (menu) popUpMenu(*menu, *widget, globalPosition);
-  }
 
   QPointer<OutlineViewWidget> widget;
   NSOutlineViewDelegate* delegate = nullptr;
-  std::shared_ptr<NSMenu> menu;
 };
 
 NSOutlineView::NSOutlineView(QWidget* widget) : NSView(widget), d_(std::make_unique<Private>(widget)) {}
@@ -44,7 +38,7 @@ void NSOutlineView::setDelegate(NSOutlineViewDelegate* delegate) {
 }
 
 void NSOutlineView::setMenu(std::shared_ptr<NSMenu> menu) {
-  d_->menu = std::move(menu);
+  d_->widget->setMenu(std::move(menu));
 }
 
 void NSOutlineView::setPlaceholderString(std::string_view text) {

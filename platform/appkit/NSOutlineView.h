@@ -40,14 +40,14 @@ public:
   // Asked for the user's triangle or arrow key only.
   virtual bool shouldExpandItem(const NSItem& item) = 0;
   // Asked at each click, also on a selected row, and at keyboard moves; not at the second press of a double click, not
-  // when Ctrl deselects, never by code. With Shift the row under the hand is asked about, not those between.
+  // when Ctrl deselects, never by code. With Shift the row under the pointer is asked about, not those between.
   virtual bool shouldSelectItem(const NSItem& item) = 0;
 };
 
 // A tree of items, which it holds strongly. Its root row stands 16 points further left. Several rows may be selected;
-// the selection is kept by item when row numbers shift. Expanding and collapsing by code ask nobody. Collapsing drops
-// the selected children and does not select the parent. An item without children stays expanded. A double click doesn't
-// expand; a right click changes nothing but opens the menu.
+// the selection is kept by item when row numbers shift. Expanding and collapsing by code don't ask the delegate.
+// Collapsing drops the selected children and does not select the parent. An item without children stays expanded. A
+// double click doesn't expand; a right click changes nothing but opens the menu.
 class NSOutlineView final : public NSView {
 public:
   // In points.

@@ -9,9 +9,9 @@
 
 namespace tarn {
 
-// One choice out of a list of titles. A click takes no focus. The action is sent when a hand chose an item, also the
-// one that was chosen already; changes by code send none. The first item added to an empty list is selected; an index
-// out of range or an unknown title selects none, and the title is then empty.
+// One choice out of a list of titles. A click takes no focus. The action is sent when the user chose an item, also
+// the one that was chosen already; changes by code send none. The first item added to an empty list is selected; an
+// index out of range or an unknown title selects none, and the title is then empty.
 class NSPopUpButton final : public NSControl {
 public:
   explicit NSPopUpButton(QWidget* widget);

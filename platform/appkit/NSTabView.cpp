@@ -12,15 +12,6 @@
 
 namespace tarn {
 
-namespace {
-
-// The toolkit reads an ampersand as a mark for the keyboard.
-QString literalLabel(const std::string& label) {
-  return toQString(label).replace(QLatin1Char('&'), QLatin1String("&&"));
-}
-
-}  // namespace
-
 struct NSTabView::Private {
   TabViewWidget* widget;
   std::vector<std::shared_ptr<NSTabViewItem>> items;
@@ -61,8 +52,8 @@ void NSTabView::addTabViewItem(std::shared_ptr<NSTabViewItem> item) {
   item->tabView_ = this;
   d_->items.push_back(item);
   d_->changing = true;
-  // The bar tells nobody of its new size while it isn't on screen.
-  const int index = d_->bar().addTab(literalLabel(item->label()));
+  // While it isn't on screen the bar doesn't announce its new size.
+  const int index = d_->bar().addTab(literalTitle(item->label()));
   d_->changing = false;
   d_->bar().updateGeometry();
   d_->bar().setTabToolTip(index, toQString(item->toolTip()));
@@ -112,7 +103,7 @@ const std::vector<std::shared_ptr<NSTabViewItem>>& NSTabView::tabViewItems() con
 void NSTabView::itemChanged(const NSTabViewItem& item) {
   for (std::size_t index = 0; index < d_->items.size(); ++index) {
     if (d_->items[index].get() != &item) continue;
-    d_->bar().setTabText(static_cast<int>(index), literalLabel(item.label()));
+    d_->bar().setTabText(static_cast<int>(index), literalTitle(item.label()));
     d_->bar().setTabToolTip(static_cast<int>(index), toQString(item.toolTip()));
   }
 }

@@ -1,7 +1,5 @@
 #include "platform/appkit/NSTableView.h"
 
-#include "platform/appkit/MenuBuilding.h"
-#include "platform/appkit/NSMenu.h"
 #include "platform/appkit/Utf8.h"
 #include "platform/appkit/table/TableHeader.h"
 #include "platform/appkit/table/TableViewWidget.h"
@@ -25,9 +23,9 @@ struct NSTableView::Private final : TableViewClient {
     if (delegate) delegate->viewForTableColumn(table, cell.column(), cell.row(), cell);
   }
 
-  void selectionChanged(bool byHand) override {
+  void selectionChanged(bool byUser) override {
     if (!delegate) return;
-    if (byHand) delegate->tableViewSelectionIsChanging(table);
+    if (byUser) delegate->tableViewSelectionIsChanging(table);
     if (delegate) delegate->tableViewSelectionDidChange(table);
   }
 
@@ -51,10 +49,6 @@ struct NSTableView::Private final : TableViewClient {
     return true;
   }
 
-  void menuRequested(const QPoint& globalPosition) override {
-    if (menu) popUpMenu(*menu, *widget, globalPosition);
-  }
-
   bool hasRow(int row) const { return row >= 0 && row < widget->rowCount(); }
 
   NSTableView& table;
@@ -63,7 +57,6 @@ struct NSTableView::Private final : TableViewClient {
   NSTableViewDataSource* source = nullptr;
   NSTableViewDelegate* delegate = nullptr;
   NSTableViewResponder* responder = nullptr;
-  std::shared_ptr<NSMenu> menu;
   std::function<void(int row, int column)> opens;
 };
 
@@ -92,7 +85,7 @@ void NSTableView::setResponder(NSTableViewResponder* responder) {
 }
 
 void NSTableView::setMenu(std::shared_ptr<NSMenu> menu) {
-  d_->menu = std::move(menu);
+  d_->widget->setMenu(std::move(menu));
 }
 
 void NSTableView::setPlaceholderString(std::string_view text) {

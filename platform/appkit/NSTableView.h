@@ -68,7 +68,7 @@ public:
 
   // Opens the cell for editing with all its text selected, if it is editable. Nothing happens to one that is open.
   virtual void becomeFirstResponder() = 0;
-  // True while the cell is open and a hand has changed its text since it was last set by code.
+  // True while the cell is open and the user has changed its text since it was last set by code.
   virtual bool isEdited() const = 0;
 };
 
@@ -84,12 +84,15 @@ public:
   virtual void setHeaderToolTip(std::string_view text) = 0;
 };
 
-// Rows of cells, each row 18 points high, made for the rows in sight only: a table of millions of rows costs what its
+// Rows of cells of one height, made for the rows in sight only: a table of millions of rows costs what its
 // visible part costs. One row or none is selected; a click with Ctrl on the selected row deselects it, one below the
 // rows changes nothing. Enter or F2 on a selected row opens its first cell, as a double click does. Escape ends an edit
 // and puts the model's text back; Tab commits and opens the next cell.
 class NSTableView final : public NSView {
 public:
+  // In points.
+  static constexpr int rowHeight = 18;
+
   explicit NSTableView(QWidget* widget);
   ~NSTableView() override;
 
@@ -108,8 +111,8 @@ public:
   int numberOfColumns() const;
   NSTableColumn& tableColumn(int index);
 
-  // Both take effect on the cells in sight before they return, and drop an open edit in them untold. The selected row
-  // numbers that are still valid stay selected; the others leave the selection; nobody is told.
+  // Both take effect on the cells in sight before they return, drop an open edit in them, and send no message. The
+  // selected row number stays selected if it is still valid.
   void reloadData();
   void reloadDataForRowIndexes(const std::vector<int>& rows, const std::vector<int>& columns);
 
@@ -129,7 +132,7 @@ public:
   // Each row that has a view, in ascending order.
   std::vector<int> rowsWithViews() const;
 
-  // Opens the cell for a hand at the keyboard: asked for by Enter, F2 and Tab. The default makes nothing editable.
+  // Opens the cell for the user at the keyboard: asked for by Enter, F2 and Tab. Without it no key opens one.
   void setOpensCell(std::function<void(int row, int column)> opens);
 
 private:

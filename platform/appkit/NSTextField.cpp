@@ -1,6 +1,5 @@
 #include "platform/appkit/NSTextField.h"
 
-#include "platform/appkit/KeyEquivalents.h"
 #include "platform/appkit/Utf8.h"
 #include "platform/appkit/text/LabelWidget.h"
 #include "platform/appkit/text/TextFieldWidget.h"
@@ -23,6 +22,7 @@ NSTextField::NSTextField(QWidget* widget) : NSControl(widget), d_(std::make_uniq
   d_->field = qobject_cast<TextFieldWidget*>(widget);
   d_->label = qobject_cast<LabelWidget*>(widget);
   if (!d_->field) return;
+  d_->field->setFormatter([this] { return d_->formatter.get(); });
   QObject::connect(d_->field, &TextInputWidget::editingBegan, &d_->receiver, [this] {
     if (d_->delegate) d_->delegate->controlTextDidBeginEditing(tag());
   });
@@ -33,7 +33,7 @@ NSTextField::NSTextField(QWidget* widget) : NSControl(widget), d_(std::make_uniq
 }
 
 NSTextField::~NSTextField() {
-  if (d_->field) d_->field->setAccepts({});
+  if (d_->field) d_->field->setFormatter({});
 }
 
 std::string NSTextField::stringValue() const {
@@ -52,18 +52,10 @@ void NSTextField::setDelegate(NSTextFieldDelegate* delegate) {
 
 void NSTextField::setFormatter(std::unique_ptr<NSFormatter> formatter) {
   d_->formatter = std::move(formatter);
-  if (!d_->field) return;
-  if (!d_->formatter) return d_->field->setAccepts({});
-  d_->field->setAccepts(
-      [this](const QString& wouldBe) { return d_->formatter->isPartialStringValid(toUtf8(wouldBe)); });
 }
 
 void NSTextField::setPlaceholderString(std::string_view text) {
   if (d_->field) d_->field->setPlaceholderText(toQString(text));
-}
-
-bool NSTextField::performKeyEquivalent(char charactersIgnoringModifiers) {
-  return performTextKeyEquivalent(*widget(), charactersIgnoringModifiers);
 }
 
 NSSecureTextField::NSSecureTextField(QWidget* widget) : NSTextField(widget) {

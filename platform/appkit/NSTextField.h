@@ -26,7 +26,7 @@ class NSTextFieldDelegate {
 public:
   virtual ~NSTextFieldDelegate() = default;
 
-  // At the first change by a hand since the text was last set by code or an edit ended.
+  // At the first change by the user since the text was last set by code or an edit ended.
   virtual void controlTextDidBeginEditing(int tag) = 0;
 
   // Once, and only after a beginning: the focus went to another control, or Enter was pressed.
@@ -34,12 +34,12 @@ public:
 };
 
 // A label, or one line of text to edit. It gives back, code point for code point, the text that it was given, line ends
-// and control characters too; those that would be invisible show as a mark. Text set by code tells nobody, asks no
+// and control characters too; those that would be invisible show as a mark. Text set by code sends no message, asks no
 // formatter, clears undo and puts the caret at the end. The action is sent on Enter. Ctrl with A, C, V or X reaches the
 // text under edit.
 class NSTextField : public NSControl {
 public:
-  // The widget is one of ours: TextFieldWidget, or LabelWidget for a text that nobody edits.
+  // The widget is one of ours: TextFieldWidget, or LabelWidget for a text that isn't edited.
   explicit NSTextField(QWidget* widget);
   ~NSTextField() override;
 
@@ -49,10 +49,6 @@ public:
   void setDelegate(NSTextFieldDelegate* delegate);
   void setFormatter(std::unique_ptr<NSFormatter> formatter);
   void setPlaceholderString(std::string_view text);
-
-  // Select all, copy, paste or cut, by the letter "a", "c", "v" or "x", in the text under edit in the field's window.
-  // False: there is none, or the letter is another one.
-  bool performKeyEquivalent(char charactersIgnoringModifiers);
 
 private:
   struct Private;

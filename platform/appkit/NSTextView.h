@@ -22,19 +22,19 @@ class NSTextViewDelegate {
 public:
   virtual ~NSTextViewDelegate() = default;
 
-  // The focus went to another control after a hand had changed the text.
+  // The focus went to another control after the user had changed the text.
   virtual void textDidEndEditing(NSTextView& view) = 0;
 
-  // Asked before every change by a hand: typing, paste, drop, input method, undo. False: the view leaves the text as it
-  // is; the delegate may have set it by itself.
+  // Asked before every change by the user: typing, paste, drop, input method, undo. False: the view leaves the text as
+  // it is; the delegate may have set it by itself.
   virtual bool shouldChangeTextInRanges(NSTextView& view, const std::vector<NSRange>& ranges,
                                         const std::vector<std::string>& replacementStrings) = 0;
 };
 
 // Many lines of text to edit. It gives back, code point for code point, the text that it was given, whatever its line
 // ends and control characters, and holds lines of any length: a long line lies in several blocks, and no operation
-// shows where one ends. Text set by code tells nobody and clears undo. Paste and drop insert plain text. Nothing but
-// the user's hand changes the text: there is no substitution of any kind.
+// shows where one ends. Text set by code sends no message and clears undo. Paste and drop insert plain text.
+// Nothing but the user changes the text: there is no substitution of any kind.
 class NSTextView final : public NSView {
 public:
   explicit NSTextView(QWidget* widget);
@@ -53,7 +53,7 @@ public:
   bool isEmpty() const { return length() == 0; }
   std::string substringFromIndex(std::size_t location) const;
 
-  // True if a hand changed the text since it was last set by code.
+  // True if the user changed the text since it was last set by code.
   bool isEdited() const;
 
   NSRange selectedRange() const;

@@ -24,7 +24,7 @@ QWidget* focusTarget(QWidget* widget) {
   return widget;
 }
 
-// A widget that hasn't been on screen yet keeps its resize for later; whoever asks for the layout now needs it now.
+// A widget that hasn't been on screen yet keeps its resize for later; it is needed now.
 void layoutTree(QWidget& widget) {
   if (widget.testAttribute(Qt::WA_PendingResizeEvent)) {
     widget.setAttribute(Qt::WA_PendingResizeEvent, false);

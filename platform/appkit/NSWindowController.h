@@ -8,7 +8,7 @@
 
 namespace tarn {
 
-// Shows one window beside the main one, whose content it owns, and lets it close by the user's hand. Main thread only.
+// Shows one window beside the main one, whose content it owns, and lets the user close it. Main thread only.
 class NSWindowController : public NSWindowDelegate {
 public:
   // `window` belongs to `content`. `willClose` is called when the user closes the window, by its button or Escape; it

@@ -20,4 +20,8 @@ std::string toUtf8(QStringView text) {
   return utf8;
 }
 
+QString literalTitle(std::string_view utf8) {
+  return toQString(utf8).replace(QLatin1Char('&'), QLatin1String("&&"));
+}
+
 }  // namespace tarn

@@ -12,4 +12,7 @@ namespace tarn {
 QString toQString(std::string_view utf8);
 std::string toUtf8(QStringView text);
 
+// The title of a button, a menu item or a tab: the toolkit reads a single ampersand in it as the mark of a shortcut.
+QString literalTitle(std::string_view utf8);
+
 }  // namespace tarn

@@ -1,4 +1,5 @@
 #include "platform/appkit/table/CellText.h"
+#include "platform/foundation/Utf8.h"
 #include "tests/appkit/TableFixture.h"
 
 #include <QAccessible>

@@ -152,22 +152,6 @@ TEST_F(TextField, AsksTheFormatterBeforeEachChangeByAHandOnly) {
   EXPECT_EQ(field.stringValue(), "12a");
 }
 
-TEST_F(TextField, SendsKeyEquivalentsToTheTextUnderEdit) {
-  field.setStringValue("text");
-  EXPECT_TRUE(field.performKeyEquivalent('a'));
-  EXPECT_TRUE(widget->hasSelection());
-  // Whichever field is asked: the one under edit in the window does it.
-  EXPECT_TRUE(second.performKeyEquivalent('x'));
-  EXPECT_EQ(field.stringValue(), "");
-  viewWidget->setFocus();
-  EXPECT_TRUE(field.performKeyEquivalent('v'));
-  EXPECT_EQ(viewWidget->text(), QStringLiteral("text"));
-  for (const char other : {'z', 'A'})
-    EXPECT_FALSE(field.performKeyEquivalent(other));
-  viewWidget->clearFocus();
-  EXPECT_FALSE(field.performKeyEquivalent('a'));
-}
-
 TEST_F(TextField, ShowsDotsAndGivesNoCopyOfASecret) {
   auto* secret = new SecureTextFieldWidget(&window);
   NSSecureTextField password(secret);
@@ -230,10 +214,15 @@ TEST_F(TextField, SurvivesBeingTakenAwayByWhomItTells) {
   typeInto(goesWhen(&TextInputWidget::editingBegan));
   typeInto(goesWhen(&TextInputWidget::editingEnded));
   typeInto([](TextFieldWidget* gone) {
-    gone->setAccepts([gone](const QString&) {
-      delete gone;
-      return true;
-    });
+    struct Deleting final : NSFormatter {
+      explicit Deleting(TextFieldWidget* field) : gone(field) {}
+      bool isPartialStringValid(std::string_view) const override {
+        delete gone;
+        return true;
+      }
+      TextFieldWidget* gone;
+    };
+    gone->setFormatter([deleting = std::make_shared<Deleting>(gone)] { return deleting.get(); });
   });
   EXPECT_TRUE(told.empty());
 }

@@ -20,7 +20,7 @@ void expectSound(const TextStore& store, const QString& text, bool manyLines) {
   ASSERT_EQ(store.text(0, store.length()), text);
   std::size_t start = 0;
   std::size_t rows = 0;
-  TextStore::Block block = store.firstBlock();
+  TextStore::Block block = store.blockAt(0);
   for (;; block = store.next(block)) {
     ASSERT_EQ(block.start, start);
     ASSERT_LE(block.length, TextStore::longestBlock);

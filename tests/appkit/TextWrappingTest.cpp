@@ -85,7 +85,7 @@ TEST_F(TextWrapping, BreaksRowsAsIfTheLineWereLaidOutWhole) {
   for (int step = 0; step < 12; ++step) {
     const std::size_t at = random() % view.textLength();
     const std::size_t length = random() % 3 == 0 ? random() % 1500 : 0;
-    view.replaceByHand(at, std::min(length, view.textLength() - at), words(random() % 1500));
+    view.replaceByUser(at, std::min(length, view.textLength() - at), words(random() % 1500));
     ASSERT_EQ(rowStarts(), plainRowStarts()) << step;
   }
   view.resize(300, 280);

@@ -253,15 +253,15 @@ void OutlineModel::insertAndMove(Node& node, const std::vector<NSItem>& items) {
     here.insert(child->item.get());
 
   for (std::size_t at = 0; at < items.size();) {
-    const auto place = node.children.begin() + static_cast<std::ptrdiff_t>(at);
-    if (at < node.children.size() && (*place)->item == items[at]) {
+    const auto position = node.children.begin() + static_cast<std::ptrdiff_t>(at);
+    if (at < node.children.size() && (*position)->item == items[at]) {
       ++at;
     } else if (here.contains(items[at].get())) {
       const auto from =
-          std::find_if(place, node.children.end(), [&](const auto& child) { return child->item == items[at]; });
+          std::find_if(position, node.children.end(), [&](const auto& child) { return child->item == items[at]; });
       const int source = (*from)->row;
       beginMoveRows(indexOf(node), source, source, indexOf(node), static_cast<int>(at));
-      std::rotate(place, from, from + 1);
+      std::rotate(position, from, from + 1);
       renumber(node, at);
       endMoveRows();
       ++at;
@@ -271,7 +271,7 @@ void OutlineModel::insertAndMove(Node& node, const std::vector<NSItem>& items) {
       for (; end < items.size() && !here.contains(items[end].get()); ++end)
         added.push_back(makeNode(node, items[end]));
       beginInsertRows(indexOf(node), static_cast<int>(at), static_cast<int>(end) - 1);
-      node.children.insert(place, std::make_move_iterator(added.begin()), std::make_move_iterator(added.end()));
+      node.children.insert(position, std::make_move_iterator(added.begin()), std::make_move_iterator(added.end()));
       renumber(node, at);
       endInsertRows();
       at = end;

@@ -13,7 +13,7 @@ namespace tarn {
 
 // What the outline shows: a copy of the data source's tree as it was at the last expand or reload, holding each item
 // strongly, and which of its items are expanded. The children of a collapsed item are those of its last expansion, if
-// there was one, so that what was expanded below it is so again. An item stands in one place of the tree.
+// there was one, so that what was expanded below it is so again. An item is in the tree once.
 class OutlineModel final : public QAbstractItemModel {
 public:
   OutlineModel();

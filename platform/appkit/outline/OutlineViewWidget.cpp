@@ -1,18 +1,14 @@
 #include "platform/appkit/outline/OutlineViewWidget.h"
 
 #include "platform/appkit/ImageIcon.h"
-#include "platform/appkit/ToolTips.h"
 #include "platform/appkit/Utf8.h"
 #include "platform/appkit/table/CellText.h"
 
-#include <QContextMenuEvent>
 #include <QHeaderView>
-#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
-#include <QToolTip>
 
 #include <algorithm>
 
@@ -26,7 +22,8 @@ constexpr int imageGap = 6;
 
 }  // namespace
 
-OutlineViewWidget::OutlineViewWidget(QWidget* parent) : QTreeView(parent), items_(std::make_unique<OutlineModel>()) {
+OutlineViewWidget::OutlineViewWidget(QWidget* parent)
+    : RowView<QTreeView>(parent), items_(std::make_unique<OutlineModel>()) {
   setModel(items_.get());
   setHeaderHidden(true);
   header()->setStretchLastSection(true);
@@ -43,11 +40,6 @@ OutlineViewWidget::OutlineViewWidget(QWidget* parent) : QTreeView(parent), items
 
 OutlineViewWidget::~OutlineViewWidget() {
   setModel(nullptr);
-}
-
-void OutlineViewWidget::setPlaceholder(const QString& text) {
-  placeholder_ = text;
-  viewport()->update();
 }
 
 void OutlineViewWidget::expandItem(const NSItem& item) {
@@ -106,7 +98,7 @@ bool OutlineViewWidget::isSelected(const QModelIndex& index) const {
   return selectionModel()->isSelected(index);
 }
 
-// ---- by hand
+// ---- by the user
 
 void OutlineViewWidget::mousePressEvent(QMouseEvent* event) {
   const QPoint position = event->position().toPoint();
@@ -114,9 +106,9 @@ void OutlineViewWidget::mousePressEvent(QMouseEvent* event) {
   if (event->button() != Qt::LeftButton || !index.isValid()) return;
   const NSItem item = items_->itemAt(index);
   if (triangleRect(index).contains(position)) {
-    toggleByHand(item);
+    toggleByUser(item);
   } else {
-    selectByHand(item, event->modifiers());
+    selectByUser(item, event->modifiers());
   }
 }
 
@@ -125,7 +117,7 @@ void OutlineViewWidget::mouseDoubleClickEvent(QMouseEvent* event) {
   const QPoint position = event->position().toPoint();
   const QModelIndex index = indexAt(position);
   if (event->button() == Qt::LeftButton && index.isValid() && triangleRect(index).contains(position)) {
-    toggleByHand(items_->itemAt(index));
+    toggleByUser(items_->itemAt(index));
   }
 }
 
@@ -133,26 +125,26 @@ void OutlineViewWidget::mouseMoveEvent(QMouseEvent*) {}
 
 void OutlineViewWidget::mouseReleaseEvent(QMouseEvent*) {}
 
-void OutlineViewWidget::toggleByHand(const NSItem& item) {
+void OutlineViewWidget::toggleByUser(const NSItem& item) {
   if (items_->isExpanded(item)) {
     collapseItem(item);
   } else {
-    expandByHand(item);
+    expandByUser(item);
   }
 }
 
-void OutlineViewWidget::expandByHand(const NSItem& item) {
+void OutlineViewWidget::expandByUser(const NSItem& item) {
   if (client_ && client_->shouldExpand(item)) expandItem(item);
 }
 
-void OutlineViewWidget::selectByHand(const NSItem& item, Qt::KeyboardModifiers modifiers) {
+void OutlineViewWidget::selectByUser(const NSItem& item, Qt::KeyboardModifiers modifiers) {
   const bool toggles = modifiers.testFlag(Qt::ControlModifier);
   if (toggles && isSelected(items_->indexOf(item))) {
     selectionModel()->select(items_->indexOf(item), QItemSelectionModel::Deselect);
     return;
   }
   if (client_ && !client_->shouldSelect(item)) return;
-  // Whoever was asked may have changed the rows.
+  // The client may have changed the rows.
   const QModelIndex index = items_->indexOf(item);
   if (items_->rowForItem(item) < 0) return;
   selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
@@ -173,35 +165,21 @@ void OutlineViewWidget::selectRange(const NSItem& from, const NSItem& to) {
 }
 
 void OutlineViewWidget::keyPressEvent(QKeyEvent* event) {
-  const int last = items_->shownRowCount() - 1;
-  const int row = currentRow();
-  const int page = std::max(1, viewport()->height() / std::max(1, sizeHintForRow(0)) - 1);
-  switch (event->key()) {
-    case Qt::Key_Up:
-      return moveByHand(row < 0 ? last : std::max(0, row - 1), event->modifiers());
-    case Qt::Key_Down:
-      return moveByHand(std::min(last, row + 1), event->modifiers());
-    case Qt::Key_PageUp:
-      return moveByHand(std::max(0, row - page), event->modifiers());
-    case Qt::Key_PageDown:
-      return moveByHand(std::min(last, row + page), event->modifiers());
-    case Qt::Key_Home:
-      return moveByHand(0, event->modifiers());
-    case Qt::Key_End:
-      return moveByHand(last, event->modifiers());
-    case Qt::Key_Right:
-      return moveSideways(true, event->modifiers());
-    case Qt::Key_Left:
-      return moveSideways(false, event->modifiers());
-    default:
-      event->ignore();
+  const int inSight = viewport()->height() / NSOutlineView::rowHeight;
+  const int row = rowForKey(event->key(), currentRow(), items_->shownRowCount(), inSight);
+  if (row >= 0) {
+    moveByUser(row, event->modifiers());
+  } else if (event->key() == Qt::Key_Right || event->key() == Qt::Key_Left) {
+    moveSideways(event->key() == Qt::Key_Right, event->modifiers());
+  } else {
+    event->ignore();
   }
 }
 
-void OutlineViewWidget::moveByHand(int row, Qt::KeyboardModifiers modifiers) {
+void OutlineViewWidget::moveByUser(int row, Qt::KeyboardModifiers modifiers) {
   const NSItem item = items_->itemAtRow(row);
   if (!item || (row == currentRow() && isSelected(currentIndex()))) return;
-  selectByHand(item, modifiers & Qt::ShiftModifier);
+  selectByUser(item, modifiers & Qt::ShiftModifier);
   if (currentRow() >= 0) scrollTo(currentIndex());
 }
 
@@ -210,11 +188,11 @@ void OutlineViewWidget::moveSideways(bool forward, Qt::KeyboardModifiers modifie
   const NSItem item = items_->itemAt(current);
   if (!item) return;
   const bool expanded = items_->isExpanded(item);
-  if (forward && items_->isExpandable(current) && !expanded) return expandByHand(item);
+  if (forward && items_->isExpandable(current) && !expanded) return expandByUser(item);
   if (!forward && expanded && items_->hasTriangle(current)) return collapseItem(item);
-  if (forward && expanded && items_->rowCount(current) > 0) return moveByHand(currentRow() + 1, modifiers);
+  if (forward && expanded && items_->rowCount(current) > 0) return moveByUser(currentRow() + 1, modifiers);
   if (!forward && current.parent().isValid()) {
-    moveByHand(items_->rowForItem(items_->itemAt(current.parent())), modifiers);
+    moveByUser(items_->rowForItem(items_->itemAt(current.parent())), modifiers);
   }
 }
 
@@ -222,49 +200,19 @@ int OutlineViewWidget::currentRow() const {
   return items_->rowForItem(items_->itemAt(currentIndex()));
 }
 
-void OutlineViewWidget::contextMenuEvent(QContextMenuEvent* event) {
-  QPoint position = event->globalPos();
-  if (event->reason() == QContextMenuEvent::Keyboard) {
-    const QRect row = visualRect(currentIndex());
-    position = viewport()->mapToGlobal(viewport()->rect().intersects(row) ? row.bottomLeft() : QPoint());
-  }
-  if (client_) client_->menuRequested(position);
-}
-
-void OutlineViewWidget::focusInEvent(QFocusEvent* event) {
-  QTreeView::focusInEvent(event);
-  viewport()->update();
-}
-
-void OutlineViewWidget::focusOutEvent(QFocusEvent* event) {
-  QTreeView::focusOutEvent(event);
-  viewport()->update();
-}
-
 // ---- on the screen
 
-bool OutlineViewWidget::viewportEvent(QEvent* event) {
-  if (event->type() != QEvent::ToolTip) return QTreeView::viewportEvent(event);
-  const auto& help = static_cast<QHelpEvent&>(*event);
-  const QModelIndex index = indexAt(help.pos());
-  const std::string_view text = index.isValid() ? std::string_view(items_->cellAt(index).toolTip) : std::string_view();
-  if (text.empty()) {
-    QToolTip::hideText();
-  } else {
-    showPlainToolTip(help.globalPos(), toQString(text), viewport());
-  }
-  return true;
+std::string OutlineViewWidget::toolTipAt(const QPoint& position) const {
+  const QModelIndex index = indexAt(position);
+  return index.isValid() ? items_->cellAt(index).toolTip : std::string();
 }
 
 void OutlineViewWidget::paintEvent(QPaintEvent* event) {
   QTreeView::paintEvent(event);
-  if (placeholder_.isEmpty() || !items_->isRootEmpty()) return;
+  if (placeholder().isEmpty() || !items_->isRootEmpty()) return;
   const NSItem lastItem = items_->itemAtRow(items_->shownRowCount() - 1);
-  const int top = lastItem ? visualRect(items_->indexOf(lastItem)).bottom() : 0;
   QPainter painter(viewport());
-  painter.setPen(palette().color(QPalette::PlaceholderText));
-  painter.drawText(viewport()->rect().adjusted(16, top + 16, -16, -8),
-                   Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, placeholder_);
+  paintPlaceholder(painter, *viewport(), lastItem ? visualRect(items_->indexOf(lastItem)).bottom() : 0, placeholder());
 }
 
 void OutlineViewWidget::drawRow(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
@@ -283,16 +231,16 @@ void OutlineViewWidget::drawRow(QPainter* painter, const QStyleOptionViewItem& o
   }
 
   const NSOutlineCell& cell = items_->cellAt(index);
-  QRect place = visualRect(index).adjusted(padding, 0, -padding - 2, 0);
+  QRect area = visualRect(index).adjusted(padding, 0, -padding - 2, 0);
   if (!cell.image.isNone()) {
-    const QRect image(place.x(), place.y() + (place.height() - imageSize) / 2, imageSize, imageSize);
+    const QRect image(area.x(), area.y() + (area.height() - imageSize) / 2, imageSize, imageSize);
     imageIcon(cell.image).paint(painter, image, Qt::AlignCenter, selected ? QIcon::Selected : QIcon::Normal);
-    place.setLeft(image.right() + 1 + imageGap);
+    area.setLeft(image.right() + 1 + imageGap);
   }
   const QFont font = fontOf(index);
   painter->setFont(font);
-  painter->drawText(place, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
-                    elidedLine(cell.text, QFontMetrics(font), place.width()));
+  painter->drawText(area, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+                    elidedLine(cell.text, QFontMetrics(font), area.width()));
   painter->restore();
 }
 
@@ -318,8 +266,8 @@ void OutlineViewWidget::paintBackground(QPainter& painter, const QRect& row, con
   }
 }
 
-void OutlineViewWidget::paintTriangle(QPainter& painter, const QRect& place, bool expanded) const {
-  const QPointF centre = QRectF(place).center();
+void OutlineViewWidget::paintTriangle(QPainter& painter, const QRect& area, bool expanded) const {
+  const QPointF centre = QRectF(area).center();
   QPainterPath path;
   if (expanded) {
     path.moveTo(centre + QPointF(-4, -2));

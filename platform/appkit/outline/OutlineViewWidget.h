@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/appkit/RowView.h"
 #include "platform/appkit/outline/OutlineModel.h"
 
 #include <QTreeView>
@@ -13,23 +14,21 @@ public:
 
   virtual bool shouldExpand(const NSItem& item) = 0;
   virtual bool shouldSelect(const NSItem& item) = 0;
-  virtual void menuRequested(const QPoint& globalPosition) = 0;
 };
 
 // The widget behind NSOutlineView. A layout promotes a QTreeView to it; it needs no property. What a mouse and a
 // keyboard do is decided here, not by the toolkit: it would select and expand without asking.
-class OutlineViewWidget final : public QTreeView {
+class OutlineViewWidget final : public RowView<QTreeView> {
 public:
   explicit OutlineViewWidget(QWidget* parent = nullptr);
   ~OutlineViewWidget() override;
 
-  // Nobody, or one that is taken away before it dies.
+  // May be null.
   void setClient(OutlineViewClient* client) { client_ = client; }
-  void setPlaceholder(const QString& text);
   OutlineModel& items() { return *items_; }
   const OutlineModel& items() const { return *items_; }
 
-  // By code: nobody is asked.
+  // By code: the client isn't asked.
   void expandItem(const NSItem& item);
   void collapseItem(const NSItem& item);
 
@@ -42,7 +41,8 @@ public:
   QRect triangleRect(const QModelIndex& index) const;
 
 protected:
-  bool viewportEvent(QEvent* event) override;
+  std::string toolTipAt(const QPoint& position) const override;
+  QRect currentRowRect() const override { return visualRect(currentIndex()); }
   void paintEvent(QPaintEvent* event) override;
   void drawRow(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
   void mousePressEvent(QMouseEvent* event) override;
@@ -50,26 +50,22 @@ protected:
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
-  void contextMenuEvent(QContextMenuEvent* event) override;
-  void focusInEvent(QFocusEvent* event) override;
-  void focusOutEvent(QFocusEvent* event) override;
 
 private:
   bool isSelected(const QModelIndex& index) const;
-  void toggleByHand(const NSItem& item);
-  void expandByHand(const NSItem& item);
-  void selectByHand(const NSItem& item, Qt::KeyboardModifiers modifiers);
+  void toggleByUser(const NSItem& item);
+  void expandByUser(const NSItem& item);
+  void selectByUser(const NSItem& item, Qt::KeyboardModifiers modifiers);
   void selectRange(const NSItem& from, const NSItem& to);
-  void moveByHand(int row, Qt::KeyboardModifiers modifiers);
+  void moveByUser(int row, Qt::KeyboardModifiers modifiers);
   void moveSideways(bool forward, Qt::KeyboardModifiers modifiers);
   int currentRow() const;
   QFont fontOf(const QModelIndex& index) const;
   void paintBackground(QPainter& painter, const QRect& row, const QModelIndex& index, bool hovered) const;
-  void paintTriangle(QPainter& painter, const QRect& place, bool expanded) const;
+  void paintTriangle(QPainter& painter, const QRect& rect, bool expanded) const;
 
   std::unique_ptr<OutlineModel> items_;
   OutlineViewClient* client_ = nullptr;
-  QString placeholder_;
   // The fixed end of a selection that Shift extends.
   std::weak_ptr<NSObject> anchor_;
 };

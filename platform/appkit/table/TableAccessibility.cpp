@@ -42,8 +42,8 @@ public:
 
   QRect rect() const override {
     if (!isValid()) return {};
-    const QRect place = table_->cellRect(row_, column_);
-    return {table_->viewport()->mapToGlobal(place.topLeft()), place.size()};
+    const QRect area = table_->cellRect(row_, column_);
+    return {table_->viewport()->mapToGlobal(area.topLeft()), area.size()};
   }
 
   QAccessible::State state() const override {
@@ -78,7 +78,7 @@ private:
   int column_;
 };
 
-// Its children are the cells, row by row; those that somebody asked for live until the next reload.
+// Its children are the cells, row by row; those that were asked for live until the next reload.
 class AccessibleTable final : public QAccessibleWidget, public QAccessibleTableInterface {
 public:
   explicit AccessibleTable(TableViewWidget& table) : QAccessibleWidget(&table, QAccessible::Table) {}
@@ -104,8 +104,8 @@ public:
   }
 
   QAccessibleInterface* childAt(int x, int y) const override {
-    const QPoint place = view().viewport()->mapFromGlobal(QPoint(x, y));
-    return cellAt(view().rowAt(place.y()), view().columnAt(place.x()));
+    const QPoint position = view().viewport()->mapFromGlobal(QPoint(x, y));
+    return cellAt(view().rowAt(position.y()), view().columnAt(position.x()));
   }
 
   QAccessibleInterface* focusChild() const override { return cellAt(view().selectedRow(), 0); }
@@ -186,13 +186,13 @@ void installTableAccessibility() {
   static_cast<void>(installed);
 }
 
-void tellTableReloaded(TableViewWidget& table) {
+void announceReload(TableViewWidget& table) {
   if (!QAccessible::isActive()) return;
   QAccessibleTableModelChangeEvent event(&table, QAccessibleTableModelChangeEvent::ModelReset);
   QAccessible::updateAccessibility(&event);
 }
 
-void tellTableSelectionChanged(TableViewWidget& table) {
+void announceSelection(TableViewWidget& table) {
   if (!QAccessible::isActive()) return;
   QAccessibleEvent selection(&table, QAccessible::Selection);
   QAccessible::updateAccessibility(&selection);

@@ -7,8 +7,8 @@ class TableViewWidget;
 // From now on screen readers find the rows and cells of every TableViewWidget.
 void installTableAccessibility();
 
-// Tells screen readers, where one listens.
-void tellTableReloaded(TableViewWidget& table);
-void tellTableSelectionChanged(TableViewWidget& table);
+// Both notify the screen reader, if there is one.
+void announceReload(TableViewWidget& table);
+void announceSelection(TableViewWidget& table);
 
 }  // namespace tarn

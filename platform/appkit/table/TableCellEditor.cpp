@@ -1,7 +1,6 @@
 #include "platform/appkit/table/TableCellEditor.h"
 
 #include "platform/appkit/FocusChange.h"
-#include "platform/appkit/Utf8.h"
 
 #include <QApplication>
 #include <QFocusEvent>
@@ -15,9 +14,9 @@ TableCellEditor::TableCellEditor(QWidget& table, QWidget& viewport, TableCells& 
     : table_(table), cells_(cells), client_(client), widget_(new TextFieldWidget(&viewport)) {
   widget_->hide();
   widget_->setCellEditor(true);
-  widget_->setAccepts([this](const QString& wouldBe) {
+  widget_->setFormatter([this] {
     const TableCell* open = cell();
-    return !open || !open->formatter() || open->formatter()->isPartialStringValid(toUtf8(wouldBe));
+    return open ? open->formatter() : nullptr;
   });
   connect(widget_, &TextFieldWidget::editingBegan, this, [this] {
     const TableCell* open = cell();
@@ -30,7 +29,7 @@ TableCellEditor::TableCellEditor(QWidget& table, QWidget& viewport, TableCells& 
     client_.editDidEnd(*open);
   });
   connect(widget_, &TextFieldWidget::finished, this, [this](TextFieldWidget::End how) { finished(how); });
-  // A window without the keyboard tells its old control nothing of a new one.
+  // In a window without the keyboard no event reaches the old control.
   connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
     if (isOpen() && now && now != widget_ && now->window() == table_.window()) commit();
   });
@@ -43,7 +42,7 @@ void TableCellEditor::open(TableCell& cell, const QFont& font) {
   const int row = cell.row();
   const int column = cell.column();
   commit();
-  // Whoever has the focus ends its edit now, and may have this cell filled anew.
+  // The control that has the focus ends its edit now, and this cell may be filled anew.
   table_.setFocus(Qt::OtherFocusReason);
   TableCell* wanted = cells_.at(row, column);
   if (!wanted || !wanted->isEditable()) return;
@@ -95,7 +94,7 @@ bool TableCellEditor::eventFilter(QObject* watched, QEvent* event) {
     client_.editorWillLoseFocus();
   }
   if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent&>(*event).key() == Qt::Key_Escape) {
-    // What the model says, as if the cell came into sight: an edit that changed nothing tells nobody.
+    // What the model says, as if the cell came into sight: an edit that changed nothing sends no message.
     if (TableCell* open = cell()) open->setStringValue(client_.modelText(row_, column_));
   }
   return false;

@@ -8,7 +8,7 @@
 
 namespace tarn {
 
-// What the editor tells its table.
+// What the editor asks and notifies.
 class TableCellEditorClient {
 public:
   virtual ~TableCellEditorClient() = default;
@@ -45,7 +45,7 @@ public:
 
   // Ends the edit as a change of focus does; the table gets the focus.
   void commit();
-  // Closes the cell and tells nobody.
+  // Closes the cell without a message.
   void drop();
 
   void setGeometry(const QRect& rectangle) { widget_->setGeometry(rectangle); }

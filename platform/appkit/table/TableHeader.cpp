@@ -27,7 +27,7 @@ void TableColumn::setMaxWidth(double points) {
   header_.applyWidths();
 }
 
-// Tells the header view what stands over each column.
+// What the header view shows over each column.
 class TableHeader::Model final : public QAbstractTableModel {
 public:
   explicit Model(const TableHeader& header) : header_(header) {}

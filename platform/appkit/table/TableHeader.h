@@ -37,7 +37,7 @@ private:
   std::string headerToolTip_;
 };
 
-// The columns of a table and the header over them, where a hand can drag their widths, each up to its maximum. On the
+// The columns of a table and the header over them, where the user can drag their widths, each up to its maximum. On the
 // screen the last column takes what the others leave, so that a scroll bar beside the rows hides no part of them.
 class TableHeader final : public QHeaderView {
 public:

@@ -2,20 +2,16 @@
 
 #include "platform/appkit/FocusChange.h"
 #include "platform/appkit/Fonts.h"
-#include "platform/appkit/ToolTips.h"
 #include "platform/appkit/Utf8.h"
 #include "platform/appkit/table/CellText.h"
 #include "platform/appkit/table/TableAccessibility.h"
 #include "platform/appkit/table/TableHeader.h"
 #include "platform/foundation/Utf8.h"
 
-#include <QApplication>
 #include <QFocusEvent>
-#include <QHelpEvent>
 #include <QPainter>
 #include <QPointer>
 #include <QScrollBar>
-#include <QToolTip>
 
 #include <algorithm>
 #include <cstdint>
@@ -23,13 +19,14 @@
 namespace tarn {
 namespace {
 
+constexpr int rowHeight = NSTableView::rowHeight;
 constexpr int cellPadding = 4;
 constexpr std::size_t longestToolTip = 8000;  // bytes
 
 }  // namespace
 
 TableViewWidget::TableViewWidget(QWidget* parent)
-    : QAbstractScrollArea(parent),
+    : RowView<QAbstractScrollArea>(parent),
       header_(new TableHeader(this)),
       cells_(*this,
              [this](TableCell& cell) {
@@ -71,11 +68,6 @@ void TableViewWidget::setColumnTitles(const QStringList& titles) {
   updateGeometries();
 }
 
-void TableViewWidget::setPlaceholder(const QString& text) {
-  placeholder_ = text;
-  viewport()->update();
-}
-
 void TableViewWidget::reload(int rowCount) {
   editor_.drop();
   rowCount_ = rowCount;
@@ -84,7 +76,7 @@ void TableViewWidget::reload(int rowCount) {
   cells_.refill(rowCount_);
   showCellsInSight();
   viewport()->update();
-  tellTableReloaded(*this);
+  announceReload(*this);
 }
 
 void TableViewWidget::reloadCell(int row, int column) {
@@ -93,12 +85,12 @@ void TableViewWidget::reloadCell(int row, int column) {
   viewport()->update(cellRect(row, column));
 }
 
-void TableViewWidget::selectRow(int row, bool byHand) {
+void TableViewWidget::selectRow(int row, bool byUser) {
   if (row == selectedRow_) return;
   selectedRow_ = row;
   viewport()->update();
-  tellTableSelectionChanged(*this);
-  if (client_) client_->selectionChanged(byHand);
+  announceSelection(*this);
+  if (client_) client_->selectionChanged(byUser);
 }
 
 void TableViewWidget::scrollRowToVisible(int row) {
@@ -126,27 +118,19 @@ int TableViewWidget::columnAt(int x) const {
   return header_->logicalIndexAt(x);
 }
 
-bool TableViewWidget::viewportEvent(QEvent* event) {
-  if (event->type() != QEvent::ToolTip) return QAbstractScrollArea::viewportEvent(event);
-  const auto& help = static_cast<QHelpEvent&>(*event);
-  const TableCell* cell = cells_.at(rowAt(help.y()), columnAt(help.x()));
-  std::string text = cell ? cell->toolTip() : std::string();
-  if (cell && text.empty()) {
-    // A text that is cut shows whole.
-    const int width = cellRect(cell->row(), cell->column()).width() - 2 * cellPadding;
-    const std::string_view whole = utf8Prefix(cell->text(), longestToolTip);
-    if (QFontMetrics(cellFont_).horizontalAdvance(toQString(whole)) > width) text = whole;
-  }
-  if (text.empty()) {
-    QToolTip::hideText();
-  } else {
-    showPlainToolTip(help.globalPos(), toQString(utf8Prefix(text, longestToolTip)), viewport());
-  }
-  return true;
+std::string TableViewWidget::toolTipAt(const QPoint& position) const {
+  const TableCell* cell = cells_.at(rowAt(position.y()), columnAt(position.x()));
+  if (!cell) return {};
+  if (const std::string own = cell->toolTip(); !own.empty()) return std::string(utf8Prefix(own, longestToolTip));
+  // A text that is cut shows whole.
+  const int width = cellRect(cell->row(), cell->column()).width() - 2 * cellPadding;
+  const std::string_view whole = utf8Prefix(cell->text(), longestToolTip);
+  const bool isCut = QFontMetrics(cellFont_).horizontalAdvance(toQString(whole)) > width;
+  return isCut ? std::string(whole) : std::string();
 }
 
 void TableViewWidget::changeEvent(QEvent* event) {
-  QAbstractScrollArea::changeEvent(event);
+  RowView::changeEvent(event);
   if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
     fitFont();
     updateGeometries();
@@ -154,7 +138,7 @@ void TableViewWidget::changeEvent(QEvent* event) {
 }
 
 void TableViewWidget::resizeEvent(QResizeEvent* event) {
-  QAbstractScrollArea::resizeEvent(event);
+  RowView::resizeEvent(event);
   updateGeometries();
   showCellsInSight();
 }
@@ -164,19 +148,13 @@ void TableViewWidget::scrollContentsBy(int, int) {
   viewport()->update();
 }
 
-void TableViewWidget::focusInEvent(QFocusEvent* event) {
-  QAbstractScrollArea::focusInEvent(event);
-  viewport()->update();
-}
-
 void TableViewWidget::focusOutEvent(QFocusEvent* event) {
-  QAbstractScrollArea::focusOutEvent(event);
-  viewport()->update();
+  RowView::focusOutEvent(event);
   if (client_ && leavesForOtherControl(*event, *this)) client_->willLoseFocus();
 }
 
 void TableViewWidget::mousePressEvent(QMouseEvent* event) {
-  // Whoever hears of it may show an alert, behind which the table may go.
+  // The client may show an alert, behind which the table may go.
   const QPointer<TableViewWidget> self(this);
   // The focus has come here already, which ends an edit; not so in a window without the keyboard.
   editor_.commit();
@@ -201,16 +179,10 @@ void TableViewWidget::mouseMoveEvent(QMouseEvent*) {}
 void TableViewWidget::mouseReleaseEvent(QMouseEvent*) {}
 
 void TableViewWidget::contextMenuEvent(QContextMenuEvent* event) {
-  QPoint position = event->globalPos();
-  if (event->reason() == QContextMenuEvent::Keyboard) {
-    const QPoint place = selectedRow_ >= 0 ? cellRect(selectedRow_, 0).bottomLeft() : QPoint();
-    position = viewport()->mapToGlobal(place.x() < 0 || !viewport()->rect().contains(place) ? QPoint() : place);
-  } else if (const int row = rowAt(event->pos().y()); row >= 0) {
-    const QPointer<TableViewWidget> self(this);
-    selectRow(row, true);
-    if (!self) return;
-  }
-  if (client_) client_->menuRequested(position);
+  const QPointer<TableViewWidget> self(this);
+  const int row = event->reason() == QContextMenuEvent::Keyboard ? -1 : rowAt(event->pos().y());
+  if (row >= 0) selectRow(row, true);
+  if (self) RowView::contextMenuEvent(event);
 }
 
 void TableViewWidget::keyPressEvent(QKeyEvent* event) {
@@ -220,32 +192,11 @@ void TableViewWidget::keyPressEvent(QKeyEvent* event) {
     scrollRowToVisible(selectedRow_);
     if (client_->opensCell(selectedRow_, 0)) return;
   }
-  const int row = rowFor(key);
-  if (row < 0 || rowCount_ == 0) return event->ignore();
+  const int row = rowForKey(key, selectedRow_, rowCount_, viewport()->height() / rowHeight);
+  if (row < 0) return event->ignore();
   const QPointer<TableViewWidget> self(this);
   selectRow(row, true);
   if (self) scrollRowToVisible(selectedRow_);
-}
-
-int TableViewWidget::rowFor(int key) const {
-  const int last = rowCount_ - 1;
-  const int page = std::max(1, viewport()->height() / rowHeight - 1);
-  switch (key) {
-    case Qt::Key_Up:
-      return selectedRow_ < 0 ? last : std::max(0, selectedRow_ - 1);
-    case Qt::Key_Down:
-      return std::min(last, selectedRow_ + 1);
-    case Qt::Key_PageUp:
-      return std::max(0, selectedRow_ - page);
-    case Qt::Key_PageDown:
-      return std::min(last, selectedRow_ + page);
-    case Qt::Key_Home:
-      return 0;
-    case Qt::Key_End:
-      return last;
-    default:
-      return -1;
-  }
 }
 
 void TableViewWidget::cellChanged(const TableCell& cell) {
@@ -302,7 +253,6 @@ void TableViewWidget::openNextCell(int row, int column, int step) {
 
 void TableViewWidget::fitFont() {
   cellFont_ = monospacedFont(rowHeight - 2);
-  header_->setFont(QApplication::font(header_));
 }
 
 void TableViewWidget::updateGeometries() {
@@ -332,7 +282,7 @@ void TableViewWidget::placeEditor() {
 
 void TableViewWidget::paintEvent(QPaintEvent* event) {
   QPainter painter(viewport());
-  if (rowCount_ == 0) paintPlaceholder(painter);
+  if (rowCount_ == 0) paintPlaceholder(painter, *viewport(), 0, placeholder());
   painter.setFont(cellFont_);
   for (const int row : cells_.rows()) {
     const int top = cellRect(row, 0).y();
@@ -357,29 +307,22 @@ void TableViewWidget::paintRow(QPainter& painter, int row) const {
   QColor separator = palette().color(QPalette::Text);
   separator.setAlpha(30);
   for (int column = 0; column < header_->columnCount(); ++column) {
-    const QRect place = cellRect(row, column);
-    if (column > 0) painter.fillRect(place.x() - 1, place.y(), 1, rowHeight, separator);
+    const QRect area = cellRect(row, column);
+    if (column > 0) painter.fillRect(area.x() - 1, area.y(), 1, rowHeight, separator);
     const TableCell* cell = cells_.at(row, column);
     if (cell && editor_.isOpen(*cell)) {
-      painter.fillRect(place, palette().base());
+      painter.fillRect(area, palette().base());
       painter.setPen(palette().color(QPalette::Active, QPalette::Highlight));
-      painter.drawRect(place.adjusted(0, 0, -2, -1));
+      painter.drawRect(area.adjusted(0, 0, -2, -1));
       continue;
     }
     if (!cell || cell->text().empty()) continue;
     painter.setPen(palette().color(group, selected ? QPalette::HighlightedText : QPalette::Text));
-    painter.setClipRect(place);
-    painter.drawText(place.x() + cellPadding, baseLine,
-                     elidedLine(cell->text(), metrics, place.width() - 2 * cellPadding));
+    painter.setClipRect(area);
+    painter.drawText(area.x() + cellPadding, baseLine,
+                     elidedLine(cell->text(), metrics, area.width() - 2 * cellPadding));
     painter.setClipping(false);
   }
-}
-
-void TableViewWidget::paintPlaceholder(QPainter& painter) const {
-  painter.setFont(QApplication::font(this));
-  painter.setPen(palette().color(QPalette::PlaceholderText));
-  painter.drawText(viewport()->rect().adjusted(16, 16, -16, -8), Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap,
-                   placeholder_);
 }
 
 }  // namespace tarn

@@ -1,32 +1,32 @@
 #pragma once
 
+#include "platform/appkit/NSTableView.h"
+#include "platform/appkit/RowView.h"
 #include "platform/appkit/table/TableCellEditor.h"
 #include "platform/appkit/table/TableCells.h"
 
 #include <QAbstractScrollArea>
 #include <QFont>
-#include <QString>
 #include <QStringList>
 
 namespace tarn {
 
 class TableHeader;
 
-// Who stands behind a table's widget: fills its cells and hears what a hand does.
+// Who stands behind a table's widget: fills its cells and hears what the user does.
 class TableViewClient {
 public:
   virtual ~TableViewClient() = default;
 
   virtual void fillCell(TableCell& cell) = 0;
-  virtual void selectionChanged(bool byHand) = 0;
+  virtual void selectionChanged(bool byUser) = 0;
   // A press of the left button has been handled; -1 beside the cells.
   virtual void pressed(int row, int column) = 0;
   // The focus leaves the table and its cells for another control of the window.
   virtual void willLoseFocus() = 0;
   virtual void editDidEnd(TableCell& cell) = 0;
-  // A key asks for this cell to open. False if nobody opens cells here.
+  // A key asks for this cell to open. False if no cell of this table opens by keys.
   virtual bool opensCell(int row, int column) = 0;
-  virtual void menuRequested(const QPoint& globalPosition) = 0;
 };
 
 // The widget behind NSTableView. A layout promotes a QAbstractScrollArea to it and tells its columns by two properties
@@ -34,14 +34,14 @@ public:
 // there are, and `columnTitles` (translatable), what the header shows over each. Either may be set first.
 //
 // All rows have one height, so a row costs nothing before it comes into sight. It selects one row or none.
-class TableViewWidget final : public QAbstractScrollArea, private TableCellHost, private TableCellEditorClient {
+class TableViewWidget final : public RowView<QAbstractScrollArea>,
+                              private TableCellHost,
+                              private TableCellEditorClient {
   Q_OBJECT
   Q_PROPERTY(QStringList columnIdentifiers READ columnIdentifiers WRITE setColumnIdentifiers)
   Q_PROPERTY(QStringList columnTitles READ columnTitles WRITE setColumnTitles)
 
 public:
-  static constexpr int rowHeight = 18;
-
   explicit TableViewWidget(QWidget* parent = nullptr);
   ~TableViewWidget() override;
 
@@ -52,34 +52,34 @@ public:
   TableHeader& header() { return *header_; }
   const TableHeader& header() const { return *header_; }
 
-  // Nobody, or one that is taken away before it dies.
+  // May be null.
   void setClient(TableViewClient* client) { client_ = client; }
-  void setPlaceholder(const QString& text);
 
   int rowCount() const { return rowCount_; }
-  // Drops an open edit untold, takes the new count and fills the cells in sight anew.
+  // Drops an open edit without a message, takes the new count and fills the cells in sight anew.
   void reload(int rowCount);
-  // Drops an open edit in this cell untold, and fills the cell anew if there is one.
+  // Drops an open edit in this cell without a message, and fills the cell anew if there is one.
   void reloadCell(int row, int column);
 
   // -1 where none is selected.
   int selectedRow() const { return selectedRow_; }
-  // Tells the client if it changes anything.
-  void selectRow(int row, bool byHand);
+  // Notifies the client if it changes anything.
+  void selectRow(int row, bool byUser);
   void scrollRowToVisible(int row);
 
   TableCells& cells() { return cells_; }
   // What the cell shows, in sight or not, without making it.
   std::string textAt(int row, int column);
 
-  // The cell's place in the viewport, which may lie outside.
+  // In the viewport's coordinates; it may lie outside.
   QRect cellRect(int row, int column) const;
   // -1 beside the rows and columns.
   int rowAt(int y) const;
   int columnAt(int x) const;
 
 protected:
-  bool viewportEvent(QEvent* event) override;
+  std::string toolTipAt(const QPoint& position) const override;
+  QRect currentRowRect() const override { return selectedRow_ < 0 ? QRect() : cellRect(selectedRow_, 0); }
   void changeEvent(QEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void scrollContentsBy(int dx, int dy) override;
@@ -90,7 +90,6 @@ protected:
   void mouseReleaseEvent(QMouseEvent* event) override;
   void contextMenuEvent(QContextMenuEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
-  void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
 
 private:
@@ -112,17 +111,14 @@ private:
   void showCellsInSight();
   void placeEditor();
   void fitFont();
-  int rowFor(int key) const;
   void openNextCell(int row, int column, int step);
   void paintRow(QPainter& painter, int row) const;
-  void paintPlaceholder(QPainter& painter) const;
 
   TableHeader* header_;
   TableViewClient* client_ = nullptr;
   TableCells cells_;
   TableCellEditor editor_;
   QFont cellFont_;
-  QString placeholder_;
   int rowCount_ = 0;
   int selectedRow_ = -1;
 };

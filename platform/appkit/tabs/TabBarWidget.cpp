@@ -95,24 +95,24 @@ void TabBarWidget::paintEvent(QPaintEvent*) {
 
 void TabBarWidget::paintTab(QPainter& painter, int index) const {
   const bool selected = index == currentIndex();
-  QRectF place = tabRect(index).adjusted(0, selected ? 0 : lowered, -gap, 0);
+  QRectF area = tabRect(index).adjusted(0, selected ? 0 : lowered, -gap, 0);
   QPainterPath shape;
   shape.setFillRule(Qt::WindingFill);
-  shape.addRoundedRect(place, corner, corner);
-  shape.addRect(place.adjusted(0, corner, 0, 0));
+  shape.addRoundedRect(area, corner, corner);
+  shape.addRect(area.adjusted(0, corner, 0, 0));
   painter.fillPath(shape, fill(selected));
 
   painter.setFont(labelFont());
   painter.setPen(Qt::white);
-  QRectF line(place.x() + labelPadding, 0, place.width() - 2 * labelPadding, labelHeight);
-  line.moveCenter(QPointF(line.center().x(), place.center().y()));
+  QRectF line(area.x() + labelPadding, 0, area.width() - 2 * labelPadding, labelHeight);
+  line.moveCenter(QPointF(line.center().x(), area.center().y()));
   const QString label =
       QFontMetricsF(labelFont()).elidedText(toQString(itemAt_(index).label()), Qt::ElideLeft, line.width());
   painter.drawText(line, int(Qt::AlignRight | Qt::AlignVCenter) | Qt::TextSingleLine | Qt::TextDontClip, label);
 
   if (selected && hasFocus()) {
     painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(place.adjusted(3.5, 3.5, -3.5, -3.5), corner - 2, corner - 2);
+    painter.drawRoundedRect(area.adjusted(3.5, 3.5, -3.5, -3.5), corner - 2, corner - 2);
   }
 }
 

@@ -1,6 +1,7 @@
 #include "platform/appkit/text/TextFieldWidget.h"
 
 #include "platform/appkit/FocusChange.h"
+#include "platform/appkit/Utf8.h"
 
 #include <QKeyEvent>
 #include <QPainter>
@@ -67,11 +68,11 @@ QRect TextFieldWidget::contents() const {
 }
 
 bool TextFieldWidget::mayChange(std::size_t position, std::size_t length, const QString& replacement) {
-  // A copy, since it may take the field away.
-  const auto accepts = accepts_;
-  if (!accepts) return true;
+  const NSFormatter* formatter = formatter_ ? formatter_() : nullptr;
+  // The text may be a value of many megabytes: it is put together for a formatter only.
+  if (!formatter) return true;
   QString wouldBe = text();
-  return accepts(wouldBe.replace(qsizetype(position), qsizetype(length), replacement));
+  return formatter->isPartialStringValid(toUtf8(wouldBe.replace(qsizetype(position), qsizetype(length), replacement)));
 }
 
 void TextFieldWidget::textChanged(std::size_t, std::size_t, std::size_t) {}

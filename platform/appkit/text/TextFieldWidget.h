@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/appkit/text/TextInputWidget.h"
+#include "platform/foundation/NSFormatter.h"
 
 #include <functional>
 #include <utility>
@@ -10,8 +11,8 @@ namespace tarn {
 // One line of exact text to edit, of any length: only what fits is laid out. Line ends and control characters show as
 // marks. Also the editor of a table's open cell: there Tab and Escape end the edit instead of moving the focus.
 //
-// What happens by a hand is told in this order: `editingBegan` at the first change, `textEdited` at each change,
-// `editingEnded` at the end if there was a beginning, `finished` at every end, and on Enter `returnPressed` last.
+// The order of the signals: `editingBegan` at the user's first change, `editingEnded` at the end if there was a
+// beginning, `finished` at every end, and on Enter `returnPressed` last.
 class TextFieldWidget : public TextInputWidget {
   Q_OBJECT
 
@@ -20,8 +21,8 @@ public:
 
   explicit TextFieldWidget(QWidget* parent = nullptr);
 
-  // Asked before every change by a hand with the text as it would become; false refuses it.
-  void setAccepts(std::function<bool(const QString& wouldBe)> accepts) { accepts_ = std::move(accepts); }
+  // Who knows the formatter that is asked before every change by the user; null, or without one, nothing is refused.
+  void setFormatter(std::function<const NSFormatter*()> formatter) { formatter_ = std::move(formatter); }
 
   // Tab, Shift+Tab and Escape end the edit with `finished` and leave the focus alone. Drawn without a frame.
   void setCellEditor(bool isCellEditor);
@@ -67,7 +68,7 @@ private:
   void setLeft(TextStore::Block block, double offset);
   void end(End how);
 
-  std::function<bool(const QString& wouldBe)> accepts_;
+  std::function<const NSFormatter*()> formatter_;
   bool cellEditor_ = false;
   bool secure_ = false;
   // The part in sight begins `offset_` pixels right of the beginning of the block at `leftBlock_`.

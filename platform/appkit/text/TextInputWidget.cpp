@@ -1,13 +1,16 @@
 #include "platform/appkit/text/TextInputWidget.h"
 
+#include "platform/appkit/FocusChange.h"
 #include "platform/appkit/Utf8.h"
 #include "platform/appkit/text/AccessibleText.h"
 #include "platform/appkit/text/TextMovement.h"
 
 #include <QAccessible>
 #include <QClipboard>
+#include <QFocusEvent>
 #include <QGuiApplication>
 #include <QInputMethod>
+#include <QMimeData>
 #include <QPainter>
 #include <QPointer>
 #include <QStyle>
@@ -81,7 +84,7 @@ bool TextInputWidget::isAllowed(const TextChange& change) {
   return self && allowed && revision_ == before;
 }
 
-void TextInputWidget::replaceByHand(std::size_t position, std::size_t length, const QString& replacement) {
+void TextInputWidget::replaceByUser(std::size_t position, std::size_t length, const QString& replacement) {
   position = std::min(position, store_.length());
   TextChange change{position, store_.text(position, length), replacement};
   if (change.removed.isEmpty() && change.inserted.isEmpty()) return;
@@ -103,12 +106,9 @@ void TextInputWidget::applyChange(const TextChange& change) {
   announceCaret();
   update();
 
-  const QPointer<TextInputWidget> self(this);
-  if (!began_) {
-    began_ = true;
-    emit editingBegan();
-  }
-  if (self) emit textEdited();
+  if (began_) return;
+  began_ = true;
+  emit editingBegan();
 }
 
 void TextInputWidget::undo() {
@@ -130,7 +130,7 @@ void TextInputWidget::redo() {
 void TextInputWidget::cut() {
   if (!isReadable() || !hasSelection()) return;
   copy();
-  replaceByHand(selectionStart(), selectionEnd() - selectionStart(), {});
+  replaceByUser(selectionStart(), selectionEnd() - selectionStart(), {});
 }
 
 void TextInputWidget::copy() {
@@ -151,6 +151,29 @@ void TextInputWidget::publishPrimarySelection() const {
   QClipboard* clipboard = QGuiApplication::clipboard();
   if (!clipboard->supportsSelection() || !isReadable() || !hasSelection()) return;
   clipboard->setText(store_.text(selectionStart(), selectionEnd() - selectionStart()), QClipboard::Selection);
+}
+
+void TextInputWidget::insertMimeText(const QMimeData* data) {
+  if (!data || !data->hasText()) return;
+  replaceByUser(selectionStart(), selectionEnd() - selectionStart(), data->text());
+}
+
+void TextInputWidget::focusInEvent(QFocusEvent* event) {
+  QFrame::focusInEvent(event);
+  restartBlinking();
+  showCaret();
+  update();
+}
+
+void TextInputWidget::focusOutEvent(QFocusEvent* event) {
+  QFrame::focusOutEvent(event);
+  blinking_.stop();
+  caretOn_ = false;
+  setComposed({});
+  history_.closeStep();
+  update();
+  // After a moment the edit goes on.
+  if (!leavesForMoment(*event)) editingLeft();
 }
 
 void TextInputWidget::moveCaret(std::size_t position, bool select) {

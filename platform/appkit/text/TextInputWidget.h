@@ -21,15 +21,16 @@ class QMimeData;
 
 namespace tarn {
 
-// What fields and text views share: an exact text, a caret and a selection, undo, and the ways in which a hand changes
-// the text (keys, input method, clipboard, primary selection, drop). All positions are UTF-16 code units of the text as
-// a whole. How the text is laid out is the derived class's.
+// What fields and text views share: an exact text, a caret and a selection, undo, and the ways in which the user
+// changes the text (keys, input method, clipboard, primary selection, drop). All positions are UTF-16 code units of the
+// text as a whole. How the text is laid out is the derived class's. The handlers of keys, of the pointer and of the
+// input method have a source file each.
 class TextInputWidget : public QFrame {
   Q_OBJECT
   Q_PROPERTY(QString placeholderText READ placeholderText WRITE setPlaceholderText)
 
 public:
-  // By code: tells nobody, asks nobody, clears undo, makes the edit unchanged again and puts the caret at the end.
+  // By code: sends no signal, asks nothing, clears undo, makes the edit unchanged again and puts the caret at the end.
   // Where the new text begins with the old one only the rest is added.
   void setUtf8(std::string_view text);
   // The same, for a text that begins with the old one and goes on with `text`.
@@ -41,10 +42,10 @@ public:
   QString text(std::size_t position, std::size_t length) const { return store_.text(position, length); }
   std::size_t textLength() const { return store_.length(); }
 
-  // True if a hand changed the text since it was last set by code.
+  // True if the user changed the text since it was last set by code.
   bool isEdited() const { return edited_; }
 
-  // Ends an edit that a hand began.
+  // Ends an edit that the user began.
   void commitEditing();
   // The same, because the focus went to another control.
   virtual void editingLeft() { commitEditing(); }
@@ -58,8 +59,8 @@ public:
   QString placeholderText() const { return placeholder_; }
   void setPlaceholderText(const QString& text);
 
-  // Replaces a part of the text as a hand does: asks, tells, and can be undone.
-  void replaceByHand(std::size_t position, std::size_t length, const QString& replacement);
+  // Replaces a part of the text as the user does: it may be refused, begins an edit, and can be undone.
+  void replaceByUser(std::size_t position, std::size_t length, const QString& replacement);
 
   // The position nearest to a point of the widget.
   virtual std::size_t positionAt(const QPoint& point) const = 0;
@@ -78,22 +79,20 @@ public slots:
   void selectAll();
 
 signals:
-  // The first change by a hand.
+  // The user's first change.
   void editingBegan();
-  // Each change by a hand.
-  void textEdited();
   // The end of an edit that had a beginning.
   void editingEnded();
 
 protected:
   explicit TextInputWidget(TextStore::Lines lines, QWidget* parent);
 
-  // Whether a hand may replace this part.
+  // Whether the user may replace this part.
   virtual bool mayChange(std::size_t position, std::size_t length, const QString& replacement) = 0;
-  // False: dots in place of the text, and no copy of it.
+  // False: dots instead of the text, and no copy of it.
   virtual bool isReadable() const { return true; }
   virtual TabsShow tabsShow() const = 0;
-  // A hand has changed the text: at `position`, by so many code units removed and inserted.
+  // The user has changed the text: at `position`, by so many code units removed and inserted.
   virtual void textChanged(std::size_t position, std::size_t removed, std::size_t inserted) = 0;
   // Code has set the text. The first `kept` code units are the same as before.
   virtual void textSet(std::size_t kept) = 0;
@@ -138,8 +137,8 @@ protected:
   void drawPlaceholder(QPainter& painter, const QRect& rect, bool wraps) const;
 
 private:
-  // Asks, and answers whether the change may go on: the answer may have been no, or whoever was asked has set the text
-  // or taken the view away.
+  // Asks, and answers whether the change may go on: the answer may have been no, or the one asked has set the text or
+  // taken the view away.
   bool isAllowed(const TextChange& change);
   void applyChange(const TextChange& change);
   // Code has changed the text behind the first `kept` code units.
@@ -175,7 +174,7 @@ private:
   QBasicTimer blinking_;
   QBasicTimer dragging_;
   bool caretOn_ = false;
-  // Counts each change, so that an operation sees whether somebody it asked has changed the text.
+  // Counts each change, so that an operation sees whether the one it asked has changed the text.
   unsigned revision_ = 0;
   bool selectingByMouse_ = false;
   // Where the button went down inside the selection: the beginning of a drag or a click.

@@ -10,7 +10,7 @@ namespace tarn {
 
 namespace {
 
-// How far a step looks: longer than any word or character that a hand has to do with.
+// How far a step looks: longer than any word or character that a user has to do with.
 constexpr std::size_t reach = 1000;
 
 // The text around a position, and a finder over it that stands there.

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t pageLength = 32 * 1024;
 
-// Where to cut a line that goes on: behind a blank or between two graphemes, if there is such a place near `limit`.
+// Where to cut a line that goes on: behind a blank or between two graphemes, if such a position is near `limit`.
 std::size_t cutBefore(QStringView text, std::size_t limit) {
   constexpr std::size_t searched = 100;
   for (std::size_t at = limit; at > limit - searched; --at) {
@@ -190,10 +190,6 @@ bool TextStore::beginsWithThis(std::string_view utf8, std::size_t& bytes) const 
 TextStore::Block TextStore::blockOf(std::size_t page, std::size_t index, std::size_t start) const {
   const Piece& piece = pages_[page].pieces[index];
   return {page, index, start, piece.length, piece.ending, piece.rows};
-}
-
-TextStore::Block TextStore::firstBlock() const {
-  return blockOf(0, 0, 0);
 }
 
 TextStore::Block TextStore::lastBlock() const {

@@ -52,9 +52,8 @@ public:
   bool set(std::string_view utf8);
   void append(std::string_view utf8);
 
-  // There is always a first and a last block; the last one is empty where the text is or ends in a line's end. A
-  // position between two blocks is the later one's.
-  Block firstBlock() const;
+  // There is always a last block; it is empty where the text is or ends in a line's end. A position between two blocks
+  // is the later one's.
   Block lastBlock() const;
   Block blockAt(std::size_t position) const;
   bool hasNext(const Block& block) const;

@@ -20,7 +20,7 @@ namespace {
 constexpr int margin = 4;
 constexpr double rowsAWheelStep = 3;
 constexpr double angleAWheelStep = 120;
-// No row of visible text is longer. What takes no place, as combining marks do, could go on for ever.
+// No row of visible text is longer. What takes no room, as combining marks do, could go on for ever.
 constexpr std::size_t longestCarry = 4 * TextStore::longestBlock;
 
 int clampedInt(std::size_t value) {
@@ -61,27 +61,27 @@ int TextViewWidget::rowsInSight() const {
   return std::max(1, contents().height() / rowHeight());
 }
 
-CarriedRows::Start TextViewWidget::firstRow(const TextStore::Block& block) const {
+RowStarts::Start TextViewWidget::firstRow(const TextStore::Block& block) const {
   // How far back a jump into a long line looks for a start that is known. Farther than what is in sight, so that the
-  // place where the rows are a guess isn't seen at once.
+  // position up to which the rows are a guess isn't seen at once.
   constexpr int reach = 16;
   const auto startsLine = [&](const TextStore::Block& at) {
     return !store().hasPrevious(at) || store().previous(at).ending > 0;
   };
   if (startsLine(block)) return {block.start, true};
-  if (const auto known = carried_.start(block.start)) return *known;
+  if (const auto known = rowStarts_.start(block.start)) return *known;
   TextStore::Block from = block;
-  for (int i = 0; i < reach && !startsLine(from) && !carried_.start(from.start); ++i)
+  for (int i = 0; i < reach && !startsLine(from) && !rowStarts_.start(from.start); ++i)
     from = store().previous(from);
-  if (!startsLine(from) && !carried_.start(from.start)) carried_.guess(from.start);
+  if (!startsLine(from) && !rowStarts_.start(from.start)) rowStarts_.guess(from.start);
   for (; from.start < block.start; from = store().next(from))
     spanOf(from);
-  return carried_.start(block.start).value_or(CarriedRows::Start{block.start});
+  return rowStarts_.start(block.start).value_or(RowStarts::Start{block.start});
 }
 
 TextViewWidget::Span TextViewWidget::spanOf(const TextStore::Block& block) const {
   const double width = contents().width();
-  const CarriedRows::Start first = firstRow(block);
+  const RowStarts::Start first = firstRow(block);
   Span span{block, block.end(), nullptr};
   span.block.start = first.position;
   span.block.length = block.end() - first.position;
@@ -89,7 +89,7 @@ TextViewWidget::Span TextViewWidget::spanOf(const TextStore::Block& block) const
     span.layout = layoutBlock(span.block, width);
     return span;
   }
-  if (const auto next = carried_.next(block.end(), first)) {
+  if (const auto next = rowStarts_.next(block.end(), first)) {
     span.end = next->position;
     const bool isOwn = next->carriedFrom == first.position;
     if (!isOwn) span.block.length = span.end - first.position;
@@ -101,9 +101,9 @@ TextViewWidget::Span TextViewWidget::spanOf(const TextStore::Block& block) const
   if (block.end() - span.end > longestCarry) {
     span.end = block.end();
     span.layout = layoutBlock(span.block, width);
-    carried_.set(block.end(), {span.end, first.isExact});
+    rowStarts_.set(block.end(), {span.end, first.isExact});
   } else {
-    carried_.set(block.end(), {span.end, first.isExact, first.position});
+    rowStarts_.set(block.end(), {span.end, first.isExact, first.position});
   }
   return span;
 }
@@ -226,7 +226,7 @@ void TextViewWidget::settle() {
     const int count = rowsOf(block);
     store().setRows(block, std::size_t(count));
     rows += count;
-    carried_.setShown(top.block.start, block.start);
+    rowStarts_.setShown(top.block.start, block.start);
     if (rows > rowsInSight() || !store().hasNext(block)) break;
   }
   const QSignalBlocker blocker(scrollBar_);
@@ -254,7 +254,7 @@ void TextViewWidget::resizeEvent(QResizeEvent* event) {
 
 void TextViewWidget::updateColumns() {
   const double column = QFontMetricsF(font()).averageCharWidth();
-  carried_.clear();
+  rowStarts_.clear();
   const auto columns = std::size_t(std::max(1.0, contents().width() / std::max(1.0, column)));
   if (columns != store().columns()) store().setColumns(columns);
 }
@@ -284,7 +284,7 @@ bool TextViewWidget::mayChange(std::size_t position, std::size_t length, const Q
 }
 
 void TextViewWidget::textChanged(std::size_t position, std::size_t removed, std::size_t inserted) {
-  carried_.forgetFrom(position);
+  rowStarts_.forgetFrom(position);
   // The same text stays at the top.
   if (top_ >= position + removed) {
     top_ = top_ - removed + inserted;
@@ -294,13 +294,13 @@ void TextViewWidget::textChanged(std::size_t position, std::size_t removed, std:
 }
 
 void TextViewWidget::textSet(std::size_t kept) {
-  carried_.forgetFrom(kept);
+  rowStarts_.forgetFrom(kept);
   if (kept == 0) top_ = 0;
   settle();
 }
 
 void TextViewWidget::composedChanged() {
-  carried_.forgetFrom(store().blockAt(caret()).start + 1);
+  rowStarts_.forgetFrom(store().blockAt(caret()).start + 1);
 }
 
 void TextViewWidget::moveVertically(std::ptrdiff_t rows, bool select) {
@@ -334,9 +334,9 @@ void TextViewWidget::keyPressEvent(QKeyEvent* event) {
     moveVertically(page, select);
   } else if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) &&
              !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier))) {
-    replaceByHand(selectionStart(), selectionEnd() - selectionStart(), QStringLiteral("\n"));
+    replaceByUser(selectionStart(), selectionEnd() - selectionStart(), QStringLiteral("\n"));
   } else if (event->key() == Qt::Key_Tab && event->modifiers() == Qt::NoModifier) {
-    replaceByHand(selectionStart(), selectionEnd() - selectionStart(), QStringLiteral("\t"));
+    replaceByUser(selectionStart(), selectionEnd() - selectionStart(), QStringLiteral("\t"));
   } else {
     TextInputWidget::keyPressEvent(event);
   }

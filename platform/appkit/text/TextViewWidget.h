@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/appkit/outline/CarriedRows.h"
+#include "platform/appkit/text/RowStarts.h"
 #include "platform/appkit/text/TextInputWidget.h"
 
 #include <cstddef>
@@ -21,7 +21,7 @@ class TextViewWidget final : public TextInputWidget {
 public:
   explicit TextViewWidget(QWidget* parent = nullptr);
 
-  // Asked before every change by a hand, in UTF-16 code units. It may set the text by itself and answer false.
+  // Asked before every change by the user, in UTF-16 code units. It may set the text by itself and answer false.
   using ShouldChange = std::function<bool(std::size_t position, std::size_t length, const QString& replacement)>;
   void setShouldChange(ShouldChange shouldChange) { shouldChange_ = std::move(shouldChange); }
 
@@ -70,7 +70,7 @@ private:
   // True if the block's line goes on in the next one.
   bool goesOn(const TextStore::Block& block) const { return block.ending == 0 && store().hasNext(block); }
   // Where the first of the block's rows starts; finds it from the blocks before it if it isn't known.
-  CarriedRows::Start firstRow(const TextStore::Block& block) const;
+  RowStarts::Start firstRow(const TextStore::Block& block) const;
   Span spanOf(const TextStore::Block& block) const;
   int rowsOf(const TextStore::Block& block) const { return spanOf(block).layout->rows(); }
   std::size_t startOf(const Row& row) const;
@@ -89,7 +89,7 @@ private:
 
   ShouldChange shouldChange_;
   // What the layouts made so far have found out.
-  mutable CarriedRows carried_;
+  mutable RowStarts rowStarts_;
   QScrollBar* scrollBar_;
   // The first character of the top row.
   std::size_t top_ = 0;

@@ -6,10 +6,10 @@
 
 namespace tarn {
 
-// Where the rows of a long line go on from block to block: a block's last row is rarely full when the block ends, and
-// is carried over into the next one. What is known holds for one width and font. Positions are the text's, and blocks
-// are told by their starts.
-class CarriedRows final {
+// Where the first row of each block of a long line starts: a block's last row is rarely full when the block ends, and
+// goes on in the next one. What is known holds for one width and font. Positions are the text's, and a block is known
+// by its start.
+class RowStarts final {
 public:
   struct Start {
     // Of the block's first row, at or before the block's own start.

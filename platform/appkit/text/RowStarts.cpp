@@ -1,13 +1,13 @@
-#include "platform/appkit/outline/CarriedRows.h"
+#include "platform/appkit/text/RowStarts.h"
 
 namespace tarn {
 
-std::optional<CarriedRows::Start> CarriedRows::start(std::size_t block) const {
+std::optional<RowStarts::Start> RowStarts::start(std::size_t block) const {
   const auto found = starts_.find(block);
   return found == starts_.end() ? std::nullopt : std::optional(found->second);
 }
 
-std::optional<CarriedRows::Start> CarriedRows::next(std::size_t block, const Start& before) {
+std::optional<RowStarts::Start> RowStarts::next(std::size_t block, const Start& before) {
   const std::optional<Start> known = start(block);
   if (!known) return {};
   const bool isShown = block >= firstShown_ && block <= lastShown_;
@@ -17,7 +17,7 @@ std::optional<CarriedRows::Start> CarriedRows::next(std::size_t block, const Sta
   return {};
 }
 
-void CarriedRows::setShown(std::size_t first, std::size_t last) {
+void RowStarts::setShown(std::size_t first, std::size_t last) {
   firstShown_ = first;
   lastShown_ = last;
 }
