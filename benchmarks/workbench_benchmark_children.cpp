@@ -66,7 +66,6 @@ int startProgram(int argc, char** argv, const std::function<void()>& painted) {
   NSApplication application(argc, argv);
   if (!loadResources()) return 1;
   AppDelegate delegate;
-  if (!delegate.managedObjectModel()) return 1;
   MainViewController content;
   MainWindowController window(content);
   const FirstPaint firstPaint(*content.window().widget(), painted);

@@ -1,8 +1,8 @@
 #include "favourites/FavouritesStore.h"
 
 #include "favourites/StoreHost.h"
-#include "platform/coredata/NSFetchRequest.h"
 #include "platform/foundation/Log.h"
+#include "platform/foundation/NSOperationQueue.h"
 
 #include <optional>
 #include <utility>
@@ -16,13 +16,9 @@ NSManagedObjectContext* storeContext() {
   return host ? &host->context() : nullptr;
 }
 
-// All records, or those that the predicate picks; none if they can't be read.
-NSManagedObjectContext::Objects fetchRecords(NSManagedObjectContext& context,
-                                             std::optional<NSPredicate> predicate = std::nullopt) {
-  NSFetchRequest request;
-  request.setEntity(context.entityForName(ServerItemStorage::entityName));
-  request.setPredicate(std::move(predicate));
-  return context.executeFetchRequest(request).value_or(NSManagedObjectContext::Objects());
+// None if they can't be read.
+NSManagedObjectContext::Objects fetchRecords(NSManagedObjectContext& context) {
+  return context.executeFetchRequest(ServerItemStorage::entityName).value_or(NSManagedObjectContext::Objects());
 }
 
 }  // namespace
@@ -44,9 +40,7 @@ std::vector<std::shared_ptr<ServerItem>> FavouritesStore::loadFavourites() {
 void FavouritesStore::insertRecord(const ServerItem& server) {
   NSManagedObjectContext* const context = storeContext();
   if (!context) return;
-  auto record = context->insertNewObjectForEntityForName(ServerItemStorage::entityName);
-  if (!record) return;
-  ServerItemStorage storage(std::move(record));
+  ServerItemStorage storage(context->insertNewObjectForEntityForName(ServerItemStorage::entityName));
   storage.takeServerId(server);
   storage.takeFields(server);
 }
@@ -63,15 +57,15 @@ void FavouritesStore::changeRecord(const ServerItem& server) {
 void FavouritesStore::deleteRecord(const NSUUID& serverId) {
   NSManagedObjectContext* const context = storeContext();
   if (!context) return;
-  for (const auto& record : fetchRecords(*context, NSPredicate::predicateWithFormat("serverId=%@", serverId))) {
-    context->deleteObject(record);
+  for (const auto& record : fetchRecords(*context)) {
+    if (ServerItemStorage(record).isRecordOf(serverId)) context->deleteObject(*record);
   }
 }
 
 void FavouritesStore::saveIfChanged() {
   NSManagedObjectContext* const context = storeContext();
   if (!context || !context->hasChanges()) return;
-  context->performBlock([] {
+  NSOperationQueue::mainQueue().addOperationWithBlock([] {
     if (StoreHost* const host = StoreHost::installed()) host->saveContext();
   });
 }

@@ -12,19 +12,13 @@ bool ServerItemStorage::isRecordOf(const NSUUID& serverId) const {
 }
 
 std::shared_ptr<ServerItem> ServerItemStorage::makeServer() const {
-  const auto id = record_->uuidForKey("serverId");
-  const auto name = record_->stringForKey("connectionName");
-  const auto host = record_->stringForKey("serverIp");
-  const auto port = record_->integerForKey("serverPort");
-  const auto password = record_->stringForKey("auth");
-  if (!id || !name || !host || !port || !password) return nullptr;
-
+  if (record_->missingRequiredKey()) return nullptr;
   auto server = std::make_shared<ServerItem>();
-  server->setConnectionName(*name);
-  server->setServerId(*id);
-  server->setServerIp(*host);
-  server->setServerPort(static_cast<int>(*port));
-  server->setAuth(*password);
+  server->setConnectionName(*record_->stringForKey("connectionName"));
+  server->setServerId(*record_->uuidForKey("serverId"));
+  server->setServerIp(*record_->stringForKey("serverIp"));
+  server->setServerPort(static_cast<int>(*record_->integerForKey("serverPort")));
+  server->setAuth(*record_->stringForKey("auth"));
   server->setDefaultCharset(record_->stringForKey("defaultCharset").value_or("utf8"));
   return server;
 }
@@ -38,7 +32,7 @@ void ServerItemStorage::takeFields(const ServerItem& server) {
 }
 
 void ServerItemStorage::takeServerId(const ServerItem& server) {
-  record_->setValueForKey("serverId", server.serverId());
+  record_->setValueForKey("serverId", server.serverId().uuidString());
 }
 
 }  // namespace tarn

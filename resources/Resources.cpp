@@ -2,7 +2,6 @@
 
 #include "platform/appkit/NSApplication.h"
 #include "platform/appkit/NSImage.h"
-#include "resources/Model.h"
 
 #include <QtGlobal>
 
@@ -33,11 +32,7 @@ bool imagesAreThere() {
 
 bool loadResources() {
   registerCompiledResources();
-  bool all = imagesAreThere();
-  if (serverItemModelText().empty()) {
-    std::cerr << "tarn: the store's model \"ServerItemModel\" can't be loaded\n";
-    all = false;
-  }
+  const bool all = imagesAreThere();
   if (all) NSApplication::shared().setApplicationIconImage(NSImage::imageNamed("tarn"));
   return all;
 }

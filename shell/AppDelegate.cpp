@@ -1,9 +1,9 @@
 #include "shell/AppDelegate.h"
 
+#include "favourites/ServerItemModel.h"
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSLocalizedString.h"
-#include "resources/Model.h"
 
 #include <utility>
 
@@ -29,14 +29,9 @@ AppDelegate::~AppDelegate() {
   sharedDelegate = nullptr;
 }
 
-const std::shared_ptr<const NSManagedObjectModel>& AppDelegate::managedObjectModel() {
-  if (!managedObjectModel_) managedObjectModel_ = NSManagedObjectModel::initWithContents(serverItemModelText());
-  return managedObjectModel_;
-}
-
 NSPersistentContainer& AppDelegate::persistentContainer() {
   if (!persistentContainer_) {
-    persistentContainer_.emplace("ServerItemModel", managedObjectModel());
+    persistentContainer_.emplace("ServerItemModel", serverItemModel);
     if (const auto error = persistentContainer_->loadPersistentStores()) {
       logLine("Unresolved error " + error->description() + ", " + error->userInfo());
       // Behind the current event, so that it stands in front of the window and not before it.

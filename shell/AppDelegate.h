@@ -1,7 +1,6 @@
 #pragma once
 
 #include "favourites/StoreHost.h"
-#include "platform/coredata/NSManagedObjectModel.h"
 #include "platform/coredata/NSPersistentContainer.h"
 #include "shell/SponsorWC.h"
 
@@ -22,9 +21,6 @@ public:
   // The one that lives, or nothing.
   static AppDelegate* shared();
 
-  // Null if the model that comes with the program can't be loaded: there is no program without it, and nothing below
-  // may be called.
-  const std::shared_ptr<const NSManagedObjectModel>& managedObjectModel();
   // The first call opens the store. If that fails there is a line in the log and, once, an alert, and no favourites.
   NSPersistentContainer& persistentContainer();
   NSManagedObjectContext& context() override;
@@ -41,7 +37,6 @@ public:
   bool applicationShouldTerminate() const { return true; }
 
 private:
-  std::shared_ptr<const NSManagedObjectModel> managedObjectModel_;
   std::optional<NSPersistentContainer> persistentContainer_;
   std::unique_ptr<SponsorWC> sponsorWC_;
 };

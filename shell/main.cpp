@@ -6,7 +6,6 @@
 #include "shell/AppDelegate.h"
 #include "shell/MainWindowController.h"
 
-#include <cstdio>
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -31,10 +30,6 @@ int main(int argc, char** argv) {
   if (!loadResources()) return 1;
 
   AppDelegate delegate;
-  if (!delegate.managedObjectModel()) {
-    std::fputs("tarn: the store's model \"ServerItemModel\" can't be read\n", stderr);
-    return 1;
-  }
   application.setShouldTerminate([&delegate] { return delegate.applicationShouldTerminate(); });
 
   MainViewController content;

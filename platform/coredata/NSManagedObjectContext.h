@@ -1,50 +1,42 @@
 #pragma once
 
-#include "platform/coredata/NSError.h"
-#include "platform/coredata/NSFetchRequest.h"
-#include "platform/coredata/NSManagedObject.h"
-#include "platform/coredata/NSManagedObjectModel.h"
+#include "platform/coredata/SqliteFile.h"
 
-#include <cstdint>
-#include <functional>
-#include <memory>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
+#include <utility>
 
 namespace tarn {
 
-class PersistentStore;
+// Why the store could not do what it was asked.
+struct NSError {
+  std::string file;
+  // A sentence in English without its full stop, such as "database disk image is malformed".
+  std::string reason;
 
-// The records in use, and their changes until save() writes them. Main queue only.
+  // The file and the reason in one line, and the same as the list of its parts.
+  std::string description() const { return file + ": " + reason; }
+  std::string userInfo() const { return "{file = \"" + file + "\"; reason = \"" + reason + "\"}"; }
+};
+
+// The records in use, and their changes until save() writes them. Entities are named as the model has them. Main queue
+// only.
 class NSManagedObjectContext final {
 public:
   using Objects = std::vector<std::shared_ptr<NSManagedObject>>;
 
   // `file` is the store's, for what save() reports.
-  NSManagedObjectContext(std::shared_ptr<const NSManagedObjectModel> model, std::string file);
-  NSManagedObjectContext(const NSManagedObjectContext&) = delete;
-  NSManagedObjectContext& operator=(const NSManagedObjectContext&) = delete;
-  ~NSManagedObjectContext();
+  NSManagedObjectContext(NSManagedObjectModel model, std::string file) : model_(model), file_(std::move(file)) {}
 
-  // Null if the model has no such entity.
-  const NSEntityDescription* entityForName(std::string_view name) const;
-
-  // A new record without values, stored by the next save. Null if the model has no such entity.
+  // A new record without values, stored by the next save.
   std::shared_ptr<NSManagedObject> insertNewObjectForEntityForName(std::string_view name);
 
-  // The records in the store's order, with their unsaved changes, then the new ones; deleted ones are left out. Nothing
-  // if the store can't be read.
-  std::optional<Objects> executeFetchRequest(const NSFetchRequest& request);
+  // The records of an entity in the store's order, with their unsaved changes, then the new ones; deleted ones are left
+  // out. Nothing if the store can't be read.
+  std::optional<Objects> executeFetchRequest(std::string_view entityName);
 
   // The next save removes the record.
-  void deleteObject(const std::shared_ptr<NSManagedObject>& object);
+  void deleteObject(NSManagedObject& object) { object.isDeleted_ = true; }
 
   bool hasChanges() const;
-
-  // Posts the block to the main queue.
-  void performBlock(std::function<void()> block);
 
   // Writes all changes as one transaction. On failure the store is as it was, and the context keeps its changes, so
   // that a later save can still succeed. Nothing is returned when all went well.
@@ -53,22 +45,16 @@ public:
 private:
   friend class NSPersistentContainer;
 
-  std::shared_ptr<NSManagedObject> addObject(const NSEntityDescription& entity);
-  // Takes over what the store holds of the entity; false if it can't be read.
-  bool refresh(const NSEntityDescription& entity);
-  // Within a transaction. Tells the row of each object, in step with objects_.
-  std::optional<NSError> writeChanges(std::vector<std::int64_t>& rowIds);
-  // The row of the object; nothing on failure.
-  std::optional<std::int64_t> write(const NSManagedObject& object);
+  const NSEntityDescription& entityForName(std::string_view name) const;
+  // Within a transaction. The row of the object, none if it is deleted; false on failure.
+  bool write(const NSManagedObject& object, std::optional<std::int64_t>& rowId);
 
-  std::shared_ptr<const NSManagedObjectModel> model_;
+  const NSManagedObjectModel model_;
   const std::string file_;
   // Null while the container has none open: nothing can be fetched or saved.
-  std::unique_ptr<PersistentStore> store_;
-  // Every record in use: those fetched, and the new ones.
+  std::unique_ptr<SqliteFile> store_;
+  // Every record in use: those fetched, the new ones and the deleted ones.
   Objects objects_;
-  // Those of the store that the next save removes.
-  Objects deleted_;
 };
 
 }  // namespace tarn

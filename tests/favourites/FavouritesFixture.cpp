@@ -1,21 +1,13 @@
 #include "tests/favourites/FavouritesFixture.h"
 
-#include "resources/Model.h"
+#include "favourites/ServerItemModel.h"
 #include "resources/Resources.h"
 #include "tests/support/widgets/Hand.h"
 
 namespace tarn::test {
 
-namespace {
-
-std::shared_ptr<const NSManagedObjectModel> storeModel() {
+OpenStore::OpenStore() : container_("ServerItemModel", serverItemModel) {
   EXPECT_TRUE(loadResources());
-  return NSManagedObjectModel::initWithContents(serverItemModelText());
-}
-
-}  // namespace
-
-OpenStore::OpenStore() : container_("ServerItemModel", storeModel()) {
   const auto error = container_.loadPersistentStores();
   EXPECT_FALSE(error) << error->description();
   StoreHost::install(this);

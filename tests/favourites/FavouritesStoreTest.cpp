@@ -13,9 +13,7 @@ protected:
   }
 
   NSManagedObjectContext::Objects records() {
-    NSFetchRequest all;
-    all.setEntity(storeHost.context().entityForName("ServerItemStorage"));
-    return storeHost.context().executeFetchRequest(all).value();
+    return storeHost.context().executeFetchRequest("ServerItemStorage").value();
   }
 };
 

@@ -1,6 +1,5 @@
 #include "platform/appkit/ImageIcon.h"
 #include "platform/appkit/NSImage.h"
-#include "resources/Model.h"
 #include "resources/Resources.h"
 #include "tests/support/widgets/Hand.h"
 
@@ -38,7 +37,6 @@ TEST_F(Images, AreThereAndOthersAreNot) {
   EXPECT_TRUE(NSImage::exists("server-running"));
   EXPECT_FALSE(NSImage::exists("no such image"));
   EXPECT_TRUE(imageIcon(NSImage()).isNull());
-  EXPECT_NE(serverItemModelText().find("ServerItemStorage"), std::string::npos);
 }
 
 TEST_F(Images, TellEachStatusByItsShapeToo) {

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platform/coredata/NSManagedObject.h"
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+struct sqlite3;
+
+namespace tarn {
+
+// A connection to an SQLite file that exists. If it couldn't be opened, each statement fails. Main queue only.
+class SqliteFile final {
+public:
+  explicit SqliteFile(const std::string& file);
+
+  // Runs one statement, the arguments in the place of its `?`. All rows of the answer by the names of the columns,
+  // where what is neither a whole number nor a text is absent; nothing on failure. Waits 5 seconds for another program
+  // that holds the file.
+  std::optional<std::vector<NSManagedValues>> run(const std::string& sql,
+                                                  const std::vector<NSManagedValue>& arguments = {});
+
+  // Writes what `changes` runs as a whole, or nothing of it if that answers false or the process ends. The answer is
+  // why it failed, if it did.
+  std::optional<std::string> writeWhole(const std::function<bool()>& changes);
+
+  // Why the last statement failed.
+  std::string error() const;
+
+private:
+  std::unique_ptr<sqlite3, int (*)(sqlite3*)> connection_;
+};
+
+}  // namespace tarn
