@@ -2,6 +2,7 @@
 
 #include <iconv.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstddef>
@@ -83,10 +84,12 @@ private:
 // This thread's converter for the passage.
 Converter& converter(const char* to, const char* from) {
   thread_local std::vector<std::unique_ptr<Converter>> converters;
-  for (const auto& known : converters) {
-    if (known->converts(to, from)) return *known;
-  }
-  return *converters.emplace_back(std::make_unique<Converter>(to, from));
+  auto known = std::find_if(converters.begin(), converters.end(),
+                            [to, from](const auto& converter) { return converter->converts(to, from); });
+  if (known == converters.end()) known = converters.insert(known, std::make_unique<Converter>(to, from));
+  // The one that was used last comes first, since it is likely to be used next.
+  std::swap(converters.front(), *known);
+  return *converters.front();
 }
 
 }  // namespace
