@@ -1,6 +1,5 @@
 #pragma once
 
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,7 +19,6 @@ enum class CharsetEnum {
 // clang-format on
 
 // All pure; any thread.
-std::span<const CharsetEnum> allCharsets();
 std::string charsetName(CharsetEnum charset);
 std::vector<std::string> charsetNames();
 

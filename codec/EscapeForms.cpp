@@ -1,31 +1,43 @@
 #include "codec/EscapeForms.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 
 namespace tarn {
 namespace {
 
-// The letter after the backslash; 0 for what has no sequence of this kind.
-char letterOfControl(char control) {
-  switch (control) {
-    case '\r':
-      return 'r';
-    case '\n':
-      return 'n';
-    case '\t':
-      return 't';
-    case '\b':
-      return 'b';
-    case '\f':
-      return 'f';
-    default:
-      return 0;
-  }
+struct EscapeSequence {
+  char control;
+  char letter;
+};
+
+constexpr auto sequences =
+    std::to_array<EscapeSequence>({{'\r', 'r'}, {'\n', 'n'}, {'\t', 't'}, {'\b', 'b'}, {'\f', 'f'}});
+
+constexpr std::size_t indexOf(char c) {
+  return static_cast<unsigned char>(c);
 }
 
+// By the character; 0 for those of no sequence.
+using CharacterTable = std::array<char, 256>;
+
+constexpr CharacterTable lettersOfControls = [] {
+  CharacterTable letters{};
+  for (const auto& [control, letter] : sequences)
+    letters[indexOf(control)] = letter;
+  return letters;
+}();
+
+constexpr CharacterTable controlsOfLetters = [] {
+  CharacterTable controls{};
+  for (const auto& [control, letter] : sequences)
+    controls[indexOf(letter)] = control;
+  return controls;
+}();
+
 bool isEscapable(char c) {
-  return c == '\\' || (c >= '\b' && c <= '\r' && c != '\v');
+  return c == '\\' || lettersOfControls[indexOf(c)] != 0;
 }
 
 std::string escape(std::string_view text, bool keepsMarker) {
@@ -39,7 +51,7 @@ std::string escape(std::string_view text, bool keepsMarker) {
       escaped += text[i];
     } else if (text[i] != '\\') {
       escaped += '\\';
-      escaped += letterOfControl(text[i]);
+      escaped += lettersOfControls[indexOf(text[i])];
     } else {
       const bool isMarker = keepsMarker && i + 1 < text.size() && text[i + 1] == 'B';
       escaped += isMarker ? "\\" : "\\\\";
@@ -70,20 +82,7 @@ std::string unescape(std::string_view text, std::string_view doubleBackslash) {
 }  // namespace
 
 char controlOfLetter(char letter) {
-  switch (letter) {
-    case 'r':
-      return '\r';
-    case 'n':
-      return '\n';
-    case 't':
-      return '\t';
-    case 'b':
-      return '\b';
-    case 'f':
-      return '\f';
-    default:
-      return 0;
-  }
+  return controlsOfLetters[indexOf(letter)];
 }
 
 std::string escapeControls(std::string_view text) {

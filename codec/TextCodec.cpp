@@ -1,7 +1,7 @@
 #include "codec/TextCodec.h"
 
 #include "codec/Big5E.h"
-#include "platform/foundation/CharsetConverter.h"
+#include "codec/CharsetTable.h"
 #include "platform/foundation/Utf8.h"
 
 #include <algorithm>
@@ -12,101 +12,22 @@
 namespace tarn {
 namespace {
 
-// A character set of iconv, and where iconv departs from what the set means.
-struct Conversion {
-  SystemCharset system;
-  // ASCII that switches between the parts of the set, and so stands for no character.
-  std::string_view shiftCodes;
-  // Characters that iconv writes although they read back as others.
-  std::array<std::string_view, 2> misread;
-  // Text in ASCII, the shift codes aside, is the same bytes.
-  bool extendsAscii = true;
-};
-
-constexpr std::string_view yenSign = "\u00A5";
-constexpr std::string_view overline = "\u203E";
-constexpr std::string_view wonSign = "\u20A9";
-
-constexpr Conversion extended(const char* name) {
-  return {{name, {}}, {}, {}, true};
-}
-
-constexpr Conversion unicode(const char* name) {
-  return {{name, {}}, {}, {}, false};
-}
-
-constexpr Conversion utf16Big = unicode("UTF-16BE");
-constexpr Conversion utf16Little = unicode("UTF-16LE");
-constexpr Conversion utf32Big = unicode("UTF-32BE");
-constexpr Conversion utf32Little = unicode("UTF-32LE");
-
-// In the order of CharsetEnum. Those without a name are not iconv's matter.
-constexpr auto conversions = std::to_array<Conversion>({
-    {},  // utf8
-    {},  // utf16
-    {},  // utf32
-    utf16Big,
-    utf32Big,
-    utf16Little,
-    utf32Little,
-    extended("GB2312"),
-    extended("GBK"),
-    extended("GB18030"),
-    extended("EUC-CN"),
-    // DEL is refused on reading.
-    {{"ISO-2022-CN", "\x7F"}, "\x0E\x0F\x1B", {}},
-    extended("BIG5"),
-    {},  // big5_E
-    extended("BIG5-HKSCS"),
-    {{"EUC-JP", {}}, {}, {yenSign, overline}},
-    {{"ISO-2022-JP", {}}, "\x1B", {}},
-    {{"EUC-KR", {}}, {}, {wonSign}},
-    {{"ISO-2022-KR", {}}, "\x0E\x0F\x1B", {}},
-    extended("EUC-TW"),
-    extended("ISO-8859-1"),
-    extended("ISO-8859-2"),
-    extended("ISO-8859-3"),
-    extended("ISO-8859-4"),
-    extended("ISO-8859-5"),
-    extended("ISO-8859-6"),
-    extended("ISO-8859-7"),
-    extended("ISO-8859-8"),
-    extended("ISO-8859-9"),
-    extended("ISO-8859-10"),
-    extended("ISO-8859-11"),
-    extended("ISO-8859-13"),
-    extended("ISO-8859-14"),
-    extended("ISO-8859-15"),
-    extended("ISO-8859-16"),
-    extended("CP1256"),
-    extended("CP1253"),
-    extended("CP1255"),
-    extended("CP1250"),
-    extended("CP1254"),
-    extended("CP1251"),
-    extended("CP1257"),
-    extended("CP1258"),
-    // 0x5C is the backslash, which iconv refuses on writing, and reads as the won sign.
-    {{"JOHAB", "\\"}, {}, {wonSign}},
-    extended("KOI8-R"),
-    extended("KOI8-U"),
-});
-static_assert(conversions.size() == static_cast<std::size_t>(CharsetEnum::KOI8_U) + 1);
-
 const Conversion& conversionOf(CharsetEnum charset) {
-  return conversions[static_cast<std::size_t>(charset)];
+  return rowOf(charset).conversion;
 }
 
 // The two forms of a Unicode charset with a byte order mark.
 struct MarkedCharset {
   std::string_view bigMark;
-  const Conversion& big;
+  CharsetEnum big;
   std::string_view littleMark;
-  const Conversion& little;
+  CharsetEnum little;
 };
 
-constexpr MarkedCharset markedUtf16 = {{"\xFE\xFF", 2}, utf16Big, {"\xFF\xFE", 2}, utf16Little};
-constexpr MarkedCharset markedUtf32 = {{"\0\0\xFE\xFF", 4}, utf32Big, {"\xFF\xFE\0\0", 4}, utf32Little};
+constexpr MarkedCharset markedUtf16 = {
+    {"\xFE\xFF", 2}, CharsetEnum::utf16BigEndian, {"\xFF\xFE", 2}, CharsetEnum::utf16LittleEndian};
+constexpr MarkedCharset markedUtf32 = {
+    {"\0\0\xFE\xFF", 4}, CharsetEnum::utf32BigEndian, {"\xFF\xFE\0\0", 4}, CharsetEnum::utf32LittleEndian};
 
 bool containsAnyOf(std::string_view bytes, std::string_view codes) {
   return !codes.empty() && bytes.find_first_of(codes) != std::string_view::npos;
@@ -131,10 +52,10 @@ std::optional<std::string> decode(std::string_view bytes, CharsetEnum charset) {
 std::optional<std::string> decodeMarked(std::string_view bytes, const MarkedCharset& charset) {
   const bool isLittle = bytes.starts_with(charset.littleMark);
   if (isLittle || bytes.starts_with(charset.bigMark)) bytes.remove_prefix(charset.bigMark.size());
-  return convertToUtf8(bytes, (isLittle ? charset.little : charset.big).system);
+  return convertToUtf8(bytes, conversionOf(isLittle ? charset.little : charset.big).system);
 }
 
-// The tag characters, U+E0000 to U+E007F: where a charset hasn't got them, iconv drops them without a word.
+// The tag characters, U+E0000 to U+E007F: where a charset hasn't got them, iconv drops them silently.
 bool containsTags(std::string_view text) {
   static constexpr std::string_view beginning = "\xF3\xA0";
   for (std::size_t at = text.find(beginning); at != std::string_view::npos; at = text.find(beginning, at + 1)) {
@@ -168,7 +89,7 @@ std::optional<Bytes> encode(std::string_view text, CharsetEnum charset) {
 
 // In the order of the platform that most machines have, little-endian, with the mark that says so.
 std::optional<Bytes> encodeMarked(std::string_view text, const MarkedCharset& charset) {
-  const auto body = convertFromUtf8(text, charset.little.system);
+  const auto body = convertFromUtf8(text, conversionOf(charset.little).system);
   if (!body || body->empty()) return asBytes(body);
   Bytes bytes(charset.littleMark);
   bytes.append(*body);

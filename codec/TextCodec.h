@@ -1,7 +1,6 @@
 #pragma once
 
 #include "codec/CharsetEnum.h"
-#include "platform/foundation/Base64.h"
 #include "platform/foundation/Bytes.h"
 
 #include <optional>
@@ -19,14 +18,6 @@ std::optional<Bytes> textToBytes(std::string_view text, CharsetEnum charset);
 
 // True if the bytes are ASCII that the character set reads and writes as it is: a quick look, where only that matters.
 bool isPlainAscii(std::string_view bytes, CharsetEnum charset);
-
-// Names of the codec for the Base64 of platform/foundation.
-inline std::string bytesToBase64(std::string_view bytes) {
-  return base64Encode(bytes);
-}
-inline std::optional<Bytes> base64ToBytes(std::string_view text) {
-  return base64Decode(text);
-}
 
 // The two characters in front of Base64 text: how bytes that don't decode are shown and typed.
 inline constexpr std::string_view base64Marker = "\\B";
