@@ -1,6 +1,7 @@
 #include "wire/reply/ConsoleReplyReader.h"
 
 #include "codec/TextCodec.h"
+#include "platform/foundation/Base64.h"
 #include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/Utf8.h"
 #include "wire/reply/ReplyMessages.h"
@@ -91,7 +92,7 @@ bool ConsoleReplyReader::processConsoleBulkItem() {
   const std::string_view bytes = value.view();
   if (!isValidUtf8(bytes)) {
     text_ += base64Marker;
-    text_ += bytesToBase64(bytes);
+    text_ += base64Encode(bytes);
     return true;
   }
   if (bytes.starts_with(base64Marker)) text_ += '\\';

@@ -2,6 +2,7 @@
 
 #include "codec/EscapeForms.h"
 #include "codec/TextCodec.h"
+#include "platform/foundation/Base64.h"
 #include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/SplitText.h"
 #include "platform/foundation/Utf8.h"
@@ -17,16 +18,16 @@ bool isMarked(std::string_view text) {
 }
 
 std::string markedBase64(std::string_view bytes) {
-  return std::string(base64Marker) + bytesToBase64(bytes);
+  return std::string(base64Marker) + base64Encode(bytes);
 }
 
 std::optional<Bytes> bytesOfMarked(std::string_view text) {
-  return base64ToBytes(text.substr(base64Marker.size()));
+  return base64Decode(text.substr(base64Marker.size()));
 }
 
 // No marker and no escapes.
 std::optional<Bytes> bytesOfPlain(std::string_view text, TextForm form) {
-  return form.isBase64 ? base64ToBytes(text) : textToBytes(text, form.charset);
+  return form.isBase64 ? base64Decode(text) : textToBytes(text, form.charset);
 }
 
 bool holdsBackslash(std::string_view text) {
@@ -81,7 +82,7 @@ BytesOrAlert keyFromText(std::string_view text, TextForm form) {
   const bool marked = form.translates && isMarked(text);
   if (marked || form.isBase64) {
     const std::string alert = localizedString("Can not decode Base64 Key '{0}'");
-    return {marked ? bytesOfMarked(text) : base64ToBytes(text), replacingPlaceholder(alert, "{0}", text)};
+    return {marked ? bytesOfMarked(text) : base64Decode(text), replacingPlaceholder(alert, "{0}", text)};
   }
   // The name goes in first: the key may hold what looks like a placeholder.
   const std::string alert =
@@ -127,7 +128,7 @@ TypedCell rowTypedInCell(std::string text, TextForm form) {
   if (form.isBase64 || isMarked(text)) {
     const std::optional<std::string_view> base64 = behindTwoCharacters(text);
     if (!base64) return {Outcome::tooShort, {}, {}};
-    std::optional<Bytes> bytes = base64ToBytes(*base64);
+    std::optional<Bytes> bytes = base64Decode(*base64);
     if (!bytes) return {Outcome::noBase64, {}, {}};
     return {Outcome::taken, std::move(text), *std::move(bytes)};
   }
@@ -163,7 +164,7 @@ bool standsForItself(std::string_view bytes, TextForm form) {
 }
 
 std::optional<std::string> stringText(std::string_view bytes, TextForm form) {
-  if (form.isBase64) return bytesToBase64(bytes);
+  if (form.isBase64) return base64Encode(bytes);
   return bytesToText(bytes, form.charset);
 }
 
