@@ -5,6 +5,7 @@
 #include <deque>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tarn::test {
@@ -20,21 +21,40 @@ public:
     std::vector<std::string> buttons;
   };
 
-  AlertRecorder();
+  AlertRecorder()
+      : before_(NSAlert::setPresenter([this](const NSAlert& alert) {
+          shown_.push_back({alert.messageText(), alert.informativeText(), static_cast<int>(alert.alertStyle()),
+                            alert.buttonTitles()});
+          if (const auto action = next(actions_)) action();
+          return answers_.empty() ? NSAlert::firstButtonReturn : next(answers_);
+        })) {}
   AlertRecorder(const AlertRecorder&) = delete;
   AlertRecorder& operator=(const AlertRecorder&) = delete;
-  ~AlertRecorder();
+  ~AlertRecorder() { NSAlert::setPresenter(std::move(before_)); }
 
   // The next alert without an answer in the queue takes this one: 1000 the first button, 1001 the second.
-  void answerNext(int result);
+  void answerNext(int result) { answers_.push_back(result); }
   // Runs while the next alert is up, before it is answered.
-  void whileNextIsUp(std::function<void()> action);
+  void whileNextIsUp(std::function<void()> action) { actions_.push_back(std::move(action)); }
 
   const std::vector<Shown>& shown() const { return shown_; }
-  std::vector<std::string> messages() const;
+  std::vector<std::string> messages() const {
+    std::vector<std::string> texts;
+    for (const Shown& alert : shown_)
+      texts.push_back(alert.message);
+    return texts;
+  }
   void clear() { shown_.clear(); }
 
 private:
+  template <typename T>
+  static T next(std::deque<T>& queue) {
+    if (queue.empty()) return {};
+    T first = std::move(queue.front());
+    queue.pop_front();
+    return first;
+  }
+
   std::vector<Shown> shown_;
   std::deque<int> answers_;
   std::deque<std::function<void()>> actions_;

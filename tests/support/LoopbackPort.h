@@ -1,5 +1,12 @@
 #pragma once
 
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <stdexcept>
+
 namespace tarn::test {
 
 // A TCP port of 127.0.0.1 that the system gives to nobody else while this lives: tests run side by side and must not
@@ -7,18 +14,31 @@ namespace tarn::test {
 // is refused at once. Throws std::runtime_error if there is none.
 class LoopbackPort final {
 public:
-  LoopbackPort();
+  // Bound, never listening: two sockets with SO_REUSEADDR may share a port as long as one of them doesn't listen, and
+  // the system picks no port that is bound already.
+  LoopbackPort() : descriptor_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    const int yes = 1;
+    address_.sin_family = AF_INET;
+    address_.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address_;
+    auto* const address = reinterpret_cast<sockaddr*>(&address_);
+    if (::setsockopt(descriptor_, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes) == 0 &&
+        ::bind(descriptor_, address, size) == 0 && ::getsockname(descriptor_, address, &size) == 0)
+      return;
+    ::close(descriptor_);
+    throw std::runtime_error("No free port on 127.0.0.1");
+  }
   LoopbackPort(const LoopbackPort&) = delete;
   LoopbackPort& operator=(const LoopbackPort&) = delete;
-  ~LoopbackPort();
+  ~LoopbackPort() { ::close(descriptor_); }
 
-  int number() const { return number_; }
+  int number() const { return ntohs(address_.sin_port); }
   // The socket that holds the port, for a test that listens on it itself.
   int descriptor() const { return descriptor_; }
 
 private:
-  int descriptor_ = -1;
-  int number_ = 0;
+  const int descriptor_;
+  sockaddr_in address_{};
 };
 
 }  // namespace tarn::test

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "tests/support/LoopbackPort.h"
+#include "tests/support/TemporaryFolder.h"
 
-#include <cstddef>
-#include <filesystem>
-#include <memory>
+#include <iterator>
+#include <list>
 #include <string>
 #include <vector>
 
@@ -19,7 +19,7 @@ public:
   explicit RedisServer(std::vector<std::string> options = {});
   RedisServer(const RedisServer&) = delete;
   RedisServer& operator=(const RedisServer&) = delete;
-  ~RedisServer();
+  ~RedisServer() { kill(); }
 
   int port() const { return port_.number(); }
 
@@ -34,15 +34,9 @@ public:
   void freeze();
 
 private:
-  void spawn();
-  bool hasEnded();
-  void waitUntilItAnswers();
-  std::string log() const;
-  std::string password() const;
-
-  std::vector<std::string> options_;
-  LoopbackPort port_;
-  std::filesystem::path folder_;
+  const std::vector<std::string> options_;
+  const LoopbackPort port_;
+  const TemporaryFolder folder_;
   int pid_ = -1;
 };
 
@@ -51,15 +45,12 @@ private:
 class RedisCluster final {
 public:
   explicit RedisCluster(const std::vector<std::string>& options = {});
-  RedisCluster(const RedisCluster&) = delete;
-  RedisCluster& operator=(const RedisCluster&) = delete;
-  ~RedisCluster();
 
-  RedisServer& master(int index) { return *masters_[static_cast<std::size_t>(index)]; }
+  RedisServer& master(int index) { return *std::next(masters_.begin(), index); }
 
 private:
-  std::vector<std::unique_ptr<LoopbackPort>> busPorts_;
-  std::vector<std::unique_ptr<RedisServer>> masters_;
+  std::list<LoopbackPort> busPorts_;
+  std::list<RedisServer> masters_;
 };
 
 }  // namespace tarn::test

@@ -1,48 +1,91 @@
-#include "platform/foundation/NSRunLoop.h"
 #include "tests/support/LoopbackPort.h"
 #include "tests/wire/WireTest.h"
+#include "wire/connection/Connection.h"
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
-#include <sched.h>
-#include <sys/resource.h>
-#include <unistd.h>
+#include <sys/socket.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <map>
-#include <thread>
 
 namespace tarn::test {
 namespace {
 
 using Status = ConnectionStatus;
 
-class Connecting : public WireTest {
+class ConnectionTest : public WireTest {
 protected:
-  struct Failure {
-    std::string message;
-    Status status;
-    // What the failure's line on standard error begins with.
-    std::string log = {};
-  };
-
-  // The connect fails as told and leaves no more open than `before`: counted before the first of several connects,
-  // since a peer of ours may take one late, when it has failed already.
-  static void expectFailure(ServerItem& server, const Failure& expected, std::size_t before = openDescriptors()) {
-    testing::internal::CaptureStderr();
-    const auto outcome = server.connectToServer();
-    const std::string log = testing::internal::GetCapturedStderr();
-    EXPECT_TRUE(expected.log.empty() ? log.empty() : log.starts_with(expected.log + ": ")) << log;
-    EXPECT_FALSE(outcome.ok);
-    EXPECT_FALSE(outcome.closed);
-    EXPECT_EQ(outcome.message, expected.message);
-    EXPECT_EQ(server.connectionStatus(), expected.status);
-    EXPECT_FALSE(server.isAlive());
-    // The other end, which may be ours too, closes when it notices.
-    waitUntil([&] { return openDescriptors() == before; });
+  static ServerAddress address(int port, std::string password = {}) {
+    return {.name = "a", .host = "127.0.0.1", .port = port, .password = std::move(password)};
   }
+};
+
+// System calls of which a test makes one fail, or waits for one.
+class TamperedCalls final : public SocketCalls {
+public:
+  int numericName(const sockaddr* address, socklen_t length, std::string& host, std::string& port) override {
+    return fails("name") ? EAI_FAIL : SocketCalls::numericName(address, length, host, port);
+  }
+  int socket(int family, int type, int protocol) override {
+    return fails("socket") ? -1 : SocketCalls::socket(family, type, protocol);
+  }
+  int getFlags(int descriptor) override {
+    flagReads_ = (flagReads_ + 1) % 2;
+    return fails("get" + std::to_string(flagReads_)) ? -1 : SocketCalls::getFlags(descriptor);
+  }
+  int setFlags(int descriptor, int flags) override {
+    return fails("set" + std::to_string(flagReads_)) ? -1 : SocketCalls::setFlags(descriptor, flags);
+  }
+  int connect(int descriptor, const sockaddr* address, socklen_t length) override {
+    if (beforeConnect) beforeConnect();
+    return fails("connect") ? -1 : SocketCalls::connect(descriptor, address, length);
+  }
+  int poll(pollfd* descriptor, int milliseconds) override {
+    waits.push_back(milliseconds);
+    if (waits.size() == 1 && fails("interrupted poll")) return -1;
+    return fails("poll") ? (error == 0 ? 0 : -1) : SocketCalls::poll(descriptor, milliseconds);
+  }
+  int setOption(int descriptor, int level, int option, const void* value, socklen_t length) override {
+    const bool isTime = option == SO_SNDTIMEO || option == SO_RCVTIMEO;
+    options[{level, option}] =
+        isTime ? static_cast<const timeval*>(value)->tv_sec * 1000000 + static_cast<const timeval*>(value)->tv_usec
+               : *static_cast<const std::int64_t*>(value);
+    EXPECT_EQ(SocketCalls::setOption(descriptor, level, option, value, length), 0);
+    return fails("option") ? -1 : 0;
+  }
+  ssize_t send(int descriptor, const void* bytes, std::size_t count, int flags) override {
+    EXPECT_TRUE(flags & MSG_NOSIGNAL);
+    if (++sends_ % 2 == 0 && fails("every other send")) return -1;
+    return fails("send") ? -1 : SocketCalls::send(descriptor, bytes, std::min<std::size_t>(count, 3), flags);
+  }
+  ssize_t receive(int descriptor, void* bytes, std::size_t count, int flags) override {
+    ++receives;
+    const bool waits = (flags & MSG_DONTWAIT) == 0;
+    if (waits && beforeReceive) beforeReceive();
+    return SocketCalls::receive(descriptor, bytes, count, beforeReceive ? flags | MSG_DONTWAIT : flags);
+  }
+
+  std::string failing;
+  int error = EINVAL;
+  std::function<void()> beforeConnect;
+  // Waits in place of the system, which gives its own wait up at once.
+  std::function<void()> beforeReceive;
+  std::vector<int> waits;
+  std::map<std::pair<int, int>, std::int64_t> options;
+  std::atomic<int> receives = 0;
+
+private:
+  bool fails(const std::string& call) const {
+    if (failing != call) return false;
+    errno = error;
+    return true;
+  }
+
+  int flagReads_ = 0;
+  int sends_ = 0;
 };
 
 // A listener whose backlog is full: the next connect is neither taken nor refused.
@@ -70,324 +113,275 @@ private:
   std::array<int, 4> fillers_{};
 };
 
-TEST_F(Connecting, OpensAuthenticatesAndCloses) {
+TEST_F(ConnectionTest, OpensAuthenticatesAndCloses) {
   RedisServer server({"--requirepass", "s3cret"});
   const std::size_t before = openDescriptors();
-  const auto good = item(server.port(), "s3cret");
-  EXPECT_EQ(good->connectionStatus(), Status::notConnected);
-  EXPECT_FALSE(good->isAlive());
-  testing::internal::CaptureStdout();
-  const auto outcome = good->connectToServer();
-  EXPECT_EQ(testing::internal::GetCapturedStdout(),
-            "IP address:127.0.0.1 port:" + std::to_string(server.port()) + "\nconnecting\nconnected\nBLOCK setted\n");
-  EXPECT_TRUE(outcome.ok);
-  EXPECT_EQ(good->connectionStatus(), Status::connected);
-  EXPECT_EQ(good->keyType("k"_bytes), std::pair(true, std::string("none")));
-
-  const auto bad = item(server.port(), "wrong");
-  const auto refused = bad->connectToServer();
-  EXPECT_FALSE(refused.ok);
-  EXPECT_FALSE(refused.closed);
-  EXPECT_TRUE(refused.message.starts_with("WRONGPASS")) << refused.message;
-  EXPECT_EQ(bad->connectionStatus(), Status::connected);
-  EXPECT_TRUE(bad->isAlive());
-
-  for (const auto& server : {good, bad}) {
-    server->closeConnection();
-    EXPECT_EQ(server->connectionStatus(), Status::notConnected);
-    EXPECT_FALSE(server->isAlive());
+  for (const bool isRight : {true, false}) {
+    Connection connection(SocketCalls::system());
+    EXPECT_EQ(connection.status(), Status::notConnected);
+    EXPECT_FALSE(connection.isAlive());
+    testing::internal::CaptureStdout();
+    const auto outcome = connection.connect(address(server.port(), isRight ? "s3cret" : "wrong"), 0, isRight ? 3 : 0);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "IP address:127.0.0.1 port:" + std::to_string(server.port()) + "\nconnecting\nconnected\nBLOCK setted\n");
+    EXPECT_EQ(outcome.ok, isRight);
+    EXPECT_TRUE(outcome.isOpen);
+    EXPECT_FALSE(outcome.closed);
+    EXPECT_TRUE(isRight || outcome.message.starts_with("WRONGPASS")) << outcome.message;
+    EXPECT_EQ(connection.status(), Status::connected);
+    EXPECT_EQ(connection.database(), isRight ? 3 : 0);
+    EXPECT_TRUE(connection.isAlive());
+    EXPECT_EQ(connection.execute(RedisCommand::get, {"k"}).ok, isRight);
+    EXPECT_EQ(connection.execute(RedisCommand::select, {"1"}).ok, isRight);
+    EXPECT_EQ(connection.database(), isRight ? 1 : 0);
+    connection.close();
+    EXPECT_EQ(connection.status(), Status::notConnected);
+    EXPECT_FALSE(connection.isAlive());
+    EXPECT_EQ(connection.connect(address(server.port(), "s3cret"), connection.epoch()).ok, true);
+    EXPECT_EQ(connection.database(), 0);
   }
   EXPECT_EQ(openDescriptors(), before);
-  EXPECT_EQ(alerts(), Messages{});
 }
 
-// Four probes of keepalive, then five seconds each way; a failure of any of them only goes to the log.
-TEST_F(Connecting, TunesTheSocketAndGoesOnWithoutTheTuning) {
-  class Tuning final : public SocketCalls {
-  public:
-    int setOption(int descriptor, int level, int option, const void* value, socklen_t length) override {
-      if (option == SO_SNDTIMEO || option == SO_RCVTIMEO) {
-        seen[{level, option}] = static_cast<const timeval*>(value)->tv_sec;
-      } else {
-        seen[{level, option}] = *static_cast<const std::int64_t*>(value);
-      }
-      EXPECT_EQ(SocketCalls::setOption(descriptor, level, option, value, length), 0);
-      errno = EINVAL;
-      return -1;
-    }
-    std::map<std::pair<int, int>, std::int64_t> seen;
-  } calls;
-  ScriptedServer peer(answering({}));
-  const auto server = itemWith(calls, peer.port());
-  EXPECT_TRUE(server->connectToServer().ok);
-  const std::map<std::pair<int, int>, std::int64_t> expected{
-      {{SOL_SOCKET, SO_KEEPALIVE}, 1}, {{IPPROTO_TCP, TCP_KEEPIDLE}, 15}, {{IPPROTO_TCP, TCP_KEEPINTVL}, 5},
-      {{IPPROTO_TCP, TCP_KEEPCNT}, 3}, {{SOL_SOCKET, SO_SNDTIMEO}, 5},    {{SOL_SOCKET, SO_RCVTIMEO}, 5},
-  };
-  EXPECT_EQ(calls.seen, expected);
-  server->closeConnection();
-}
-
-TEST_F(Connecting, TellsAnAddressThatCannotBeResolved) {
-  const std::vector<std::pair<std::string, int>> cases{
-      {"", 6379}, {"no such host", 6379}, {"127.0.0.1", -1}, {"127.0.0.1", 6379 - 65536}, {"127.0.0.1", 65536 + 6379}};
-  for (const auto& [host, port] : cases) {
-    const auto server = item(port);
-    server->setServerIp(host);
-    expectFailure(*server, {"Can not get IP address or Port.", Status::notConnected});
-  }
-}
-
-TEST_F(Connecting, TellsARefusalAndConnectsOnceTheServerIsThere) {
-  RedisServer server;
-  server.kill();
-  const auto client = item(server.port());
-  expectFailure(*client, {"Can not connect to Server(a).", Status::disConnected, "not connect"});
-  server.start();
-  EXPECT_TRUE(client->connectToServer().ok);
-  client->closeConnection();
-}
-
-// The failures that no peer can provoke, one after the other, on a listener that works.
-TEST_F(Connecting, TellsEachSystemCallThatFails) {
-  class Failing final : public SocketCalls {
-  public:
-    int numericName(const sockaddr* address, socklen_t length, std::string& host, std::string& port) override {
-      return fails == "name" ? EAI_FAIL : SocketCalls::numericName(address, length, host, port);
-    }
-    int socket(int family, int type, int protocol) override {
-      return fails == "socket" ? failure() : SocketCalls::socket(family, type, protocol);
-    }
-    int getFlags(int descriptor) override {
-      ++flagReads;
-      return fails == "get" + std::to_string(flagReads) ? failure() : SocketCalls::getFlags(descriptor);
-    }
-    int setFlags(int descriptor, int flags) override {
-      return fails == "set" + std::to_string(flagReads) ? failure() : SocketCalls::setFlags(descriptor, flags);
-    }
-    int connect(int descriptor, const sockaddr* address, socklen_t length) override {
-      if (fails != "connect") return SocketCalls::connect(descriptor, address, length);
-      errno = error;
-      return -1;
-    }
-    int poll(pollfd* descriptor, int milliseconds) override {
-      return fails == "poll" ? failure() : SocketCalls::poll(descriptor, milliseconds);
-    }
-    std::string fails;
-    int error = EINVAL;
-    int flagReads = 0;
-
-  private:
-    int failure() const {
-      errno = EINVAL;
-      return -1;
-    }
-  } calls;
-
+// Each failure of a connect: the call that fails, the message, the status, and how its line on standard error begins.
+TEST_F(ConnectionTest, TellsEachConnectThatFails) {
+  RedisServer dead;
+  dead.kill();
   ScriptedServer peer(answering({":1\r\n"}));
-  const auto server = itemWith(calls, peer.port());
-  const std::vector<std::pair<std::string, Failure>> cases{
-      {"name", {"Not Found IP address for server(a).", Status::disConnected}},
-      {"socket", {"Can not create socket.", Status::disConnected, "Failure: creating socket"}},
-      {"get1", {"Can not set socket options.", Status::disConnected, "flags get error"}},
-      {"set1", {"Can not set socket options.", Status::disConnected, "flags set error"}},
-      {"poll", {"Can not connect to Server(a).", Status::disConnected, "not connect"}},
-      {"connect", {"Can not connect to Server(a).", Status::disConnected, "not connect"}},
-      {"get2", {"Can not set socket options.", Status::connected, "flags get error"}},
-      {"set2", {"Can not set socket options.", Status::connected, "flags set error"}},
+  struct Case {
+    std::string failing;
+    ServerAddress to;
+    std::string message;
+    Status status = Status::disConnected;
+    std::string log = {};
+    int error = EINVAL;
   };
+  const ServerAddress here = address(peer.port());
+  ServerAddress nameless = here;
+  nameless.name.clear();
+  ServerAddress nowhere = here;
+  nowhere.host = "no such host";
+  const std::string unresolved = "Can not get IP address or Port.";
+  const std::string refused = "Can not connect to Server(a).";
+  const std::string options = "Can not set socket options.";
+  // clang-format off
+  const std::vector<Case> cases{
+      {"", nowhere, unresolved, Status::notConnected},
+      {"", address(-1), unresolved, Status::notConnected},
+      {"", address(6379 - 65536), unresolved, Status::notConnected},
+      {"", address(65536), unresolved, Status::notConnected},
+      {"", address(65536 + 6379), unresolved, Status::notConnected},
+      {"", address(dead.port()), refused, Status::disConnected, "not connect"},
+      {"name", here, "Not Found IP address for server(a)."},
+      {"socket", here, "Can not create socket.", Status::disConnected, "Failure: creating socket"},
+      {"get1", here, options, Status::disConnected, "flags get error"},
+      {"set1", here, options, Status::disConnected, "flags set error"},
+      {"poll", here, refused, Status::disConnected, "not connect"},
+      {"poll", here, "Connect Server(a) timeout.", Status::disConnected, "not connect", 0},
+      {"connect", here, refused, Status::disConnected, "not connect"},
+      {"connect", here, "Can not reach Server((a)).", Status::disConnected, "host can not reach", EHOSTUNREACH},
+      {"connect", nameless, "Can not reach Server().", Status::disConnected, "host can not reach", EHOSTUNREACH},
+      {"get0", here, options, Status::connected, "flags get error"},
+      {"set0", here, options, Status::connected, "flags set error"},
+  };
+  // clang-format on
   const std::size_t before = openDescriptors();
-  for (const auto& [call, expected] : cases) {
-    SCOPED_TRACE(call);
-    calls.fails = call;
-    calls.flagReads = 0;
-    expectFailure(*server, expected, before);
+  for (const Case& expected : cases) {
+    SCOPED_TRACE(expected.failing + ": " + expected.message);
+    TamperedCalls calls;
+    calls.failing = expected.failing;
+    calls.error = expected.error;
+    Connection connection(calls);
+    testing::internal::CaptureStderr();
+    const auto outcome = connection.connect(expected.to, 0);
+    const std::string log = testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(expected.log.empty() ? log.empty() : log.starts_with(expected.log + ": ")) << log;
+    EXPECT_FALSE(outcome.ok || outcome.isOpen || outcome.closed);
+    EXPECT_EQ(outcome.message, expected.message);
+    EXPECT_EQ(connection.status(), expected.status);
+    EXPECT_FALSE(connection.isAlive());
+    // The other end, which may be ours too, closes when it notices.
+    waitUntil([&] { return openDescriptors() == before; });
+    calls.failing.clear();
+    EXPECT_TRUE(connection.connect(here, 0).ok);
   }
-  calls.fails = "connect";
-  calls.error = EHOSTUNREACH;
-  expectFailure(*server, {"Can not reach Server((a)).", Status::disConnected, "host can not reach"}, before);
-  server->setConnectionName("");
-  expectFailure(*server, {"Can not reach Server().", Status::disConnected, "host can not reach"}, before);
-
-  calls.fails.clear();
-  EXPECT_TRUE(server->connectToServer().ok);
-  EXPECT_TRUE(server->deleteKey("k"_bytes));
-  server->closeConnection();
 }
 
-TEST_F(Connecting, TellsThatTheProcessHasNoDescriptorLeft) {
-  const auto server = item(1);
-  rlimit limit{};
-  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
-  const rlimit none{3, limit.rlim_max};
-  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
-  const auto outcome = server->connectToServer();
-  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
-  EXPECT_EQ(outcome.message, "Can not create socket.");
-  EXPECT_EQ(server->connectionStatus(), Status::disConnected);
+// Four probes of keepalive, then five seconds each way; a failure of any of them only goes to the log. The connect
+// waits for five seconds, of which an interruption takes nothing.
+TEST_F(ConnectionTest, TunesTheSocketAndGoesOnWithoutTheTuning) {
+  TamperedCalls calls;
+  ScriptedServer peer(answering({}));
+  Connection connection(calls);
+  calls.failing = "option";
+  EXPECT_TRUE(connection.connect(address(peer.port()), 0).ok);
+  const std::map<std::pair<int, int>, std::int64_t> expected{
+      {{SOL_SOCKET, SO_KEEPALIVE}, 1}, {{IPPROTO_TCP, TCP_KEEPIDLE}, 15},    {{IPPROTO_TCP, TCP_KEEPINTVL}, 5},
+      {{IPPROTO_TCP, TCP_KEEPCNT}, 3}, {{SOL_SOCKET, SO_SNDTIMEO}, 5000000}, {{SOL_SOCKET, SO_RCVTIMEO}, 5000000},
+  };
+  EXPECT_EQ(calls.options, expected);
+  calls.waits.clear();
+  calls.failing = "interrupted poll";
+  calls.error = EINTR;
+  EXPECT_TRUE(connection.connect(address(peer.port()), 0).ok);
+  ASSERT_EQ(calls.waits.size(), 2U);
+  EXPECT_LE(calls.waits[0], 5000);
+  EXPECT_LE(calls.waits[1], calls.waits[0]);
+  EXPECT_GT(calls.waits[1], 0);
 }
 
-TEST_F(Connecting, TellsThatThereIsNoRoute) {
-  if (::geteuid() != 0) GTEST_SKIP() << "A network namespace with an unreachable route takes root.";
-  const auto server = item(6379);
-  server->setServerIp("10.9.8.7");
-  bool ready = false;
-  // A namespace belongs to the thread that made it, and goes with it.
-  std::thread([&] {
-    ready =
-        ::unshare(CLONE_NEWNET) == 0 && std::system("ip link set lo up && ip route add unreachable 10.9.8.7/32") == 0;
-    if (ready) expectFailure(*server, {"Can not reach Server((a)).", Status::disConnected, "host can not reach"});
-  }).join();
-  if (!ready) GTEST_SKIP() << "No network namespace can be set up here.";
-}
-
-TEST_F(Connecting, NoticesAPeerThatClosesAndLeavesWaitingBytesAlone) {
-  std::atomic<bool> close = false;
-  ScriptedServer peer([&](ScriptedServer::Peer& client, int) {
-    client.send(":5\r\n");
-    waitUntil([&] { return close.load(); });
+// Closed while it waits for the connect, while it waits for the reply to AUTH, and when there is a socket, but no
+// connect yet that shutting it down could end: nobody waits for the five seconds.
+TEST_F(ConnectionTest, ClosedWhileItConnectsStaysClosed) {
+  const FullBacklog blackHole;
+  std::atomic<int> asked = 0;
+  ScriptedServer silent([&](Peer& client, int) {
+    client.readRequest();
+    ++asked;
+    client.readRequest();
   });
-  const auto server = connectedItem(peer.port());
-  for (int i = 0; i < 3; ++i)
-    EXPECT_TRUE(server->isAlive());
-  EXPECT_EQ(server->keyTtl("k"_bytes).second, "5");
-  close = true;
-  waitUntil([&] { return !server->isAlive(); });
-}
-
-TEST_F(Connecting, ClosedWhileItConnectsStaysClosed) {
-  const auto closeOnce = [](const std::shared_ptr<ServerItem>& server, const std::function<bool()>& underWay) {
-    ServerItem::Outcome outcome;
-    std::thread connecting([&] { outcome = server->connectToServer(); });
+  TamperedCalls calls;
+  Connection connection(calls);
+  const std::size_t before = openDescriptors();
+  const auto closeDuring = [&](const ServerAddress& to, const std::function<bool()>& underWay) {
+    Connection::Outcome outcome;
+    std::thread connecting([&, began = connection.epoch()] { outcome = connection.connect(to, began); });
     waitUntil(underWay);
-    server->closeConnection();
+    connection.close();
     connecting.join();
     EXPECT_FALSE(outcome.ok);
     EXPECT_TRUE(outcome.closed);
-    EXPECT_EQ(server->connectionStatus(), Status::notConnected);
+    EXPECT_EQ(outcome.message, "Can not connect to Server(a).");
+    EXPECT_EQ(connection.status(), Status::notConnected);
   };
-  const std::size_t before = openDescriptors();
-  {
-    const FullBacklog blackHole;
-    const auto server = item(blackHole.port());
-    closeOnce(server, [&] { return server->connectionStatus() == Status::connecting; });
-
-    std::atomic<bool> asked = false;
-    ScriptedServer silent([&](ScriptedServer::Peer& client, int) {
-      client.readRequest();
-      asked = true;
-      client.readRequest();
-    });
-    closeOnce(item(silent.port(), "secret"), [&] { return asked.load(); });
-  }
-  EXPECT_EQ(openDescriptors(), before);
+  closeDuring(address(blackHole.port()), [&] { return connection.status() == Status::connecting; });
+  closeDuring(address(silent.port(), "secret"), [&] { return asked == 1; });
+  calls.waits.clear();
+  calls.beforeConnect = [&] { connection.close(); };
+  EXPECT_TRUE(connection.connect(address(blackHole.port()), connection.epoch()).closed);
+  EXPECT_TRUE(connection.connect(address(silent.port()), connection.epoch() - 1).closed);
+  EXPECT_EQ(calls.waits, std::vector<int>());
+  EXPECT_EQ(connection.status(), Status::notConnected);
+  waitUntil([&] { return openDescriptors() == before; });
 }
 
-// Closed when there is a socket, but no connect yet that shutting it down could end: nobody waits for the five seconds.
-TEST_F(Connecting, ClosedRightBeforeItConnectsDoesNotWait) {
-  class Closing final : public SocketCalls {
-  public:
-    int connect(int descriptor, const sockaddr* address, socklen_t length) override {
-      server->closeConnection();
-      return SocketCalls::connect(descriptor, address, length);
-    }
-    int poll(pollfd* descriptor, int milliseconds) override {
-      ++waits;
-      return SocketCalls::poll(descriptor, milliseconds);
-    }
-    ServerItem* server = nullptr;
-    int waits = 0;
-  } calls;
-  const std::size_t before = openDescriptors();
-  {
-    FullBacklog blackHole;
-    const auto server = itemWith(calls, blackHole.port());
-    calls.server = server.get();
-    EXPECT_TRUE(server->connectToServer().closed);
-    EXPECT_EQ(calls.waits, 0);
-    EXPECT_EQ(server->connectionStatus(), Status::notConnected);
-  }
-  EXPECT_EQ(openDescriptors(), before);
-}
-
-TEST_F(Connecting, RefreshesEveryThreeSecondsUntilItIsClosed) {
-  ScriptedServer peer([](ScriptedServer::Peer& client, int) {
-    while (!client.readRequest().empty())
-      client.send("-ERR no\r\n");
+TEST_F(ConnectionTest, NoticesAPeerThatClosesAndLeavesWaitingBytesAlone) {
+  std::atomic<bool> close = false;
+  ScriptedServer peer([&](Peer& client, int) {
+    client.send(":5\r\n");
+    waitUntil([&] { return close.load(); });
   });
-  const auto server = connectedItem(peer.port());
-  auto& loop = NSRunLoop::mainRunLoop();
-  EXPECT_FALSE(loop.nextFireDate());
-  const auto before = NSRunLoop::Clock::now();
-  NSOperationQueue::mainQueue().drain();
-  ASSERT_TRUE(loop.nextFireDate());
-  EXPECT_GE(*loop.nextFireDate(), before + std::chrono::seconds(3));
-  EXPECT_LE(*loop.nextFireDate(), NSRunLoop::Clock::now() + std::chrono::seconds(3));
-  // In place of the one that runs, not beside it.
-  server->startLivenessTimer();
-  server->infoFromServerMain();
-  waitUntilIdle(*server);
-  EXPECT_EQ(peer.received().front(), "*2\r\n$7\r\ncluster\r\n$5\r\nnodes\r\n*1\r\n$4\r\ninfo\r\n");
-  server->closeConnection();
-  EXPECT_FALSE(loop.nextFireDate());
-
-  // A timer that was asked for before the close doesn't come after it.
-  EXPECT_TRUE(server->connectToServer().ok);
-  server->closeConnection();
-  NSOperationQueue::mainQueue().drain();
-  EXPECT_FALSE(loop.nextFireDate());
-
-  // Nor does it stay when the server goes.
-  connectedItem(peer.port());
-  NSOperationQueue::mainQueue().drain();
-  connectedItem(peer.port())->startLivenessTimer();
-  EXPECT_FALSE(loop.nextFireDate());
-
-  const auto transient = std::make_shared<ServerItem>(ServerItem::Life::transient);
-  transient->setServerIp("127.0.0.1");
-  transient->setServerPort(peer.port());
-  EXPECT_TRUE(transient->connectToServer().ok);
-  NSOperationQueue::mainQueue().drain();
-  EXPECT_FALSE(loop.nextFireDate());
+  Connection connection(SocketCalls::system());
+  ASSERT_TRUE(connection.connect(address(peer.port()), 0).ok);
+  for (int i = 0; i < 3; ++i)
+    EXPECT_TRUE(connection.isAlive());
+  EXPECT_EQ(connection.execute(RedisCommand::ttl, {"k"}).message, "5");
+  close = true;
+  waitUntil([&] { return !connection.isAlive(); });
+  const auto result = connection.execute(RedisCommand::get, {"k"});
+  EXPECT_EQ(result.message, "Can not connect to server, Please Reconnect to the server.");
+  EXPECT_EQ(connection.status(), Status::disConnected);
+  EXPECT_EQ(peer.received().front(), encodedRequest({"ttl", "k"}));
 }
 
-// The waits of five seconds, side by side: at each place of a reply, before a connect is taken, and while sending; and
-// a reply that takes longer than that, but never pauses for so long.
-TEST_F(Connecting, LosesPatienceAfterFiveSecondsWithoutAByte) {
+TEST_F(ConnectionTest, ContinuesShortSendsAndTellsAFailedOne) {
+  TamperedCalls calls;
+  calls.failing = "every other send";
+  calls.error = EINTR;
+  ScriptedServer peer(answering({"+OK\r\n"}));
+  Connection connection(calls);
+  ASSERT_TRUE(connection.connect(address(peer.port()), 0).ok);
+  EXPECT_TRUE(connection.execute(RedisCommand::get, {"key"}).ok);
+  EXPECT_EQ(peer.received().front(), encodedRequest({"get", "key"}));
+  calls.failing = "send";
+  calls.error = EPIPE;
+  EXPECT_EQ(connection.execute(RedisCommand::get, {"key"}).message, "Can not connect to server");
+  EXPECT_EQ(connection.status(), Status::connected);
+  EXPECT_FALSE(connection.isAlive());
+  connection.execute(RedisCommand::get, {"key"});
+  EXPECT_EQ(connection.status(), Status::disConnected);
+}
+
+// A wait that the system gives up, at each place of a reply, and garbage: the lock is free afterwards, and the next
+// connect works.
+TEST_F(ConnectionTest, RecoversFromAReplyThatEndsTooEarly) {
   const std::vector<std::pair<std::string, std::string>> cases{
       {"", "Can not connect to server"},
       {"$12", "Can not connect to server(738)"},
       {"$12\r\nabc", "Can not connect to server"},
       {"*2\r\n:1\r\n", "Get Data from server error(788)"},
+      {"HTTP/1.1 400 Bad\xE9\r\n", "Server reply Error, unrecognized reply."},
   };
+  for (const auto& [reply, message] : cases) {
+    SCOPED_TRACE(reply);
+    TamperedCalls calls;
+    std::atomic<bool> sent = false;
+    ScriptedServer peer([&, &reply = reply](Peer& client, int connection) {
+      client.readRequest();
+      client.send(connection == 0 ? reply : "+PONG\r\n");
+      sent = true;
+      client.readRequest();
+    });
+    Connection connection(calls);
+    ASSERT_TRUE(connection.connect(address(peer.port()), 0).ok);
+    calls.beforeReceive = [&] { waitUntil([&] { return sent.load(); }); };
+    EXPECT_EQ(connection.execute(RedisCommand::get, {"k"}).message, message);
+    EXPECT_EQ(connection.status(), Status::disConnected);
+    EXPECT_FALSE(connection.isAlive());
+    calls.beforeReceive = nullptr;
+    ASSERT_TRUE(connection.connect(address(peer.port()), 0).ok);
+    EXPECT_EQ(connection.execute(RedisCommand::get, {"k"}).message, "PONG");
+  }
+}
+
+// Two blocks of the queue and the main queue share one connection: each gets its own reply.
+TEST_F(ConnectionTest, KeepsEachReplyWithItsRequest) {
+  RedisServer server;
+  const auto client = connectedItem(server.port());
   std::vector<std::thread> threads;
-  std::vector<std::unique_ptr<ScriptedServer>> peers;
-  const auto exchange = [&](ScriptedServer::Script script, std::function<void(ServerItem&)> check) {
-    peers.push_back(std::make_unique<ScriptedServer>(std::move(script)));
-    threads.emplace_back([port = peers.back()->port(), check = std::move(check)] { check(*connectedItem(port)); });
-  };
-  for (const auto& [cut, message] : cases) {
-    exchange(answering({cut}), [&message = message](ServerItem& server) {
-      EXPECT_EQ(server.execute(RedisCommand::get, {"k"}).message, message);
-      EXPECT_EQ(server.connectionStatus(), Status::disConnected);
+  for (int number = 0; number < 3; ++number) {
+    threads.emplace_back([&client, number] {
+      const Bytes name(std::to_string(number));
+      EXPECT_TRUE(client->setValue(name, name, -1));
+      for (int i = 0; i < 300; ++i)
+        EXPECT_EQ(client->getValue(name).second, name);
     });
   }
-  const auto dribble = [](ScriptedServer::Peer& peer, int) {
-    peer.readRequest();
-    for (const char byte : std::string("$2\r\nok\r\n")) {
-      peer.send({&byte, 1});
-      std::this_thread::sleep_for(std::chrono::milliseconds(850));
-    }
-  };
-  exchange(dribble, [](ServerItem& server) { EXPECT_EQ(server.getValue("k"_bytes), std::pair(true, "ok"_bytes)); });
-  threads.emplace_back([] {
-    const FullBacklog blackHole;
-    const auto server = item(blackHole.port());
-    EXPECT_EQ(server->connectToServer().message, "Connect Server(a) timeout.");
-    EXPECT_EQ(server->connectionStatus(), Status::disConnected);
-  });
   for (std::thread& thread : threads)
     thread.join();
+}
+
+// Loads and scans run while the connection is closed under them, after each number of calls that they make, and opened
+// again.
+TEST_F(ConnectionTest, ClosesCleanlyUnderRunningLoads) {
+  RedisServer server({"--enable-debug-command", "yes"});
+  server.command({"DEBUG", "POPULATE", "20000"});
+  server.command({"EVAL", "for i=1,20000 do redis.call('rpush','list','item '..i) end", "0"});
+  server.command({"SETRANGE", "big", "3000000", "x"});
+  const std::size_t before = openDescriptors();
+  TamperedCalls calls;
+  const auto client = item(server.port(), {}, calls);
+  for (int round = 0; round < 60; ++round) {
+    ASSERT_TRUE(client->connectToServer().ok);
+    calls.receives = 0;
+    NSOperationQueue& queue = client->operationQueue();
+    queue.addOperationWithBlock([client] { client->loadDatabases(); });
+    queue.addOperationWithBlock([client] { client->lrangeAll("list"_bytes); });
+    queue.addOperationWithBlock([client] { client->scanKeys("*"_bytes, 20000, false); });
+    queue.addOperationWithBlock([client] { client->getValue("big"_bytes); });
+    client->infoFromServerMain();
+    waitUntil([&] { return calls.receives >= round || queue.operationCount() == 0; });
+    if (round % 7 == 0) alerts();
+    client->closeConnection();
+    EXPECT_TRUE(client->dbs()->empty());
+    EXPECT_FALSE(client->isAlive());
+    waitUntilIdle(*client);
+    EXPECT_TRUE(client->dbs()->empty());
+  }
+  alerts();
+  EXPECT_EQ(openDescriptors(), before);
+  EXPECT_TRUE(client->connectToServer().ok);
+  EXPECT_EQ(client->lrangeAll("list"_bytes).size(), 20000U);
 }
 
 }  // namespace

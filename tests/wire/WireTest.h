@@ -14,6 +14,7 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <string>
 #include <thread>
@@ -21,6 +22,11 @@
 #include <vector>
 
 namespace tarn::test {
+
+using Messages = std::vector<std::string>;
+using Peer = ScriptedServer::Peer;
+
+inline constexpr std::int64_t noLimit = std::numeric_limits<std::int64_t>::max();
 
 // Whoever is above the servers: keeps what it was asked to show.
 class RecordingHost final : public ServerItemHost {
@@ -40,7 +46,7 @@ public:
     calls.push_back("db" + std::to_string(server->currentDbIdx()));
   }
 
-  std::vector<std::string> calls;
+  Messages calls;
 };
 
 // Connections on loopback, the alerts that they raised, and a count of the descriptors that they left open.
@@ -48,12 +54,9 @@ class WireTest : public testing::Test {
 public:
   ~WireTest() override { NSOperationQueue::mainQueue().drain(); }
 
-  static std::shared_ptr<ServerItem> item(int port, std::string auth = {}) {
-    return itemWith(SocketCalls::system(), port, std::move(auth));
-  }
-
-  static std::shared_ptr<ServerItem> itemWith(SocketCalls& calls, int port, std::string auth = {}) {
-    auto server = std::make_shared<ServerItem>(ServerItem::Life::favourite, calls);
+  static std::shared_ptr<ServerItem> item(int port, std::string auth = {}, SocketCalls& calls = SocketCalls::system(),
+                                          ServerItem::Life life = ServerItem::Life::favourite) {
+    auto server = std::make_shared<ServerItem>(life, calls);
     server->setConnectionName("a");
     server->setServerIp("127.0.0.1");
     server->setServerPort(port);
@@ -61,15 +64,16 @@ public:
     return server;
   }
 
-  static std::shared_ptr<ServerItem> connectedItem(int port, std::string auth = {}) {
-    auto server = item(port, std::move(auth));
+  static std::shared_ptr<ServerItem> connectedItem(int port, std::string auth = {},
+                                                   SocketCalls& calls = SocketCalls::system()) {
+    auto server = item(port, std::move(auth), calls);
     const auto outcome = server->connectToServer();
     EXPECT_TRUE(outcome.ok) << outcome.message;
     return server;
   }
 
   // The messages shown since the last call.
-  std::vector<std::string> alerts() {
+  Messages alerts() {
     NSOperationQueue::mainQueue().drain();
     auto messages = recorder_.messages();
     recorder_.clear();
@@ -90,23 +94,34 @@ public:
     waitUntil([&] { return server.operationQueue().operationCount() == 0; });
   }
 
-protected:
-  using Messages = std::vector<std::string>;
+  // What the timer does, to its end.
+  static void refresh(ServerItem& server) {
+    server.infoFromServerMain();
+    waitUntilIdle(server);
+  }
 
-  RecordingHost host_;
+  RecordingHost host;
 
 private:
   AlertRecorder recorder_;
 };
 
 // A peer that answers the requests of each connection with the next reply of a list, and then closes.
-inline ScriptedServer::Script answering(std::vector<std::string> replies) {
-  return [replies = std::move(replies)](ScriptedServer::Peer& peer, int) {
+inline ScriptedServer::Script answering(Messages replies) {
+  return [replies = std::move(replies)](Peer& peer, int) {
     for (const std::string& reply : replies) {
       if (peer.readRequest().empty()) return;
       peer.send(reply);
     }
     peer.readRequest();
+  };
+}
+
+// A peer that answers every request with what `reply` makes of its connection's number.
+inline ScriptedServer::Script answeringAll(std::function<std::string(int connection)> reply) {
+  return [reply = std::move(reply)](Peer& peer, int connection) {
+    while (!peer.readRequest().empty())
+      peer.send(reply(connection));
   };
 }
 

@@ -1,0 +1,250 @@
+#include "tests/wire/MemoryCalls.h"
+#include "wire/reply/ConsoleReplyReader.h"
+#include "wire/reply/ReplyReader.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+namespace tarn::test {
+namespace {
+
+using namespace std::string_view_literals;
+
+struct Reading {
+  std::string text;
+  bool lost = false;
+  // What the reader left in the stream.
+  std::string rest;
+};
+
+std::string textOf(const ReplyResult::Value& value) {
+  return std::visit(
+      [](const auto& held) -> std::string {
+        using Held = std::decay_t<decltype(held)>;
+        if constexpr (std::is_same_v<Held, std::string>) return "text " + held;
+        if constexpr (std::is_same_v<Held, Bytes>) return "bytes " + std::string(held.view());
+        if constexpr (std::is_same_v<Held, double>) return "double " + std::to_string(held);
+        if constexpr (std::is_same_v<Held, bool>) return held ? "true" : "false";
+        if constexpr (std::is_same_v<Held, std::int64_t>) return "int " + std::to_string(held);
+      },
+      value);
+}
+
+// "TYPE ok|failed: MESSAGE = VALUE |ELEMENT|ELEMENT", without what isn't there.
+std::string textOf(const ReplyResult& result) {
+  std::string text = result.type ? std::string(1, "-+:,_$*%~#="[static_cast<std::size_t>(*result.type)]) : "";
+  text += (result.ok ? "ok: " : "failed: ") + result.message;
+  if (result.value) text += " = " + textOf(*result.value);
+  for (const Bytes& element : result.list.value_or(std::vector<Bytes>()))
+    text += "|" + std::string(element.view());
+  return text;
+}
+
+Reading read(std::string_view stream, std::size_t arrival = MemoryCalls::wholeAtOnce) {
+  Reading reading;
+  reading.rest = MemoryCalls::feed<ReplyReader>(stream, arrival, [&](ReplyReader& reader) {
+    const ReplyResult result = reader.readReply();
+    reading.text = textOf(result);
+    reading.lost = reader.lostConnection();
+    const bool isAggregate = result.type == ReplyType::REDIS_REPLY_ARRAY || result.type == ReplyType::REDIS_REPLY_MAP ||
+                             result.type == ReplyType::REDIS_REPLY_SET;
+    EXPECT_EQ(result.list.has_value(), isAggregate);
+  });
+  return reading;
+}
+
+// A failure stands behind the rest of the text, with two marks between.
+Reading readConsole(std::string_view stream, std::size_t arrival = MemoryCalls::wholeAtOnce) {
+  Reading reading;
+  reading.rest = MemoryCalls::feed<ConsoleReplyReader>(stream, arrival, [&](ConsoleReplyReader& reader) {
+    reading.text = reader.readReply();
+    reading.lost = reader.failure().has_value();
+    if (!reading.lost) return;
+    EXPECT_TRUE(reading.text.ends_with(*reader.failure()));
+    reading.text.insert(reading.text.size() - reader.failure()->size(), "!!");
+  });
+  return reading;
+}
+
+std::string repeated(const std::string& part, int count) {
+  std::string text;
+  for (int i = 0; i < count; ++i)
+    text += part;
+  return text;
+}
+
+constexpr const char* lostElement = "failed: Get Data from server error(788)";
+
+// Each stream is one reply, which reads the same in whatever parts it arrives, and to its last byte only.
+TEST(Replies, ReadAsAResultAndAsTheConsolesText) {
+  struct Case {
+    std::string_view stream;
+    std::string_view result;
+    std::string_view console;
+  };
+  // clang-format off
+  const std::vector<Case> cases{
+      {"+OK\r\n", "+ok: OK = text OK", "OK"},
+      {"+a\rb\nc\r\n", "+ok: a\rb\nc = text a\rb\nc", "a\rb\nc"},
+      {"+a\r\r\n", "+ok: a\r = text a\r", "a\r"},
+      {"+\n\r\n", "+ok: \n = text \n", "\n"},
+      {"-ERR x\r\n", "-failed: ERR x", "ERR x"},
+      {":12\r\n", ":ok: 12 = int 12", "(int)12"},
+      {":-9223372036854775808\r\n", ":ok: -9223372036854775808 = int -9223372036854775808", "(int)-9223372036854775808"},
+      {":9223372036854775808\r\n", ":ok: 9223372036854775808", "(int)9223372036854775808"},
+      {":x\r\n", ":ok: x", "(int)x"},
+      {":\r\n", ":ok: ", "(int)"},
+      {",1.5e3\r\n", ",ok: 1.5e3 = double 1500.000000", "(double)1.5e3"},
+      {",1.5x\r\n", ",ok: 1.5x", "(double)1.5x"},
+      {"_\r\n", "_ok: ", "(nil)"},
+      {"#true\r\n", "#ok: true = true", "(bool)true"},
+      {"#false\r\n", "#ok: false = false", "(bool)false"},
+      {"#t\r\n", "#ok: t", "(bool)t"},
+      {"$-1\r\n", "$ok: -1 = bytes ", "(nil)"},
+      {"$0\r\n\r\n", "$ok: 0 = bytes ", ""},
+      {"$3\r\nabcXY", "$ok: 3 = bytes abc", "abc"},
+      {"$+4\r\n\xFF\0\r\n\r\n"sv, "$ok: 4 = bytes \xFF\0\r\n"sv, "\\B/wANCg=="},
+      {"$3\r\n\xE4\xB8\xAD\r\n", "$ok: 3 = bytes \xE4\xB8\xAD", "\xE4\xB8\xAD"},
+      {"$4\r\n\\Bqw\r\n", "$ok: 4 = bytes \\Bqw", "\\\\Bqw"},
+      {"=7\r\ntxt:abc\r\n", "=ok: 7 = bytes txt:abc", "txt:abc"},
+      // What begins with an unknown byte.
+      {"(12345678901234567890\r\n", "failed: Server reply: Error", "12345678901234567890"},
+      {"!5\r\nE\r\nx!\r\n", "failed: Server reply: Error", "5"},
+      {"!-1\r\n", "failed: Server reply: Error", "-1"},
+      // Arrays are flattened; of the elements of maps and sets nothing is kept.
+      {"*0\r\n", "*ok: 0 = bytes 0", "(empty list or set)"},
+      {"*-1\r\n", "*ok: -1 = bytes 0", "(empty list or set)"},
+      {"*2\r\n$1\r\na\r\n$1\r\nb\r\n", "*ok: 2 = bytes a|a|b", "\n1)\ta\n2)\tb"},
+      {"*2\r\n$1\r\n0\r\n*2\r\n$1\r\na\r\n:2\r\n", "*ok: 2 = bytes 0|0|a|2", "\n1)\t0\n2)\t1)\ta\n\t2)\t(int)2\n"},
+      {"*3\r\n*1\r\n*1\r\n$1\r\na\r\n*0\r\n$-1\r\n", "*ok: 3 = bytes a|a|",
+       "\n1)(Err) Server reply: Error\n\n2)(empty list or set)\n3)\t(nil)"},
+      {"*6\r\n:12\r\n+OK\r\n,1.5\r\n#t\r\n_\r\n=5\r\ntxt:a\r\n", "*ok: 6 = bytes 12|12|OK|1.5|t||txt:a",
+       "\n1)\t(int)12\n2)\tOK\n3)\t(double)1.5\n4)\t(bool)t\n5)\t(nil)\n6)\ttxt:a"},
+      {"*3\r\n$1\r\na\r\n%2\r\n+k\r\n*2\r\n:1\r\n$2\r\nxy\r\n-ERR\r\n%0\r\n~2\r\n:1\r\n:2\r\n", "*ok: 3 = bytes a|a",
+       "\n1)\ta\n2)(Err) Server reply: Error\n\n3)\t1)\t(int)1\n\t2)\t(int)2\n"},
+      {"*2\r\n%1\r\n+a\r\n:1\r\n+x\r\n", "*ok: 2 = bytes x|x", "\n1)\t1)\ta\n\n2)\tx"},
+      {"%1\r\n$1\r\nk\r\n~1\r\n!3\r\nbad\r\n", "%ok: 1 = bytes 0", "(map)"},
+      {"~2\r\n(123\r\n^odd\r\n", "~ok: 2 = bytes 0", "(map)"},
+      {"*1\r\n*3\r\n+a\r\n*1\r\n*1\r\n+deep\r\n+c\r\n", "*ok: 1 = bytes a|a|deep|c",
+       "\n1)(Err) Server reply: Error\n\t3)\tc\n"},
+      // What is pushed in between, and attributes, stand before a reply and aren't part of it.
+      {">2\r\n+message\r\n$1\r\nx\r\n*1\r\n|1\r\n+ttl\r\n:3\r\n$1\r\na\r\n", "*ok: 1 = bytes a|a", "\n1)\ta"},
+      // The console shows what the reader can't keep.
+      {"*4\r\n:1\r\n$-1\r\n-ERR x\r\n$0\r\n\r\n", lostElement, "\n1)\t(int)1\n2)\t(nil)\n3)\tERR x\n4)\t"},
+      {"*3\r\n!3\r\nabc\r\n?x\r\n+y\r\n", lostElement, "\n1)\n2)\n3)\ty"},
+      {"*1\r\n*2\r\n+a\r\n?b\r\n", lostElement, "\n1)(Err) Server reply: Error\n"},
+  };
+  // clang-format on
+  for (const Case& expected : cases) {
+    SCOPED_TRACE(expected.stream);
+    for (const std::size_t arrival : {std::size_t{1}, std::size_t{3}, std::size_t{1000}}) {
+      const std::string stream = std::string(expected.stream) + "+next\r\n";
+      const Reading reading = read(stream, arrival);
+      EXPECT_EQ(reading.text, expected.result);
+      EXPECT_EQ(reading.lost, expected.result == lostElement);
+      EXPECT_TRUE(reading.lost || reading.rest == "+next\r\n") << reading.rest;
+      const Reading console = readConsole(stream, arrival);
+      EXPECT_EQ(console.text, expected.console);
+      EXPECT_EQ(console.rest, "+next\r\n");
+    }
+    for (std::size_t cut = 0; cut < expected.stream.size(); ++cut) {
+      EXPECT_TRUE(read(expected.stream.substr(0, cut)).lost) << cut;
+      EXPECT_TRUE(readConsole(expected.stream.substr(0, cut)).lost) << cut;
+    }
+  }
+}
+
+// Each failure at each place, at the top of a reply, where both readers name it alike, and inside it, where the console
+// alone names it.
+TEST(Replies, EndWhereTheyAreBrokenAndTellWhy) {
+  const std::string lost = "(Err) Can not connect to server";
+  const std::string undecodable = "(Err) Server reply Error, unrecognized reply.";
+  const std::string badLength = "(Err) Server reply Error, unrecognized reply count(775)";
+  const std::string badCount = "(Err) Server reply Error, can not covert data to count value(859)";
+  const std::string deep = repeated("*1\r\n", ReplyScanner::maxDepth);
+  const std::string deepPush = repeated(">1\r\n", 100000);
+  struct Case {
+    std::string_view stream;
+    // What the console shows before the failure.
+    std::string_view shown;
+    std::string failure;
+    bool inside = false;
+  };
+  // clang-format off
+  const std::vector<Case> cases{
+      {"", "", "Can not connect to server"},
+      {"\x80", "", undecodable},
+      {"+OK\r", "", lost},
+      {"-ERR caf\xC3\xA9\r\n", "", undecodable},
+      {"hello", "", lost},
+      {"h\xFF\r\n", "", undecodable},
+      {"$3", "", lost + "(738)"},
+      {"$3\xFF\r\n", "", "(Err) Server reply Error, unrecognized reply(765)"},
+      {"$\r\n", "", badLength},
+      {"$1x\r\n", "", badLength},
+      {"$+-1\r\n", "", badLength},
+      {"$4294967297\r\n", "", badLength},
+      {"$99999999999999999999\r\n", "", badLength},
+      {"$4294967296\r\nabc", "", lost},
+      {"$3\r\nabc\r", "", lost},
+      {"*3", "", lost + "(834)"},
+      {"*\xC3\r\n", "", "(Err) Server reply Error, unrecognized reply(870)"},
+      {"*\r\n", "", badCount},
+      {"%x\r\n", "", badCount},
+      {"*2147483649\r\n", "", badCount},
+      {">2147483649\r\n", "", badCount},
+      {"*2147483648\r\n:1\r\n", "\n1)\t(int)1\n2)\t", "Can not connect to server", true},
+      {"*2\r\n+a\r\n\xC3", "\n1)\ta\n2)\t", undecodable, true},
+      {"*2\r\n+a\r\n:1", "\n1)\ta\n2)\t", lost, true},
+      {"*2\r\n+a\r\n$x\r\n", "\n1)\ta\n2)\t", badLength, true},
+      {"*2\r\n+a\r\n*x\r\n", "\n1)\ta\n2)\t", badCount, true},
+      {"*1\r\n*2\r\n+a\r\n$x\r\n", "\n1)\t1)\ta\n\t2)\t", badLength, true},
+      {"%1\r\n+a\r\n", "(map)\t", "Can not connect to server", true},
+  };
+  // clang-format on
+  for (const Case& expected : cases) {
+    SCOPED_TRACE(expected.stream);
+    const std::string top = "failed: " + expected.failure.substr(expected.failure.starts_with("(Err) ") ? 6 : 0);
+    for (const std::size_t arrival : {std::size_t{1}, std::size_t{1000}}) {
+      const Reading reading = read(expected.stream, arrival);
+      EXPECT_EQ(reading.text, expected.inside ? lostElement : top);
+      EXPECT_TRUE(reading.lost);
+      EXPECT_EQ(readConsole(expected.stream, arrival).text, std::string(expected.shown) + "!!" + expected.failure);
+    }
+  }
+  EXPECT_EQ(read(deep + ":1\r\n").text, "*ok: 1 = bytes 1|1");
+  EXPECT_EQ(read("*1\r\n" + deep + ":1\r\n").text, lostElement);
+  EXPECT_TRUE(readConsole("*1\r\n" + deep + ":1\r\n").text.ends_with("!!" + badCount));
+  EXPECT_EQ(read(deepPush).text, lostElement);
+}
+
+// Larger than the window, with arrivals that cut lines, payloads and their ends at odd places.
+TEST(Replies, MayBeLargerThanTheWindow) {
+  std::string big(3 * ByteStream::windowSize + 17, 'x');
+  for (std::size_t i = 0; i < big.size(); ++i)
+    big[i] = static_cast<char>(i * 31);
+  std::string stream = "*20002\r\n";
+  std::string expected = "*ok: 20002 = bytes item:0";
+  const auto add = [&](const std::string& element) {
+    stream += "$" + std::to_string(element.size()) + "\r\n" + element + "\r\n";
+    expected += "|" + element;
+  };
+  for (int i = 0; i < 20000; ++i)
+    add("item:" + std::to_string(i));
+  add(big);
+  add(big);
+  const std::string line(2 * ByteStream::windowSize, 'l');
+  for (const std::size_t arrival : {std::size_t{7}, std::size_t{4099}, ByteStream::windowSize, std::size_t{10000000}}) {
+    const Reading reading = read(stream + ":1\r\n", arrival);
+    EXPECT_TRUE(reading.text == expected);
+    EXPECT_EQ(reading.rest, ":1\r\n");
+    EXPECT_EQ(readConsole("+" + line + "\r\n", arrival).text, line);
+  }
+}
+
+}  // namespace
+}  // namespace tarn::test

@@ -1,0 +1,271 @@
+#include "platform/foundation/NSRunLoop.h"
+#include "tests/wire/WireTest.h"
+
+namespace tarn::test {
+namespace {
+
+using Status = ConnectionStatus;
+
+class ServerItemTest : public WireTest {
+protected:
+  static Messages counts(const ServerItem& server) {
+    Messages texts;
+    for (const auto& db : *server.dbs())
+      texts.push_back(db->dbName() + db->keysCount());
+    return texts;
+  }
+};
+
+TEST_F(ServerItemTest, RefreshesEveryThreeSecondsUntilItIsClosed) {
+  ScriptedServer peer(answeringAll([](int) { return "-ERR no\r\n"; }));
+  const auto server = connectedItem(peer.port());
+  auto& loop = NSRunLoop::mainRunLoop();
+  EXPECT_FALSE(loop.nextFireDate());
+  const auto before = NSRunLoop::Clock::now();
+  NSOperationQueue::mainQueue().drain();
+  ASSERT_TRUE(loop.nextFireDate());
+  EXPECT_GE(*loop.nextFireDate(), before + std::chrono::seconds(3));
+  EXPECT_LE(*loop.nextFireDate(), NSRunLoop::Clock::now() + std::chrono::seconds(3));
+  // In place of the one that runs, not beside it.
+  server->startLivenessTimer();
+  refresh(*server);
+  EXPECT_EQ(peer.received().front(), encodedRequest({"cluster", "nodes"}) + encodedRequest({"info"}));
+  server->closeConnection();
+  EXPECT_FALSE(loop.nextFireDate());
+
+  // A timer that was asked for before the close doesn't come after it.
+  EXPECT_TRUE(server->connectToServer().ok);
+  server->closeConnection();
+  NSOperationQueue::mainQueue().drain();
+  EXPECT_FALSE(loop.nextFireDate());
+
+  // Nor does it stay when the server goes; one that lives for a single connect has none.
+  connectedItem(peer.port());
+  connectedItem(peer.port())->startLivenessTimer();
+  const auto transient = item(peer.port(), {}, SocketCalls::system(), ServerItem::Life::transient);
+  EXPECT_TRUE(transient->connectToServer().ok);
+  NSOperationQueue::mainQueue().drain();
+  EXPECT_FALSE(loop.nextFireDate());
+}
+
+TEST_F(ServerItemTest, SaysThatItsConnectionIsGone) {
+  for (const auto life : {ServerItem::Life::favourite, ServerItem::Life::transient}) {
+    host.calls.clear();
+    const auto client = item(1, {}, SocketCalls::system(), life);
+    EXPECT_EQ(client->keyType("k"_bytes), std::pair(false, std::string()));
+    EXPECT_EQ(alerts(), Messages{"Can not connect to server, Please Reconnect to the server."});
+    EXPECT_EQ(host.calls, life == ServerItem::Life::favourite ? (Messages{"row", "Status:DisConnected"}) : Messages{});
+  }
+}
+
+TEST_F(ServerItemTest, CountsTheKeysOfItsDatabasesAndShowsThem) {
+  RedisServer server({"--databases", "3"});
+  server.command({"MSET", "a", "1", "b", "2"});
+  server.command({"SET", "c", "3"}, 2);
+  const auto client = connectedItem(server.port());
+  client->loadDatabases();
+  EXPECT_EQ(counts(*client), (Messages{"db0(0)", "db1(0)", "db2(0)"}));
+  EXPECT_EQ(client->dbs()->at(2)->dbIdx(), 2);
+  EXPECT_EQ(client->dbs()->at(2)->parent(), client);
+  refresh(*client);
+  EXPECT_EQ(counts(*client), (Messages{"db0(2)", "db1(0)", "db2(1)"}));
+  EXPECT_EQ(alerts(), Messages{});
+  EXPECT_EQ(host.calls, Messages{"counts"});
+}
+
+// Nothing is sent while other work waits or runs.
+TEST_F(ServerItemTest, LeavesTheCountsWhileItsQueueHasOtherWork) {
+  ScriptedServer peer(answering({}));
+  const auto client = connectedItem(peer.port());
+  std::atomic<bool> done = false;
+  client->operationQueue().addOperationWithBlock([&] { waitUntil([&] { return done.load(); }); });
+  client->infoFromServerMain();
+  waitUntil([&] { return client->operationQueue().operationCount() == 1; });
+  done = true;
+  waitUntilIdle(*client);
+  client->closeConnection();
+  waitUntil([&] { return peer.connections() == 1; });
+  EXPECT_EQ(peer.received().front(), "");
+}
+
+TEST_F(ServerItemTest, TellsADatabaseCountThatCannotBeRead) {
+  const auto count = [](const std::string& text) { return "*2\r\n" + bulk("databases") + bulk(text); };
+  const std::string prefix = "Can not cover database count string to Int(";
+  const std::vector<std::pair<std::string, std::string>> cases{
+      {"-ERR unknown command\r\n", "ERR unknown command"},
+      {"+OK\r\n", prefix + "907)"},
+      {"*0\r\n", prefix + "915)"},
+      {"*1\r\n$2\r\n16\r\n", prefix + "915)"},
+      {count("1\xFF"), prefix + "940)"},
+      {count(""), prefix + "933)"},
+      {count("abc"), prefix + "933)"},
+      {count("-1"), prefix + "933)"},
+      {count("1000001"), prefix + "933)"},
+  };
+  for (const auto& [reply, message] : cases) {
+    SCOPED_TRACE(reply);
+    ScriptedServer peer(answering({count("2"), reply, count("0")}));
+    const auto client = connectedItem(peer.port());
+    client->loadDatabases();
+    client->loadDatabases();
+    EXPECT_EQ(client->dbs()->size(), 2U);
+    EXPECT_EQ(alerts(), Messages{message});
+    EXPECT_EQ(peer.received().front(),
+              encodedRequest({"config", "get", "databases"}) + encodedRequest({"config", "get", "databases"}));
+    client->loadDatabases();
+    EXPECT_TRUE(client->dbs()->empty());
+  }
+}
+
+TEST_F(ServerItemTest, TakesTheCountsFromInfoAsTheyStand) {
+  const std::vector<std::pair<std::string, Messages>> cases{
+      {bulk("# Keyspace\r\ndb1:keys=7,expires=1\r\ndb20:keys=1,x\r\n# Other\r\na:b\r\n"), {"db0(0)", "db1(7)"}},
+      {bulk("# Keyspace\r\n"), {"db0(0)", "db1(0)"}},
+      {bulk("# Keyspace\r\ndb0:keys=1,\xFF"), {"db0(0)", "db1(0)"}},
+      {"-ERR no\r\n", {"db0(5)", "db1(0)"}},
+  };
+  for (const auto& [info, expected] : cases) {
+    SCOPED_TRACE(info);
+    ScriptedServer peer(answering({noCluster, info}));
+    const auto client = connectedItem(peer.port());
+    client->setDbs({std::make_shared<DbItem>(0, client), std::make_shared<DbItem>(1, client)});
+    client->dbs()->front()->setKeysCount("(5)");
+    refresh(*client);
+    EXPECT_EQ(counts(*client), expected);
+    client->closeConnection();
+    EXPECT_TRUE(client->dbs()->empty());
+  }
+  EXPECT_EQ(alerts(), Messages{});
+}
+
+TEST_F(ServerItemTest, ShowsTheRepliesToConsoleLines) {
+  RedisServer server;
+  server.command({"SET", "binary", "\xAB\n"});
+  const auto client = connectedItem(server.port());
+  const std::vector<std::pair<std::string_view, std::string>> lines{
+      {"   ", ""},
+      {R"(set k "unterminated)", "Invalid Input Command"},
+      {"scan 0", "\n1)\t0\n2)\t1)\tbinary\n"},
+      {"get binary", "\\Bqwo="},
+      {R"(set "a b" a\\nb)", "OK"},
+      {R"(get "a b")", R"(a\nb)"},
+      {"incr binary", "ERR value is not an integer or out of range"},
+      {"hello 3", "(map)"},
+      {"ping", "PONG"},
+  };
+  for (const auto& [line, reply] : lines)
+    EXPECT_EQ(client->executeConsoleCommand(line), reply) << line;
+  EXPECT_EQ(alerts(), Messages{});
+}
+
+TEST_F(ServerItemTest, CarriesTheDatabaseOfAConsoleLineAlong) {
+  RedisServer server({"--databases", "4"});
+  const auto client = connectedItem(server.port());
+  const auto runs = [&](const std::string& line, const std::string& reply, int database) {
+    EXPECT_TRUE(client->executeConsoleCommand(line).starts_with(reply)) << line;
+    EXPECT_EQ(client->currentDbIdx(), database) << line;
+  };
+  runs("SELECT 3", "OK", 3);
+  runs("select 4", "ERR", 3);
+  runs("reset", "RESET", 0);
+  EXPECT_EQ(host.calls, (Messages{"db3", "db0"}));
+
+  runs("multi", "OK", 0);
+  runs("select 2", "QUEUED", 2);
+  runs("set in-transaction 1", "QUEUED", 2);
+  // A refresh would queue its commands behind it.
+  refresh(*client);
+  runs("exec", "\n1)\tOK\n2)\tOK", 2);
+  EXPECT_EQ(server.command({"GET", "in-transaction"}, 2), bulk("1"));
+  runs("multi", "OK", 2);
+  runs("select 99", "QUEUED", 99);
+  runs("exec", "\n1)\tERR", 2);
+  runs("get in-transaction", "1", 2);
+}
+
+// Nothing that a server goes on sending is ever taken for the reply to something else: the connection is made anew, and
+// stands on its database again.
+TEST_F(ServerItemTest, MakesTheConnectionAnewWhereMoreThanOneReplyComes) {
+  RedisServer server;
+  const auto client = connectedItem(server.port());
+  ASSERT_TRUE(client->selectDb(2));
+  EXPECT_EQ(client->executeConsoleCommand("subscribe a b"), "\n1)\tsubscribe\n2)\ta\n3)\t(int)1");
+  server.command({"PUBLISH", "a", "x"});
+  EXPECT_EQ(client->executeConsoleCommand("set k v"), "OK");
+  EXPECT_EQ(server.command({"GET", "k"}, 2), bulk("v"));
+  EXPECT_EQ(client->executeConsoleCommand("MONITOR"), "OK");
+  server.command({"PING"});
+  EXPECT_EQ(client->keyType("k"_bytes).second, "string");
+  EXPECT_EQ(host.calls, Messages{});
+
+  // Also where a transaction ends with it, in another database.
+  for (const char* line : {"multi", "select 3", "set k w", "subscribe a b"})
+    client->executeConsoleCommand(line);
+  EXPECT_EQ(client->executeConsoleCommand("exec"), "\n1)\tOK\n2)\tOK\n3)\t1)\tsubscribe\n\t2)\ta\n\t3)\t(int)1\n");
+  EXPECT_EQ(client->getValue("k"_bytes).second, "w"_bytes);
+  EXPECT_EQ(client->currentDbIdx(), 3);
+  EXPECT_EQ(alerts(), Messages{});
+}
+
+TEST_F(ServerItemTest, ShowsALostConnectionInTheConsoleAndGoesBackToItsDatabase) {
+  RedisServer server;
+  const auto client = connectedItem(server.port());
+  ASSERT_TRUE(client->selectDb(2));
+  server.kill();
+  server.start();
+  const std::string text = client->executeConsoleCommand("set k v");
+  EXPECT_EQ(text, "Can not connect to server");
+  EXPECT_EQ(client->connectionStatus(), Status::connected);
+  EXPECT_EQ(client->currentDbIdx(), 2);
+  EXPECT_EQ(alerts(), Messages{text});
+  EXPECT_EQ(host.calls, (Messages{"row", "Status:Connected"}));
+  EXPECT_EQ(client->executeConsoleCommand("set k v"), "OK");
+  EXPECT_EQ(server.command({"GET", "k"}, 2), bulk("v"));
+
+  server.kill();
+  EXPECT_EQ(client->executeConsoleCommand("get k"), text);
+  EXPECT_EQ(alerts(), (Messages{text, "Can not connect to Server(a)."}));
+  EXPECT_EQ(client->connectionStatus(), Status::disConnected);
+
+  // Where there is none at all, one is made in the background.
+  host.calls.clear();
+  EXPECT_EQ(client->executeConsoleCommand("get k"), "Connection lost.");
+  waitUntilIdle(*client);
+  EXPECT_EQ(alerts(), Messages{"Connection lost."});
+  EXPECT_EQ(host.calls.back(), "no databases");
+  server.start();
+  EXPECT_EQ(client->executeConsoleCommand("get k"), "Connection lost.");
+  EXPECT_EQ(client->executeConsoleCommand("get k"), "Connection lost.");
+  waitUntilIdle(*client);
+  EXPECT_EQ(alerts(), Messages{"Connection lost."});
+  EXPECT_EQ(host.calls.back(), "databases");
+  EXPECT_EQ(client->dbs()->size(), 16U);
+  EXPECT_EQ(client->executeConsoleCommand("get k"), "(nil)");
+}
+
+// The old line has no say about the new connection: one reconnect, and the bytes there belong to the next line.
+TEST_F(ServerItemTest, ReadsNothingMoreForAConsoleLineWhoseReplyBrokeOff) {
+  ScriptedServer server(
+      answeringAll([](int connection) { return connection == 0 ? "*3\r\n+a\r\n$x\r\n+c\r\n" : "+next\r\n"; }));
+  const auto client = connectedItem(server.port());
+  const std::string message = "(Err) Server reply Error, unrecognized reply count(775)";
+  EXPECT_EQ(client->executeConsoleCommand("keys *"), "\n1)\ta\n2)\t" + message);
+  EXPECT_EQ(alerts(), Messages{message});
+  EXPECT_EQ(client->executeConsoleCommand("ping"), "next");
+  EXPECT_EQ(server.connections(), 2);
+}
+
+TEST_F(ServerItemTest, SaysNothingOfAReconnectThatTheUserClosed) {
+  ScriptedServer server(answeringAll([](int) { return ""; }));
+  const auto client = item(server.port(), "password");
+  EXPECT_EQ(client->executeConsoleCommand("ping"), "Connection lost.");
+  waitUntil([&] { return client->connectionStatus() == Status::connected; });
+  client->closeConnection();
+  waitUntilIdle(*client);
+  EXPECT_EQ(alerts(), Messages{"Connection lost."});
+  EXPECT_EQ(client->connectionStatus(), Status::notConnected);
+  EXPECT_EQ(host.calls, (Messages{"row", "Status:NotConnected"}));
+}
+
+}  // namespace
+}  // namespace tarn::test
