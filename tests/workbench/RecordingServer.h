@@ -2,11 +2,11 @@
 
 #include "tests/support/ScriptedServer.h"
 
-#include <algorithm>
 #include <condition_variable>
 #include <map>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -63,16 +63,15 @@ private:
   std::string replyTo(const Lines& words) {
     const std::string& command = words.front();
     if (const auto special = replies_.find(command); special != replies_.end()) return special->second;
-    if (command == "config") return "*2\r\n$9\r\ndatabases\r\n$1\r\n4\r\n";
-    if (command == "scan") return "*2\r\n$1\r\n0\r\n*3\r\n$1\r\na\r\n$1\r\nb\r\n$1\r\nc\r\n";
-    if (command == "cluster") return "-ERR This instance has cluster support disabled\r\n";
     if (command == "type") return "+" + type_ + "\r\n";
-    if (command == "ttl") return ":-1\r\n";
-    static const Lines reads{"get", "lrange", "sscan", "hscan", "zrange"};
-    if (std::find(reads.begin(), reads.end(), command) != reads.end()) {
-      return value_.value_or("$" + std::to_string(words.at(1).size()) + "\r\n" + words.at(1) + "\r\n");
-    }
-    return "+OK\r\n";
+    static const std::map<std::string, std::string> usual{
+        {"config", "*2\r\n$9\r\ndatabases\r\n$1\r\n4\r\n"},
+        {"scan", "*2\r\n$1\r\n0\r\n*3\r\n$1\r\na\r\n$1\r\nb\r\n$1\r\nc\r\n"},
+        {"cluster", "-ERR This instance has cluster support disabled\r\n"},
+        {"ttl", ":-1\r\n"}};
+    if (usual.contains(command)) return usual.at(command);
+    if (value_ && std::set<std::string>{"get", "lrange", "sscan", "hscan", "zrange"}.contains(command)) return *value_;
+    return command == "get" ? "$1\r\n" + words.at(1) + "\r\n" : "+OK\r\n";
   }
 
   void serve(ScriptedServer::Peer& at) {
@@ -80,14 +79,11 @@ private:
       std::string line;
       for (const std::string& word : words)
         line += (line.empty() ? "" : " ") + word;
-      std::string reply;
-      {
-        std::unique_lock lock(mutex_);
-        static const Lines others{"info", "cluster", "config"};
-        if (std::find(others.begin(), others.end(), words.front()) == others.end()) sent_.push_back(line);
-        if (words.front() == "scan") released_.wait(lock, [this] { return !holdsScans_; });
-        reply = replyTo(words);
-      }
+      std::unique_lock lock(mutex_);
+      if (!std::set<std::string>{"info", "cluster", "config"}.contains(words.front())) sent_.push_back(line);
+      if (words.front() == "scan") released_.wait(lock, [this] { return !holdsScans_; });
+      const std::string reply = replyTo(words);
+      lock.unlock();
       if (reply.empty()) return;
       at.send(reply);
     }

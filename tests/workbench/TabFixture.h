@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/appkit/table/TableViewWidget.h"
+#include "platform/foundation/NSTimer.h"
 #include "tests/support/AlertRecorder.h"
 #include "tests/support/widgets/Hand.h"
 #include "tests/workbench/RecordingServer.h"
@@ -43,6 +44,14 @@ inline void replaceText(std::string_view text) {
   press(Qt::Key_A, Qt::ControlModifier);
   press(Qt::Key_Delete);
   type(text);
+}
+
+// Until a cell that a timer opens is open.
+inline void waitForATimer() {
+  bool hasFired = false;
+  NSTimer::scheduledTimerWithTimeInterval(0.1, false, [&] { hasFired = true; });
+  ASSERT_TRUE(waitUntil([&] { return hasFired; }));
+  settle();
 }
 
 inline Texts texts(NSTableView& table, int column) {
