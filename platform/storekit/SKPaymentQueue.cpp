@@ -28,7 +28,7 @@ void SKPaymentQueue::removeTransactionObserver(SKPaymentTransactionObserver* obs
 }
 
 void SKPaymentQueue::updateTransactions(const std::vector<SKPaymentTransaction>& transactions) {
-  // Copied, since an observer may remove itself, or another that then isn't told.
+  // Copied, since an observer may remove itself, or another that then isn't notified.
   for (SKPaymentTransactionObserver* const observer : std::vector(observers_)) {
     if (std::ranges::find(observers_, observer) != observers_.end()) {
       observer->paymentQueueUpdatedTransactions(transactions);

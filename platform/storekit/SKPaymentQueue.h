@@ -24,11 +24,11 @@ public:
   void addPayment(const SKMutablePayment& payment);
   void finishTransaction(const SKPaymentTransaction& transaction);
 
-  // Each observer is told once, however often it was added; it removes itself before it goes.
+  // Each observer is notified once, however often it was added; it removes itself before it goes.
   void addTransactionObserver(SKPaymentTransactionObserver* observer);
   void removeTransactionObserver(SKPaymentTransactionObserver* observer);
 
-  // For the store: tells the observers.
+  // For the store: notifies the observers.
   void updateTransactions(const std::vector<SKPaymentTransaction>& transactions);
 
 private:

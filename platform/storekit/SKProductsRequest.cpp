@@ -11,7 +11,7 @@ namespace tarn {
 
 namespace {
 
-void tell(SKProductsRequestDelegate& delegate, const SKStore::Answer& answer) {
+void notify(SKProductsRequestDelegate& delegate, const SKStore::Answer& answer) {
   if (const auto* error = std::get_if<SKError>(&answer)) {
     delegate.requestDidFailWithError(*error);
     return;
@@ -29,7 +29,7 @@ void SKProductsRequest::start() {
   const std::weak_ptr<SKProductsRequestDelegate*> weakDelegate = delegate_;
   const auto done = [weakDelegate](SKStore::Answer answer) {
     NSOperationQueue::mainQueue().addOperationWithBlock([weakDelegate, answer = std::move(answer)] {
-      if (const auto delegate = weakDelegate.lock(); delegate && *delegate) tell(**delegate, answer);
+      if (const auto delegate = weakDelegate.lock(); delegate && *delegate) notify(**delegate, answer);
     });
   };
   if (SKStore* const store = SKStore::installed()) {

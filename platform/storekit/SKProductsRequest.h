@@ -19,7 +19,7 @@ public:
 };
 
 // Asks the store which of these products it sells. Without a store it fails, and the error says so. Main thread only;
-// the delegate is told on the main queue, never in start(), and no more once the request has gone.
+// the delegate is notified on the main queue, never in start(), and no more once the request has gone.
 class SKProductsRequest final {
 public:
   explicit SKProductsRequest(std::set<std::string> productIdentifiers);

@@ -19,11 +19,11 @@ public:
 
   virtual ~SKStore() = default;
 
-  // Calls `done` once, now or later: with those of the products that it sells, or with why it can't tell.
+  // Calls `done` once, now or later: with those of the products that it sells, or with why it can't.
   virtual void requestProducts(const std::set<std::string>& identifiers, std::function<void(Answer)> done) = 0;
-  // What becomes of the payment is told to SKPaymentQueue::updateTransactions.
+  // What becomes of the payment is reported to SKPaymentQueue::updateTransactions.
   virtual void addPayment(const SKMutablePayment& payment) = 0;
-  // The program has done its part of the transaction: it isn't told again.
+  // The program has done its part of the transaction: it isn't reported again.
   virtual void finishTransaction(const SKPaymentTransaction& transaction) = 0;
 };
 
