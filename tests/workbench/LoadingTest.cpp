@@ -113,18 +113,10 @@ TEST_F(LoadStages, OfAClosedTabLapse) {
 }
 
 TEST_F(LoadStages, ShowWhatCanNotBeRead) {
-  struct Case {
-    const char* refused;
-    const char* reply;
-    const char* type;
-    std::string value;
-    // Type, key, TTL with its tool tip, size.
-    const char* form;
-    Texts alerts;
-  };
   const std::string broken = "*4\r\n$1\r\na\r\n$1\r\n1\r\n$1\r\nb\r\n$1\r\n\xFF\r\n";
   // clang-format off
-  const std::vector<Case> cases{
+  // Command, its reply, type, value; then type, key, TTL with its tool tip and size on show, and alerts.
+  const std::vector<std::tuple<const char*, const char*, const char*, std::string, std::string, Texts>> cases{
       {"ttl", ":-2\r\n", "hash", "*2\r\n$1\r\n0\r\n*0\r\n", "Type: Hash b -2(Deleted) Data Size: 0byte(s) Data Count:0", {}},
       {"ttl", "-ERR no\r\n", "hash", "", "Type:  (DisConnected) Data Size:", {"ERR no"}},
       {"type", "-ERR no\r\n", "hash", "", "Type:  (DisConnected) Data Size:", {"ERR no"}},
@@ -133,20 +125,20 @@ TEST_F(LoadStages, ShowWhatCanNotBeRead) {
       {"", "", "none", "", "Type:none (Unsupported Type)   Data Size:", {"No Data found on the Server for the key 'b'."}}};
   // clang-format on
   openKeys();
-  for (const Case& each : cases) {
-    SCOPED_TRACE(std::string(each.refused) + each.type);
-    peer.hold(each.type, each.value);
-    peer.reply(each.refused, each.reply);
+  for (const auto& [command, reply, type, value, form, told] : cases) {
+    SCOPED_TRACE(std::string(command) + type);
+    peer.hold(type, value);
+    peer.reply(command, reply);
     alerts.clear();
     outlets().tableKeys.deselectAll();
     selectKey("b");
     OperationTabLayout& shown = outlets();
     EXPECT_EQ(shown.labType.stringValue() + ' ' + shown.txtKey.stringValue() + ' ' + shown.txtTTL.stringValue() +
                   shown.txtTTL.toolTip() + ' ' + shown.labDataSize.stringValue(),
-              each.form);
-    EXPECT_EQ(shown.valueDataHashScrollView.isHidden(), !std::string_view(each.form).starts_with("Type: Hash"));
+              form);
+    EXPECT_EQ(shown.valueDataHashScrollView.isHidden(), !form.starts_with("Type: Hash"));
     EXPECT_EQ(shown.valueDataSortedSetTable.numberOfRows(), 0);
-    EXPECT_EQ(alerts.messages(), each.alerts);
+    EXPECT_EQ(alerts.messages(), told);
     peer.allow();
   }
 }

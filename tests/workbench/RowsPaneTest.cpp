@@ -3,6 +3,8 @@
 #include "tests/workbench/TabFixture.h"
 #include "workbench/value/ValuePanes.h"
 
+#include <QContextMenuEvent>
+#include <QMenu>
 #include <QTest>
 
 #include <sstream>
@@ -129,14 +131,6 @@ protected:
 };
 
 TEST_P(RowsPaneOfColumn, TakesWhatIsTypedInItsCellsAndItsEditor) {
-  struct Case {
-    const char* form;
-    const char* script;
-    std::string bytes;
-    const char* cells;
-    const char* editor;
-    Texts alerts;
-  };
   showColumn({"a\tb"_bytes});
   runInColumn("open 0 C");
   EXPECT_EQ(cell(0, column).toolTip(), "Press Enter to confirm");
@@ -145,7 +139,8 @@ TEST_P(RowsPaneOfColumn, TakesWhatIsTypedInItsCellsAndItsEditor) {
   const std::string alert =
       std::string("Can not decode Base64 ") + (GetParam().tag == 4 ? "Key" : "Value") + " '\\Bqw='";
   // clang-format off
-  const std::vector<Case> cases{
+  // Form, script; bytes, cells, editor, alerts.
+  const std::vector<std::tuple<const char*, const char*, std::string, const char*, const char*, Texts>> cases{
       // Cells, which say what is wrong only when the focus leaves.
       {"utf8", "open 1 C; replace x\\ny; enter", "a\nb|x\ny", "a\\nb|x\\ny", "x\ny", {}},
       {"utf8", "open 0 C; replace left; leave", "left|second", "left|second", "left", {}},
@@ -165,15 +160,15 @@ TEST_P(RowsPaneOfColumn, TakesWhatIsTypedInItsCellsAndItsEditor) {
       {"iso_8859_1", "click 0 C; edit C; replace 中; leave", "a\nb|second", "a\\nb|second", "中", {}},
       {"Base64", "click 1 C; edit C; replace qw==; leave", "a\nb|second", "\\BYQpi|\\Bc2Vjb25k", "\\Bc2Vjb25k", {}}};
   // clang-format on
-  for (const Case& each : cases) {
-    SCOPED_TRACE(each.script);
-    outlets.popValueDataCharset.selectItemWithTitle(each.form);
+  for (const auto& [form, script, stored, cells, edited, shown] : cases) {
+    SCOPED_TRACE(script);
+    outlets.popValueDataCharset.selectItemWithTitle(form);
     showColumn({"a\nb"_bytes, "second"_bytes});
-    runInColumn(each.script);
-    EXPECT_EQ(bytes(column), each.bytes);
-    EXPECT_EQ(joined(texts(*table, column)), each.cells);
-    EXPECT_EQ(editorText(static_cast<std::size_t>(column)), each.editor);
-    EXPECT_EQ(alerts.messages(), each.alerts);
+    runInColumn(script);
+    EXPECT_EQ(bytes(column), stored);
+    EXPECT_EQ(joined(texts(*table, column)), cells);
+    EXPECT_EQ(editorText(static_cast<std::size_t>(column)), edited);
+    EXPECT_EQ(alerts.messages(), shown);
   }
 }
 
@@ -213,17 +208,9 @@ INSTANTIATE_TEST_SUITE_P(, RowsPaneOfColumn,
 
 TEST_F(RowsPaneTest, AddsDeletesAndEditsRowsOfEachKind) {
   using enum ValueType;
-  struct Case {
-    ValueType type;
-    const char* script;
-    const char* first;
-    // Values or scores.
-    const char* second;
-    // The selected row and what its editors show.
-    const char* selected;
-  };
   // clang-format off
-  const std::vector<Case> cases{
+  // Script; first column, values or scores, the selected row and what its editors show.
+  const std::vector<std::tuple<ValueType, const char*, const char*, const char*, const char*>> cases{
       {list, "add; type e", "a|inf|b|1e+20|", "", "4 "},
       {list, "click 0 0; add; type after a; enter", "a|after a|inf|b|1e+20", "", "1 after a"},
       {list, "open 0 0; replace A; add", "A||inf|b|1e+20", "", "1 "},
@@ -244,29 +231,24 @@ TEST_F(RowsPaneTest, AddsDeletesAndEditsRowsOfEachKind) {
       {sortedSet, "click 0 0; edit 1; replace 8; focus; sweep", "a|b", "8|1e+20", "0 a/8"},
       {sortedSet, "add; type c; edit 1; type 4; leave", "a|b|c", "inf|1e+20|4", "2 c/4"}};
   // clang-format on
-  for (const Case& each : cases) {
-    SCOPED_TRACE(each.script);
-    showRows(each.type, {"a"_bytes, "inf"_bytes, "b"_bytes, "1e+20"_bytes});
-    run(each.script);
-    EXPECT_EQ(bytes(0), each.first);
-    EXPECT_EQ(each.type == hash ? bytes(1) : joined(pane->rows().scores()), each.second);
-    const std::string selected = std::to_string(table->selectedRow()) + ' ' + editorText(0);
-    EXPECT_EQ(each.type == list ? selected : selected + '/' + editorText(1), each.selected);
+  for (const auto& [type, script, first, second, selected] : cases) {
+    SCOPED_TRACE(script);
+    showRows(type, {"a"_bytes, "inf"_bytes, "b"_bytes, "1e+20"_bytes});
+    run(script);
+    EXPECT_EQ(bytes(0), first);
+    EXPECT_EQ(type == hash ? bytes(1) : joined(pane->rows().scores()), second);
+    const std::string shown = std::to_string(table->selectedRow()) + ' ' + editorText(0);
+    EXPECT_EQ(type == list ? shown : shown + '/' + editorText(1), selected);
   }
 }
 
 TEST_F(RowsPaneTest, OpensWholeRowsButTheFieldOfANewOneFirst) {
   using enum ValueType;
-  struct Case {
-    ValueType type;
-    const char* script;
-    // Those of the first column, then those of the second.
-    const char* editable;
-    const char* lastTags;
-  };
-  for (const auto& [type, script, editable, lastTags] :
-       {Case{list, "open 0 0; open 1 0", "01", "2"}, Case{hash, "open 0 1; open 1 0", "1111", "45"},
-        Case{hash, "add", "001000", "45"}, Case{sortedSet, "add", "001111", "67"}}) {
+  // Of the cells which are editable, column by column, and the tags of the last row.
+  for (const auto& [type, script, editable, lastTags] : {std::tuple{list, "open 0 0; open 1 0", "01", "2"},
+                                                         {hash, "open 0 1; open 1 0", "1111", "45"},
+                                                         {hash, "add", "001000", "45"},
+                                                         {sortedSet, "add", "001111", "67"}}) {
     showRows(type, type == list ? std::vector{"a"_bytes, "b"_bytes}
                                 : std::vector{"a"_bytes, "1"_bytes, "b"_bytes, "2"_bytes});
     run(script);
@@ -334,6 +316,22 @@ TEST_F(RowsPaneTest, RowsThatChangeBehindAnAlertStayAsTheyAre) {
     run(step);
     EXPECT_EQ(told, "Can not decode Base64 Key '\\B!'");
     EXPECT_EQ(bytes(0) + bytes(1), "onerow");
+  }
+}
+
+TEST_F(RowsPaneTest, TheMenuAddsAndDeletes) {
+  showRows(ValueType::hash, {"a"_bytes, "1"_bytes, "b"_bytes, "2"_bytes});
+  for (const int item : {1, 0}) {
+    const QPoint position = widgetOf(*table).cellRect(1, 0).center();
+    QWidget* const cells = widgetOf(*table).viewport();
+    click(*cells, position, Qt::RightButton);
+    QContextMenuEvent event(QContextMenuEvent::Mouse, position, cells->mapToGlobal(position));
+    QApplication::sendEvent(cells, &event);
+    settle();
+    auto& menu = dynamic_cast<QMenu&>(*openPopUp());
+    EXPECT_EQ(menu.title(), "HashTable快捷菜单");
+    click(menu, menu.actionGeometry(menu.actions().at(item)).center());
+    EXPECT_EQ(bytes(0), item == 1 ? "a|b|" : "a|");
   }
 }
 

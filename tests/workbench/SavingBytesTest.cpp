@@ -130,34 +130,29 @@ TEST_F(SavingBytesTest, AStringIsAskedAboutWhereItIsNotInItsUsualFormOrNotOnShow
   const std::string unusual = "\x1B(Bkey";
   const std::string notOnShow = "The value isn't on show. Saving replaces its 3 byte(s) with the text shown.";
   const std::string otherBytes = "The text shown stands for other bytes than the value holds.";
-  struct Case {
-    std::string value;
-    const char* form;
-    const char* typed;
-    int answer;
-    std::string saved;
-    Texts alerts;
-  };
-  const std::vector<Case> cases{{"C:\\temp\\n\\Bqw==\r\n\t\xC2\xA0", "utf8", "", 0, "", {"Saved."}},
-                                {"", "utf8", "", 0, "", {"Saved."}},
-                                {unusual, "ISO_2022_JP", "", keeps, unusual, {otherBytes, "Saved."}},
-                                {unusual, "ISO_2022_JP", "", converts, "key", {otherBytes, "Saved."}},
-                                {unusual, "ISO_2022_JP", "s", 0, "keys", {"Saved."}},
-                                {"\xFF\xFE\xFD", "utf8", "", 1000, "\xFF\xFE\xFD", {notOnShow}},
-                                {"\xFF\xFE\xFD", "utf8", "new", 1001, "new", {notOnShow, "Saved."}}};
+  const std::string calm = "C:\\temp\\n\\Bqw==\r\n\t\xC2\xA0";
+  // Value, form, what is typed; the answer, what is saved, the alerts.
+  const std::vector<std::tuple<std::string, const char*, std::string, int, std::string, Texts>> cases{
+      {calm, "utf8", "", 0, calm, {"Saved."}},
+      {"", "utf8", "", 0, "", {"Saved."}},
+      {unusual, "ISO_2022_JP", "", keeps, unusual, {otherBytes, "Saved."}},
+      {unusual, "ISO_2022_JP", "", converts, "key", {otherBytes, "Saved."}},
+      {unusual, "ISO_2022_JP", "s", 0, "keys", {"Saved."}},
+      {"\xFF\xFE\xFD", "utf8", "", 1000, "\xFF\xFE\xFD", {notOnShow}},
+      {"\xFF\xFE\xFD", "utf8", "new", 1001, "new", {notOnShow, "Saved."}}};
   openKey("string", {"x"});
-  for (const Case& each : cases) {
-    SCOPED_TRACE(each.value + each.typed);
-    make("string", {each.value});
-    outlets().popValueDataCharset.selectItemWithTitle(each.form);
+  for (const auto& [value, form, typed, answer, saved, told] : cases) {
+    SCOPED_TRACE(value + typed);
+    make("string", {value});
+    outlets().popValueDataCharset.selectItemWithTitle(form);
     load();
     outlets().valueDataStringTxtView.becomeFirstResponder();
     press(Qt::Key_End);
-    type(each.typed);
-    if (each.answer > 0) alerts.answerNext(each.answer);
+    type(typed);
+    if (answer > 0) alerts.answerNext(answer);
     save();
-    EXPECT_EQ(alerts.messages(), each.alerts);
-    EXPECT_EQ(stored("string"), Texts{each.answer > 0 || *each.typed ? each.saved : each.value});
+    EXPECT_EQ(alerts.messages(), told);
+    EXPECT_EQ(stored("string"), Texts{saved});
   }
   save();
   EXPECT_EQ(alerts.messages(), Texts{"Saved."});

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <vector>
 
 namespace tarn::test {
@@ -45,15 +46,9 @@ TEST(TypedText, ReadsAKeyAsTheFormSays) {
 }
 
 TEST(TypedText, MakesAPatternOfASearchText) {
-  struct Case {
-    const char* text;
-    const char* form;
-    Match match;
-    std::string outcome;
-  };
   using enum Match;
   // clang-format off
-  const std::vector<Case> cases{
+  const std::vector<std::tuple<const char*, const char*, Match, std::string>> cases{
       {"user", "utf8", part, "*user*"}, {"user", "utf8", whole, "user"}, {"*user", "utf8", whole, "*user"},
       {"user*", "utf8", whole, "user*"}, {"a**b", "utf8", part, "*a*b*"}, {"a*b*a", "utf8", whole, "a*b*a"},
       {"*", "utf8", whole, "**"}, {"", "Base64", part, "*"}, {"", "utf8", whole, "! "},
@@ -64,8 +59,8 @@ TEST(TypedText, MakesAPatternOfASearchText) {
       {"qw==*", "Base64", whole, "! Can not encode the Search Key from Base64"},
       {"\\B*", "Base64", part, "! Can not decode base64 part of the Search Key '\\B*'"}};
   // clang-format on
-  for (const Case& each : cases)
-    EXPECT_EQ(outcome(searchPattern(each.text, formNamed(each.form), each.match)), each.outcome) << each.text;
+  for (const auto& [text, form, match, expected] : cases)
+    EXPECT_EQ(outcome(searchPattern(text, formNamed(form), match)), expected) << text;
 }
 
 TEST(TypedText, ReadsAStringAsItStandsAndKeepsWhatWasTypedOverAChangeOfForm) {
@@ -75,17 +70,10 @@ TEST(TypedText, ReadsAStringAsItStandsAndKeepsWhatWasTypedOverAChangeOfForm) {
   EXPECT_EQ(
       outcome(stringFromText("中", formNamed("KOI8_R"))),
       "! Can not encode the value to Value Data, Please change Value Data's charset besides the 'Reload' button.");
-  struct Case {
-    const char* shown;
-    const char* oldForm;
-    const char* newForm;
-    const char* value;
-    Text text;
-    bool isShownText;
-  };
   const char* const unusual = "\x1B(Bkey";
   // clang-format off
-  const std::vector<Case> cases{
+  // The text shown, its form and the new one, the value; the text in the new form, and whether it is what was shown.
+  const std::vector<std::tuple<const char*, const char*, const char*, const char*, Text, bool>> cases{
       {"中x", "GBK", "Base64", "old", "1tB4", true}, {"1tB4", "Base64", "GBK", "old", "中x", true},
       {"1tA=", "Base64", "utf8", "old", {}, true}, {"", "utf8", "GBK", "\xD6\xD0", "中", false},
       {"no Base64", "Base64", "utf8", "old", "old", false}, {"中", "iso_8859_1", "utf8", "old", "old", false},
@@ -93,11 +81,10 @@ TEST(TypedText, ReadsAStringAsItStandsAndKeepsWhatWasTypedOverAChangeOfForm) {
       // What was saved is no edit any more.
       {unusual, "utf8", "ISO_2022_JP", unusual, "key", false}, {unusual, "utf8", "ISO_2022_JP", "old", "key", true}};
   // clang-format on
-  for (const Case& each : cases) {
-    const StringInNewForm now =
-        stringInNewForm(each.shown, formNamed(each.oldForm), formNamed(each.newForm), each.value);
-    EXPECT_EQ(now.text, each.text) << each.shown << each.newForm;
-    EXPECT_EQ(now.isShownText, each.isShownText) << each.shown << each.newForm;
+  for (const auto& [shown, oldForm, newForm, value, text, isShownText] : cases) {
+    const StringInNewForm now = stringInNewForm(shown, formNamed(oldForm), formNamed(newForm), value);
+    EXPECT_EQ(now.text, text) << shown << newForm;
+    EXPECT_EQ(now.isShownText, isShownText) << shown << newForm;
   }
 }
 
