@@ -1,13 +1,13 @@
 #include "platform/appkit/AlertPanel.h"
 #include "platform/appkit/text/TextViewWidget.h"
 #include "platform/foundation/NSAlert.h"
-#include "tests/endtoend/Desk.h"
 #include "tests/support/RedisServer.h"
 #include "tests/support/RespClient.h"
-#include "tests/support/widgets/Hand.h"
+#include "tests/support/program/Program.h"
 
 #include <QAccessible>
 #include <QApplication>
+#include <gtest/gtest.h>
 
 #include <functional>
 #include <set>
@@ -18,7 +18,7 @@ namespace tarn::test {
 namespace {
 
 // Walks through all that is on the screen, as a screen reader and the Tab key do.
-class ControlWalk : public Desk {
+class ControlWalk : public testing::Test, protected Program {
 protected:
   // How many things can be told of.
   static int expectNames(QAccessibleInterface* thing, const std::string& path) {
@@ -60,7 +60,6 @@ protected:
     SCOPED_TRACE(name);
     EXPECT_GE(expectNames(QAccessible::queryAccessibleInterface(&window), name), atLeast);
     expectKeyboard(window);
-    grab(window, "walk-" + name);
   }
 };
 
@@ -74,22 +73,22 @@ TEST_F(ControlWalk, EachControlHasANameAndTheKeyboardReachesIt) {
                  {"HSET", "Hash", "field", "value"},
                  {"ZADD", "SortedSet", "1", "member"}});
   openWindow();
-  QWidget& main = *window().window().widget();
+  QWidget& main = *window().window.widget();
   walk(main, "first-start", 9);
-  ASSERT_NO_FATAL_FAILURE(openForm(window().outlets().btnNew));
+  openForm(window().btnNew);
   walk(*form().window.widget(), "form", 15);
   retype(form().txtCnnName, "lake");
   retype(form().txtPort, std::to_string(redis.port()));
   retype(form().txtIp, "127.0.0.1");
   press(Qt::Key_Return);
   toFront();
-  ASSERT_NO_FATAL_FAILURE(openDatabase("lake", "db0(4)"));
-  ASSERT_TRUE(lists({"Hash", "List", "SortedSet", "String"}));
+  openDatabase("lake", "db0(4)");
+  waitForKeys({"Hash", "List", "SortedSet", "String"});
   for (const auto& [type, dataSize] : {std::pair{"String", "Data Size: 4byte(s)"},
                                        {"List", "Data Size: 7byte(s) Data Count:1"},
                                        {"Hash", "Data Size: 10byte(s) Data Count:1"},
                                        {"SortedSet", "Data Size: 7byte(s) Data Count:2"}}) {
-    ASSERT_NO_FATAL_FAILURE(readKey(type, dataSize));
+    readKey(type, dataSize);
     walk(main, type, 40);
   }
   // Among its cells one is open.
@@ -99,7 +98,7 @@ TEST_F(ControlWalk, EachControlHasANameAndTheKeyboardReachesIt) {
   press(Qt::Key_Escape);
 
   click(tab().btnNew);
-  auto* dialog = window().newKeyValueTypeSelectWindowController()->dialog().outlets().window.widget();
+  auto* dialog = content().newKeyValueTypeSelectWindowController()->dialog().outlets().window.widget();
   ASSERT_TRUE(waitUntil([&] { return dialog->isActiveWindow(); }));
   walk(*dialog, "type-dialog", 4);
   press(Qt::Key_Escape);

@@ -1,12 +1,12 @@
-#include "tests/endtoend/Desk.h"
 #include "tests/support/LoopbackPort.h"
 #include "tests/support/RedisServer.h"
 #include "tests/support/RespClient.h"
-#include "tests/support/widgets/Hand.h"
+#include "tests/support/program/Program.h"
 
 #include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
+#include <gtest/gtest.h>
 
 #include <filesystem>
 #include <iostream>
@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 const std::string secret = "tr0ub4dor-ключ";
 
 // One user's day, and what of it is to be seen by others.
-class Day : public Desk {
+class Day : public testing::Test, protected Program {
 protected:
   Day() {
     testing::internal::CaptureStdout();
@@ -36,14 +36,6 @@ protected:
     if (HasFailure()) std::cout << log;
   }
 
-  // Goes on from the field that has the keyboard.
-  static void fillIn(const Texts& texts) {
-    for (const std::string& text : texts) {
-      type(text);
-      press(Qt::Key_Tab);
-    }
-  }
-
   // No title, tool tip or word of a screen reader tells the password, and no other user may read the store.
   void expectDiscretion() {
     for (QWidget* widget : QApplication::allWidgets()) {
@@ -56,18 +48,18 @@ protected:
       if (widget->objectName() == QLatin1String("txtViewCli") || !widget->isVisible()) continue;
       EXPECT_FALSE(shown.contains(QString::fromStdString(secret))) << widget->objectName().toStdString();
     }
-    for (const auto& item : window().outlets().mainTab.tabViewItems())
+    for (const auto& item : window().mainTab.tabViewItems())
       EXPECT_EQ((item->label() + item->toolTip()).find(secret), std::string::npos);
     const auto permissions = [](const fs::path& path) { return fs::status(path).permissions(); };
     EXPECT_EQ(permissions(dataHome.storeFile()), fs::perms::owner_read | fs::perms::owner_write);
     EXPECT_EQ(permissions(dataHome.storeFile().parent_path()), fs::perms::owner_all);
   }
 
-  // What the one message says that is up since the last call.
-  std::string told() {
-    const std::string message = alerts.shown().size() == 1 ? alerts.shown()[0].message : "not one message";
+  // The one message since the last call.
+  std::string message() {
+    const std::string text = alerts.shown().size() == 1 ? alerts.shown()[0].message : "not one message";
     alerts.clear();
-    return message;
+    return text;
   }
 
   RedisServer guarded{{"--requirepass", secret, "--databases", "2"}};
@@ -80,19 +72,17 @@ protected:
 
 TEST_F(Day, FromAnEmptyStoreToTheNextMornings) {
   openWindow();
-  EXPECT_EQ(treeRows(), Texts{"My Favourite"});
-  picture("day-01-first-start");
+  EXPECT_EQ(rows(), Texts{"My Favourite"});
 
   // The first favourite, by keyboard.
-  ASSERT_NO_FATAL_FAILURE(openForm(window().outlets().btnNew));
+  openForm(window().btnNew);
   fillIn({"shop", "127.0.0.1", std::to_string(guarded.port()), secret});
-  grab(*form().window.widget(), "day-02-form");
   expectDiscretion();
   click(form().btnTestConnection);
-  EXPECT_EQ(told(), "Test Connection Success.");
+  EXPECT_EQ(message(), "Test Connection Success.");
   press(Qt::Key_Return);
-  ASSERT_EQ(window().newConnectionWindowController(), nullptr);
-  EXPECT_EQ(treeRows(), (Texts{"My Favourite", "shop"}));
+  ASSERT_EQ(content().newConnectionWindowController(), nullptr);
+  EXPECT_EQ(rows(), (Texts{"My Favourite", "shop"}));
   expectDiscretion();
 
   // The second one has a wrong port, and a password where none is asked for.
@@ -102,27 +92,25 @@ TEST_F(Day, FromAnEmptyStoreToTheNextMornings) {
   const std::string wrongPort = std::to_string(nobody.number());
   fillIn({"till", "127.0.0.1", wrongPort, secret});
   click(form().btnTestConnection);
-  EXPECT_EQ(told(), "Can not connect to Server(till).");
+  EXPECT_EQ(message(), "Can not connect to Server(till).");
   EXPECT_EQ(form().txtCnnName.stringValue(), "till");
   EXPECT_EQ(form().txtPort.stringValue(), wrongPort);
   EXPECT_EQ(form().txtAuth.stringValue(), secret);
   retype(form().txtPort, std::to_string(unguarded.port()));
   click(form().btnTestConnection);
-  EXPECT_NE(told().find("AUTH"), std::string::npos);
+  EXPECT_NE(message().find("AUTH"), std::string::npos);
   click(form().btnShowAuth);
-  grab(*form().window.widget(), "day-03-password-shown");
   retype(form().txtAuthToShow, "");
   click(form().btnTestConnection);
-  EXPECT_EQ(told(), "Test Connection Success.");
+  EXPECT_EQ(message(), "Test Connection Success.");
   click(form().btnSave);
-  EXPECT_EQ(treeRows(), (Texts{"My Favourite", "shop", "till"}));
+  EXPECT_EQ(rows(), (Texts{"My Favourite", "shop", "till"}));
   toFront();
-  picture("day-04-two-favourites");
 
   // Connect, browse, edit.
-  ASSERT_NO_FATAL_FAILURE(openDatabase("shop", "db0(2)"));
-  ASSERT_TRUE(lists({"user:1", "visits"}));
-  ASSERT_NO_FATAL_FAILURE(readKey("user:1", "Data Size: 17byte(s) Data Count:2"));
+  openDatabase("shop", "db0(2)");
+  waitForKeys({"user:1", "visits"});
+  readKey("user:1", "Data Size: 17byte(s) Data Count:2");
   typeInCell(tab().valueDataHashTable, "London", 1, "Ockham");
   press(Qt::Key_Return);
   save();
@@ -147,53 +135,47 @@ shop: LRANGE queue 0 -1
 shop: )"
                                            "\n1)\t'to\n2)\tada'\n3)\tto grace\nshop: GET visits\nshop: 8\nshop: ");
   EXPECT_EQ(client.command({"GET", "visits"}), "$1\r\n8\r\n");
-  picture("day-05-console");
   expectDiscretion();
 
   // The favourite is edited while its tab is open.
-  clickTreeRow("shop");
-  ASSERT_NO_FATAL_FAILURE(openForm(window().outlets().btnEdit));
+  clickRow("shop");
+  openForm(window().btnEdit);
   EXPECT_EQ(form().txtAuth.stringValue(), secret);
   retype(form().txtCnnName, "shop floor");
-  chooseTitle(form().popDefaultCharset, "GBK");
-  grab(*form().window.widget(), "day-06-form-edit");
+  choose(form().popDefaultCharset, "GBK");
   expectDiscretion();
   click(form().btnSave);
   toFront();
-  EXPECT_EQ(treeRows()[1], "shop floor");
-  EXPECT_EQ(window().outlets().mainTab.selectedTabViewItem()->label(), "shop floor");
+  EXPECT_EQ(rows()[1], "shop floor");
+  EXPECT_EQ(window().mainTab.selectedTabViewItem()->label(), "shop floor");
   EXPECT_TRUE(tab().labServerName.stringValue().starts_with("Name:shop floor server:127.0.0.1 port:"));
-  picture("day-07-edited");
   expectDiscretion();
 
   chooseInMainMenu("Help", "Sponsor Tarn");
-  EXPECT_EQ(told(), "Tips can not be paid here: this platform has no store.");
+  EXPECT_EQ(message(), "Tips can not be paid here: this platform has no store.");
 
   // The next morning all of it is there.
   restart();
-  EXPECT_EQ(treeRows(), (Texts{"My Favourite", "shop floor", "till"}));
+  EXPECT_EQ(rows(), (Texts{"My Favourite", "shop floor", "till"}));
   EXPECT_EQ(server()->defaultCharset(), "GBK");
   EXPECT_EQ(server(1)->serverPort(), unguarded.port());
   EXPECT_EQ(server(1)->auth(), "");
-  ASSERT_NO_FATAL_FAILURE(openDatabase("shop floor", "db0(3)"));
-  ASSERT_TRUE(lists({"queue", "user:1", "visits"}));
-  ASSERT_NO_FATAL_FAILURE(readKey("user:1", "Data Size: 17byte(s) Data Count:2"));
-  EXPECT_EQ(column(tab().valueDataHashTable, 1), (Texts{"Ada", "Ockham"}));
-  picture("day-08-next-morning");
-  clickTreeRow("shop floor");
-  click(window().outlets().btnRem);
-  EXPECT_EQ(treeRows(), (Texts{"My Favourite", "till"}));
-  EXPECT_TRUE(window().outlets().mainTab.tabViewItems().empty());
-  picture("day-09-removed");
+  openDatabase("shop floor", "db0(3)");
+  waitForKeys({"queue", "user:1", "visits"});
+  readKey("user:1", "Data Size: 17byte(s) Data Count:2");
+  EXPECT_EQ(texts(tab().valueDataHashTable, 1), (Texts{"Ada", "Ockham"}));
+  clickRow("shop floor");
+  click(window().btnRem);
+  EXPECT_EQ(rows(), (Texts{"My Favourite", "till"}));
+  EXPECT_TRUE(window().mainTab.tabViewItems().empty());
   expectDiscretion();
 
   // And what was removed is gone.
   restart();
-  EXPECT_EQ(treeRows(), (Texts{"My Favourite", "till"}));
-  ASSERT_NO_FATAL_FAILURE(openDatabase("till", "db0(0)"));
-  ASSERT_TRUE(becomes(tab().labStatus, "Status:Connected"));
-  ASSERT_TRUE(lists({}));
-  picture("day-10-empty-database");
+  EXPECT_EQ(rows(), (Texts{"My Favourite", "till"}));
+  openDatabase("till", "db0(0)");
+  waitForText(tab().labStatus, "Status:Connected");
+  waitForKeys(0);
   EXPECT_EQ(alerts.messages(), Texts{});
   expectDiscretion();
 }

@@ -1,35 +1,39 @@
 #include "favourites/ConnectionTabs.h"
-#include "tests/favourites/FavouritesFixture.h"
 #include "tests/support/RedisServer.h"
-#include "tests/support/widgets/Hand.h"
+#include "tests/support/program/Program.h"
+
+#include <gtest/gtest.h>
 
 namespace tarn::test {
 
-using ConnectionTabsTest = FavouritesTest;
-using Texts = std::vector<std::string>;
+namespace {
 
-TEST_F(ConnectionTabsTest, ASelectedServerGetsOneTabThatNamesIt) {
+class ConnectionTabsTest : public testing::Test, protected Program {
+protected:
+  std::string selectedLabel() {
+    const auto item = window().mainTab.selectedTabViewItem();
+    return item ? item->label() : std::string();
+  }
+};
+
+}  // namespace
+
+TEST_F(ConnectionTabsTest, ASelectedServerGetsOneTabThatNamesItAndConnectsNothing) {
   store("local", 6379);
   store("other", 6380);
   openWindow();
-  EXPECT_EQ(tabLabels(), Texts());
-  clickRow(1);
-  ASSERT_TRUE(tabOf());
-  EXPECT_EQ(tabOf()->outlets().labServerName.stringValue(), "Name:local Server:127.0.0.1 Port:6379");
-  clickRow(2);
-  EXPECT_EQ(selectedTabLabel(), "other");
-  clickRow(1);
-  EXPECT_EQ(selectedTabLabel(), "local");
+  clickRow("local");
+  EXPECT_EQ(tab().labServerName.stringValue(), "Name:local Server:127.0.0.1 Port:6379");
+  clickRow("other");
+  EXPECT_EQ(selectedLabel(), "other");
+  clickRow("local");
+  EXPECT_EQ(selectedLabel(), "local");
   EXPECT_EQ(tabLabels(), (Texts{"local", "other"}));
-  EXPECT_EQ(window().outlets().mainTab.tabViewItems()[0]->toolTip(), "local");
+  const auto item = window().mainTab.selectedTabViewItem();
+  EXPECT_EQ(item->toolTip(), "local");
+  EXPECT_EQ(item->sizeOfLabel(true), 0.0);
+  EXPECT_GT(item->sizeOfLabel(false), 0.0);
   EXPECT_EQ(server()->connectionStatus(), ConnectionStatus::notConnected);
-}
-
-TEST_F(ConnectionTabsTest, ALabelMayBeCutDownToNothing) {
-  NSTabViewItemExtension item;
-  item.setLabel("a name");
-  EXPECT_EQ(item.sizeOfLabel(true), 0.0);
-  EXPECT_GT(item.sizeOfLabel(false), 0.0);
 }
 
 TEST_F(ConnectionTabsTest, ADatabaseRowShowsAndSelectsItsDatabase) {
@@ -41,22 +45,20 @@ TEST_F(ConnectionTabsTest, ADatabaseRowShowsAndSelectsItsDatabase) {
   connect();
 
   // The first click makes the tab.
-  clickRow(3);
-  ASSERT_TRUE(tabOf());
-  EXPECT_TRUE(waitForKeys(2));
-  EXPECT_EQ(tabOf()->outlets().labStatus.stringValue(), "Status:Connected");
+  clickRow("db1(");
+  waitForKeys({"a", "b"});
+  waitForText(tab().labStatus, "Status:Connected");
   EXPECT_EQ(tabOf()->shownDatabase(), 1);
   EXPECT_EQ(server()->currentDbIdx(), 1);
 
   // The same one again lists its keys anew; another one starts with an empty search.
-  tabOf()->outlets().txtSearchKey.setStringValue("zer");
+  tab().txtSearchKey.setStringValue("zer");
   redis.command({"set", "zebra-zero", "3"}, 1);
-  clickRow(3);
-  EXPECT_TRUE(waitForKeys(1));
-  redis.command({"mset", "x", "1", "y", "2", "z", "3"}, 0);
-  clickRow(2);
-  EXPECT_TRUE(waitForKeys(4));
-  EXPECT_EQ(tabOf()->outlets().txtSearchKey.stringValue(), "");
+  clickRow("db1(");
+  waitForKeys({"zebra-zero"});
+  clickRow("db0(");
+  waitForKeys({"zero"});
+  EXPECT_EQ(tab().txtSearchKey.stringValue(), "");
   EXPECT_EQ(tabOf()->shownDatabase(), 0);
 }
 
@@ -64,42 +66,26 @@ TEST_F(ConnectionTabsTest, ClosingATabSelectsTheOneInItsPlaceAndItsRow) {
   for (const char* name : {"a", "b", "c"})
     store(name, 1);
   openWindow();
-  for (const int row : {1, 2, 3})
-    clickRow(row);
-  const std::weak_ptr<OperationTabViewController> closed = tabOf(1);
-
-  clickRow(2);
-  click(*tabOf(1)->outlets().btnClose.widget());
-  EXPECT_TRUE(closed.expired());
-  EXPECT_EQ(tabLabels(), (Texts{"a", "c"}));
-  EXPECT_EQ(selectedTabLabel(), "c");
-  EXPECT_EQ(selectedRows(), std::vector<int>{3});
-
-  click(*tabOf(2)->outlets().btnClose.widget());
-  EXPECT_EQ(selectedTabLabel(), "a");
-  EXPECT_EQ(selectedRows(), std::vector<int>{1});
-  window().closeSelectedTab();
-  EXPECT_EQ(tabLabels(), Texts());
-  EXPECT_EQ(selectedRows(), std::vector<int>{1});
-  window().closeSelectedTab();
-  EXPECT_EQ(rows(), (Texts{"My Favourite", "a", "b", "c"}));
-}
-
-TEST_F(ConnectionTabsTest, ClosingATabClosesItsConnectionAlsoWhileItWorks) {
-  const RedisServer redis({"--enable-debug-command", "yes"});
-  redis.command({"debug", "populate", "200000"});
-  store("local", redis.port());
-  openWindow();
-  connect();
-  for (int round = 0; round < 20; ++round) {
-    clickRow(2 + round % 3);
-    tabOf()->search();
-    window().closeSelectedTab();
-    EXPECT_FALSE(tabOf());
-    EXPECT_NE(server()->connectionStatus(), ConnectionStatus::connected);
-    connect();
+  for (const char* name : {"a", "c", "b"})
+    clickRow(name);
+  struct Step {
+    std::size_t closed;
+    Texts labels;
+    std::string selected;
+    int row;
+  };
+  clickRow("c");
+  for (const Step& step : {Step{2, {"a", "b"}, "b", 2}, Step{1, {"a"}, "a", 1}, Step{0, {}, "", 1}}) {
+    const std::weak_ptr<OperationTabViewController> closed = tabOf(step.closed);
+    click(tab(step.closed).btnClose);
+    EXPECT_TRUE(closed.expired());
+    EXPECT_EQ(tabLabels(), step.labels);
+    EXPECT_EQ(selectedLabel(), step.selected);
+    EXPECT_EQ(window().serverSelection.selectedRowIndexes(), std::vector<int>{step.row});
   }
-  EXPECT_EQ(tabLabels(), Texts());
+  // Without a tab nothing is closed.
+  content().closeSelectedTab();
+  EXPECT_EQ(rows(), (Texts{"My Favourite", "a", "b", "c"}));
 }
 
 }  // namespace tarn::test

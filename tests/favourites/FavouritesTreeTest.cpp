@@ -1,45 +1,43 @@
 #include "favourites/FavouritesTree.h"
 #include "platform/foundation/NSAlert.h"
-#include "tests/favourites/FavouritesFixture.h"
 #include "tests/support/RedisServer.h"
-#include "tests/support/widgets/Hand.h"
+#include "tests/support/program/Program.h"
+
+#include <gtest/gtest.h>
 
 namespace tarn::test {
 
-using FavouritesTreeTest = FavouritesTest;
-using Texts = std::vector<std::string>;
+namespace {
+
+class FavouritesTreeTest : public testing::Test, protected Program {};
+
+}  // namespace
 
 TEST_F(FavouritesTreeTest, ShowsStatusByIconAndDatabasesWithTheirCounts) {
   MainLayout layout;
   const auto root = std::make_shared<MyFavouriteItem>();
-  const auto server = makeServer("local", 1);
-  root->servers = {server};
+  const auto server = std::make_shared<ServerItem>();
+  server->setConnectionName("local");
   const auto db = std::make_shared<DbItem>(3, server);
+  db->setKeysCount("(12)");
   FavouritesTree tree(layout.serverSelection, root);
+  const auto shown = [&](const NSItem& item) {
+    const NSOutlineCell cell = tree.viewForItem(item);
+    return Texts{cell.image.isNone() ? "" : cell.image.name(), cell.text, cell.toolTip,
+                 tree.isItemExpandable(item) ? "expandable" : ""};
+  };
 
-  EXPECT_EQ(tree.viewForItem(root).text, "My Favourite");
-  EXPECT_TRUE(tree.viewForItem(root).image.isNone());
-  EXPECT_EQ(tree.viewForItem(root).toolTip, "");
-  EXPECT_FALSE(tree.shouldShowOutlineCellForItem(root));
-
+  EXPECT_EQ(shown(root), (Texts{"", "My Favourite", "", "expandable"}));
+  EXPECT_EQ(shown(db), (Texts{"db", "db3(12)", "db3", ""}));
   for (const auto& [status, image] :
        {std::pair(ConnectionStatus::notConnected, "server"), std::pair(ConnectionStatus::connected, "server-running"),
         std::pair(ConnectionStatus::disConnected, "server-disconnected"),
         std::pair(ConnectionStatus::connecting, "server-connecting")}) {
     server->setConnectionStatus(status);
-    EXPECT_EQ(tree.viewForItem(server).image.name(), image);
+    EXPECT_EQ(shown(server), (Texts{image, "local", "local", "expandable"}));
   }
-  EXPECT_EQ(tree.viewForItem(server).text, "local");
-  EXPECT_EQ(tree.viewForItem(server).toolTip, "local");
-  EXPECT_TRUE(tree.isItemExpandable(server));
+  EXPECT_FALSE(tree.shouldShowOutlineCellForItem(root));
   EXPECT_TRUE(tree.shouldShowOutlineCellForItem(server));
-
-  EXPECT_EQ(tree.viewForItem(db).text, "db3(0)");
-  db->setKeysCount("(12)");
-  EXPECT_EQ(tree.viewForItem(db).text, "db3(12)");
-  EXPECT_EQ(tree.viewForItem(db).toolTip, "db3");
-  EXPECT_EQ(tree.viewForItem(db).image.name(), "db");
-  EXPECT_FALSE(tree.isItemExpandable(db));
 
   // A list that is replaced while it is read stays whole.
   server->setDbs({std::make_shared<DbItem>(0, server), std::make_shared<DbItem>(1, server)});
@@ -49,23 +47,33 @@ TEST_F(FavouritesTreeTest, ShowsStatusByIconAndDatabasesWithTheirCounts) {
   EXPECT_EQ(tree.numberOfChildrenOfItem(server), 0);
 }
 
-TEST_F(FavouritesTreeTest, WithoutASelectedServerEachCommandSaysWhatItNeeds) {
+TEST_F(FavouritesTreeTest, ACommandWithoutTheServersThatItNeedsSaysSo) {
+  store("local", 1);
+  store("other", 2);
   openWindow();
-  EXPECT_EQ(rows(), Texts{"My Favourite"});
-  clickRow(0);
-  auto& outlets = window().outlets();
-  Texts needs;
-  for (const auto& [button, what] : {std::pair(&outlets.btnConn, "(Re)Connect"), std::pair(&outlets.btnClose, "Close"),
-                                     std::pair(&outlets.btnRem, "Remove")}) {
-    click(*button->widget());
-    needs.push_back(std::string("To ") + what +
-                    " Selected Connection, you should choose one or more than one connection(s) In the 'My Favourite' "
-                    "list. And not db.");
+  const auto message = [this](const NSButton& button, const std::vector<int>& rows) {
+    selectRows(rows);
+    alerts.clear();
+    click(button);
+    if (alerts.shown().empty()) return std::string();
+    EXPECT_EQ(alerts.shown()[0].style, static_cast<int>(NSAlert::Style::informational));
+    return alerts.messages()[0];
+  };
+  const std::string many =
+      " Selected Connection, you should choose one or more than one connection(s) In the 'My "
+      "Favourite' list. And not db.";
+  EXPECT_EQ(message(window().btnConn, {0}), "To (Re)Connect" + many);
+  EXPECT_EQ(message(window().btnClose, {}), "To Close" + many);
+  EXPECT_EQ(message(window().btnRem, {0}), "To Remove" + many);
+  for (const auto& rows : {std::vector<int>{}, {0}, {1, 2}}) {
+    EXPECT_EQ(message(window().btnEdit, rows),
+              "To Edit Connection, you should choose one and only one connection In the 'My Favourite' list. And not "
+              "db.");
   }
-  EXPECT_EQ(alerts.messages(), needs);
-  for (const auto& alert : alerts.shown())
-    EXPECT_EQ(alert.style, static_cast<int>(NSAlert::Style::informational));
-  EXPECT_EQ(tabLabels(), Texts());
+  EXPECT_EQ(content().newConnectionWindowController(), nullptr);
+  // The root doesn't count beside a server.
+  EXPECT_EQ(message(window().btnEdit, {0, 1}), "");
+  EXPECT_TRUE(form().window.isVisible());
 }
 
 TEST_F(FavouritesTreeTest, CountsFollowTheServerAndTheSelectionStays) {
@@ -74,14 +82,12 @@ TEST_F(FavouritesTreeTest, CountsFollowTheServerAndTheSelectionStays) {
   store("local", redis.port());
   openWindow();
   connect();
-  EXPECT_EQ(rows(), (Texts{"My Favourite", "local", "db0(0)", "db1(0)", "db2(0)"}));
-  selectRow(3);
-
-  EXPECT_TRUE(waitUntil([&] { return rows()[3] == "db1(1)"; }));
-  EXPECT_EQ(selectedRows(), std::vector<int>{3});
+  selectRows({3});
+  waitFor([&] { return rows()[3] == "db1(1)"; }, [&] { return rows()[3]; });
+  EXPECT_EQ(window().serverSelection.selectedRowIndexes(), std::vector<int>{3});
 
   // A database alone is no server.
-  window().clickCloseConnections();
+  content().clickCloseConnections();
   EXPECT_EQ(alerts.shown().size(), 1U);
   EXPECT_EQ(server()->connectionStatus(), ConnectionStatus::connected);
   EXPECT_EQ(tabLabels(), Texts());

@@ -1,14 +1,13 @@
 #include "tests/support/widgets/Hand.h"
 
-#include "platform/appkit/NSView.h"
+#include "platform/appkit/NSPopUpButton.h"
+#include "platform/appkit/NSTableView.h"
 #include "platform/foundation/NSOperationQueue.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
-#include <QDir>
 #include <QElapsedTimer>
-#include <QPixmap>
 #include <QStyle>
 #include <QTest>
 #include <QTimer>
@@ -33,6 +32,10 @@ QWidget& keyboardOwner() {
 void click(QWidget& widget, std::optional<QPoint> at, Qt::MouseButton button, Qt::KeyboardModifiers modifiers) {
   QTest::mouseClick(&widget, button, modifiers, at.value_or(widget.rect().center()));
   settle();
+}
+
+void click(const NSView& view) {
+  click(*view.widget());
 }
 
 void doubleClick(QWidget& widget, std::optional<QPoint> at) {
@@ -67,8 +70,21 @@ void choose(QWidget& popUp, int index) {
   click(*box.view()->viewport(), box.view()->visualRect(item).center());
 }
 
+void choose(NSPopUpButton& popUp, const std::string& title) {
+  const int index = dynamic_cast<QComboBox&>(*popUp.widget()).findText(QString::fromStdString(title));
+  if (index < 0) throw std::runtime_error("the pop-up has no " + title);
+  choose(*popUp.widget(), index);
+}
+
 int itemCount(const NSView& popUp) {
   return dynamic_cast<QComboBox&>(*popUp.widget()).count();
+}
+
+std::vector<std::string> texts(NSTableView& table, int column) {
+  std::vector<std::string> shown;
+  for (int row = 0; row < table.numberOfRows(); ++row)
+    shown.push_back(table.viewAtColumn(column, row, true)->stringValue());
+  return shown;
 }
 
 void settle() {
@@ -91,24 +107,12 @@ bool waitUntil(const std::function<bool()>& done, std::chrono::milliseconds limi
   return true;
 }
 
-QWidget& named(const QWidget& root, const char* objectName) {
-  const QString name = QString::fromLatin1(objectName);
-  if (auto* found = root.findChild<QWidget*>(name)) return *found;
-  throw std::runtime_error(std::string("no widget is named ") + objectName);
-}
-
 void show(QWidget& widget, QSize size) {
   if (size.isValid()) widget.resize(size);
   widget.show();
   widget.activateWindow();
   if (!QTest::qWaitForWindowActive(&widget)) throw std::runtime_error("the window doesn't come up");
   settle();
-}
-
-void grab(QWidget& widget, const std::string& name) {
-  QDir().mkpath(QStringLiteral("pictures"));
-  settle();
-  widget.grab().save(QStringLiteral("pictures/%1.png").arg(QString::fromStdString(name)));
 }
 
 QWidget* openPopUp() {
@@ -132,28 +136,31 @@ void useDarkPalette(bool dark) {
     QApplication::setPalette(QApplication::style()->standardPalette());
     return;
   }
-  QPalette palette;
   const QColor text(0xe6, 0xe6, 0xe6);
-  const QColor faint(0x8c, 0x8f, 0x94);
-  palette.setColor(QPalette::Window, QColor(0x2a, 0x2c, 0x30));
-  palette.setColor(QPalette::Base, QColor(0x1f, 0x21, 0x24));
-  palette.setColor(QPalette::AlternateBase, QColor(0x26, 0x28, 0x2c));
-  palette.setColor(QPalette::Button, QColor(0x36, 0x39, 0x3e));
-  palette.setColor(QPalette::ToolTipBase, QColor(0x36, 0x39, 0x3e));
-  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
-    palette.setColor(role, text);
-    palette.setColor(QPalette::Disabled, role, faint);
+  const std::pair<QPalette::ColorRole, QColor> colours[] = {{QPalette::Window, {0x2a, 0x2c, 0x30}},
+                                                            {QPalette::Base, {0x1f, 0x21, 0x24}},
+                                                            {QPalette::AlternateBase, {0x26, 0x28, 0x2c}},
+                                                            {QPalette::Button, {0x36, 0x39, 0x3e}},
+                                                            {QPalette::ToolTipBase, {0x36, 0x39, 0x3e}},
+                                                            {QPalette::WindowText, text},
+                                                            {QPalette::Text, text},
+                                                            {QPalette::ButtonText, text},
+                                                            {QPalette::ToolTipText, text},
+                                                            {QPalette::PlaceholderText, {0x8c, 0x8f, 0x94}},
+                                                            {QPalette::BrightText, Qt::white},
+                                                            {QPalette::Highlight, {0x3d, 0x7e, 0xc8}},
+                                                            {QPalette::HighlightedText, Qt::white},
+                                                            {QPalette::Link, {0x6c, 0xa8, 0xe8}},
+                                                            {QPalette::Light, {0x4a, 0x4d, 0x53}},
+                                                            {QPalette::Midlight, {0x40, 0x43, 0x48}},
+                                                            {QPalette::Mid, {0x22, 0x24, 0x27}},
+                                                            {QPalette::Dark, {0x18, 0x19, 0x1b}},
+                                                            {QPalette::Shadow, Qt::black}};
+  QPalette palette;
+  for (const auto& [role, colour] : colours) {
+    palette.setColor(role, colour);
+    if (colour == text) palette.setColor(QPalette::Disabled, role, QColor(0x8c, 0x8f, 0x94));
   }
-  palette.setColor(QPalette::PlaceholderText, faint);
-  palette.setColor(QPalette::BrightText, Qt::white);
-  palette.setColor(QPalette::Highlight, QColor(0x3d, 0x7e, 0xc8));
-  palette.setColor(QPalette::HighlightedText, Qt::white);
-  palette.setColor(QPalette::Link, QColor(0x6c, 0xa8, 0xe8));
-  palette.setColor(QPalette::Light, QColor(0x4a, 0x4d, 0x53));
-  palette.setColor(QPalette::Midlight, QColor(0x40, 0x43, 0x48));
-  palette.setColor(QPalette::Mid, QColor(0x22, 0x24, 0x27));
-  palette.setColor(QPalette::Dark, QColor(0x18, 0x19, 0x1b));
-  palette.setColor(QPalette::Shadow, Qt::black);
   QApplication::setPalette(palette);
 }
 

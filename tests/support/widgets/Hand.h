@@ -9,10 +9,13 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tarn {
+class NSPopUpButton;
+class NSTableView;
 class NSView;
-}
+}  // namespace tarn
 
 namespace tarn::test {
 
@@ -22,6 +25,7 @@ namespace tarn::test {
 // A press and a release of the button in the widget's middle, or at `at` in its coordinates.
 void click(QWidget& widget, std::optional<QPoint> at = {}, Qt::MouseButton button = Qt::LeftButton,
            Qt::KeyboardModifiers modifiers = {});
+void click(const NSView& view);
 void doubleClick(QWidget& widget, std::optional<QPoint> at = {});
 
 // Keys go to whatever has the keyboard.
@@ -30,22 +34,20 @@ void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
 
 // Opens the pop-up's list by a click and chooses the item by another.
 void choose(QWidget& popUp, int index);
+void choose(NSPopUpButton& popUp, const std::string& title);
 // How many items its list has.
 int itemCount(const NSView& popUp);
+
+// What the table shows in a column, in all its rows.
+std::vector<std::string> texts(NSTableView& table, int column = 0);
 
 // Handles what waits: posted blocks, events, layout and painting.
 void settle();
 // Handles events until `done` answers true; false if it never does within the limit.
 bool waitUntil(const std::function<bool()>& done, std::chrono::milliseconds limit = std::chrono::seconds(10));
 
-// The descendant of this object name; a test that asks for one that isn't there ends.
-QWidget& named(const QWidget& root, const char* objectName);
-
 // Shows a widget as a window of this size, and waits until it has the keyboard.
 void show(QWidget& widget, QSize size = {});
-
-// A picture of the widget, saved as a PNG of this name under "pictures" in the current folder.
-void grab(QWidget& widget, const std::string& name);
 
 // The open menu or list; nothing where there is none.
 QWidget* openPopUp();

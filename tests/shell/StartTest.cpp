@@ -1,0 +1,127 @@
+#include "favourites/FavouritesStore.h"
+#include "platform/foundation/NSOperationQueue.h"
+#include "tests/support/program/Program.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace tarn::test {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// The program over a store file that something has happened to.
+class Start : public testing::Test, protected Program {
+protected:
+  std::string contents() const {
+    std::ifstream stream(dataHome.storeFile(), std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+  }
+  void write(const std::string& bytes) const { std::ofstream(dataHome.storeFile(), std::ios::binary) << bytes; }
+  void sql(const std::string& statement) const {
+    const std::string command = "sqlite3 '" + dataHome.storeFile().string() + "' \"" + statement + "\"";
+    EXPECT_EQ(std::system(command.c_str()), 0) << statement;
+  }
+};
+
+}  // namespace
+
+TEST_F(Start, AnEmptyFileIsAFirstStart) {
+  fs::create_directories(dataHome.storeFile().parent_path());
+  write("");
+  store("local", 1);
+  openWindow();
+  EXPECT_EQ(rows(), (Texts{"My Favourite", "local"}));
+  EXPECT_EQ(alerts.messages(), Texts());
+}
+
+TEST_F(Start, AStoreThatCannotBeOpenedIsReportedOnceAndNeverOverwritten) {
+  store("local", 1);
+  openWindow();
+  const std::string whole = contents();
+  struct Fault {
+    std::string reason;
+    std::function<void()> make;
+  };
+  const Fault faults[] = {
+      {"not a database", [&] { write(std::string(20'000, '#')); }},
+      {"damaged", [&] { write(std::string(whole).replace(4096, 2000, 2000, '\x7F')); }},
+      {"newer version", [&] { sql("PRAGMA user_version = 2"); }},
+      {"no ServerItemStorage.auth", [&] { sql("ALTER TABLE ServerItemStorage DROP COLUMN auth"); }},
+      {"can't be written", [&] { fs::permissions(dataHome.storeFile(), fs::perms::owner_read); }},
+      {"", [&] { fs::permissions(dataHome.storeFile(), fs::perms::none); }},
+  };
+  for (const Fault& fault : faults) {
+    SCOPED_TRACE(fault.reason);
+    fs::permissions(dataHome.storeFile(), fs::perms::owner_read | fs::perms::owner_write);
+    write(whole);
+    fault.make();
+    const std::string before = contents();
+    alerts.clear();
+    testing::internal::CaptureStdout();
+    restart();
+    EXPECT_EQ(testing::internal::GetCapturedStdout().find("Unresolved error "), 0U);
+    EXPECT_EQ(rows(), Texts{"My Favourite"});
+    ASSERT_EQ(alerts.shown().size(), 1U);
+    EXPECT_NE(alerts.messages()[0].find(dataHome.storeFile().string()), std::string::npos) << alerts.messages()[0];
+    EXPECT_NE(alerts.messages()[0].find(fault.reason), std::string::npos) << alerts.messages()[0];
+
+    // A new favourite is in the list, and a message says that it isn't in the store.
+    openForm(window().btnNew);
+    fillIn({"lost", "host", "1"});
+    press(Qt::Key_Return);
+    EXPECT_EQ(rows(), (Texts{"My Favourite", "lost"}));
+    EXPECT_EQ(alerts.shown().size(), 2U);
+    EXPECT_EQ(contents(), before);
+  }
+}
+
+TEST_F(Start, ARecordThatLacksAFieldIsLeftOutAndLeftInTheStore) {
+  for (const char* field : {"serverId", "connectionName", "serverIp", "serverPort", "auth", "defaultCharset"})
+    store(field, 1);
+  for (const char* field : {"serverId", "serverIp", "serverPort", "auth", "defaultCharset", "connectionName"}) {
+    sql("UPDATE ServerItemStorage SET " + std::string(field) + " = NULL WHERE connectionName = '" + field + "'");
+  }
+  const std::string before = contents();
+  restart();
+  // The character set alone isn't required.
+  EXPECT_EQ(rows(), (Texts{"My Favourite", "defaultCharset"}));
+  EXPECT_EQ(server()->defaultCharset(), "utf8");
+  EXPECT_EQ(contents(), before);
+}
+
+TEST_F(Start, ADiskThatIsFullIsReportedAndLeavesTheOldRecordWhole) {
+  std::signal(SIGXFSZ, SIG_IGN);
+  store("local", 1);
+  openWindow();
+  const std::string before = contents();
+  rlimit limit{};
+  getrlimit(RLIMIT_FSIZE, &limit);
+  const rlimit none{0, limit.rlim_max};
+  const auto save = [this] {
+    FavouritesStore().saveIfChanged();
+    NSOperationQueue::mainQueue().drain();
+  };
+  server()->setConnectionName(std::string(50'000, 'x'));
+  FavouritesStore().changeRecord(*server());
+  setrlimit(RLIMIT_FSIZE, &none);
+  save();
+  setrlimit(RLIMIT_FSIZE, &limit);
+  EXPECT_EQ(alerts.shown().size(), 1U);
+  EXPECT_EQ(contents(), before);
+
+  // The change is still there, and the next save takes it along.
+  save();
+  EXPECT_EQ(alerts.shown().size(), 1U);
+  restart();
+  EXPECT_EQ(server()->connectionName().size(), 50'000U);
+}
+
+}  // namespace tarn::test
