@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstdlib>
 #include <filesystem>
 #include <future>
 #include <string>
@@ -139,7 +138,7 @@ TEST(NSOperationQueueDeathTest, RunsABlockOnceTheSystemHasAThreadForIt) {
   const auto runLate = [] {
     // The superuser may have any number of threads.
     constexpr uid_t nobody = 65534;
-    if (geteuid() == 0 && setuid(nobody) != 0) std::exit(1);
+    if (geteuid() == 0 && setuid(nobody) != 0) _exit(1);
     rlimit before{};
     getrlimit(RLIMIT_NPROC, &before);
     const rlimit none = {0, before.rlim_max};
@@ -148,9 +147,9 @@ TEST(NSOperationQueueDeathTest, RunsABlockOnceTheSystemHasAThreadForIt) {
     std::atomic<int> ran = 0;
     queue.addOperationWithBlock([&] { ++ran; });
     queue.addBarrierBlock([&] { ++ran; });
-    if (queue.operationCount() != 2) std::exit(2);
+    if (queue.operationCount() != 2) _exit(2);
     setrlimit(RLIMIT_NPROC, &before);
-    std::exit(becomesIdle(queue) && ran == 2 ? 0 : 3);
+    _exit(becomesIdle(queue) && ran == 2 ? 0 : 3);
   };
   EXPECT_EXIT(runLate(), testing::ExitedWithCode(0), "");
 }
