@@ -20,7 +20,7 @@ namespace {
 // Walks through all that is on the screen, as a screen reader and the Tab key do.
 class ControlWalk : public testing::Test, protected Program {
 protected:
-  // How many things can be told of.
+  // How many things a screen reader can name.
   static int expectNames(QAccessibleInterface* thing, const std::string& path) {
     if (!thing || !thing->isValid() || thing->state().invisible) return 0;
     using Role = QAccessible::Role;

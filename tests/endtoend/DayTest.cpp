@@ -101,8 +101,15 @@ TEST_F(Day, FromAnEmptyStoreToTheNextMornings) {
   EXPECT_NE(message().find("AUTH"), std::string::npos);
   click(form().btnShowAuth);
   retype(form().txtAuthToShow, "");
+  bool isWaitingThen = true;
+  alerts.whileNextIsUp([&] { isWaitingThen = QApplication::overrideCursor() != nullptr; });
   click(form().btnTestConnection);
+  EXPECT_FALSE(isWaitingThen);
   EXPECT_EQ(message(), "Test Connection Success.");
+  // None of the connections for a test stayed.
+  EXPECT_TRUE(waitUntil([&] {
+    return client.command({"INFO", "clients"}).find("connected_clients:1\r") != std::string::npos;
+  }));
   click(form().btnSave);
   EXPECT_EQ(rows(), (Texts{"My Favourite", "shop", "till"}));
   toFront();

@@ -14,7 +14,7 @@ constexpr int confirm = 1000;
 constexpr int otherwise = 1001;
 constexpr int cancel = 1002;
 
-// A second client stands beside, and tells what is on the server.
+// A second client stands beside, and says what is on the server.
 class Editing : public testing::Test, protected Program {
 protected:
   Editing() {
@@ -25,7 +25,7 @@ protected:
                      {"ZADD", "zset", "-3", "lowest", "1.5", "low", "1e21", "high"}});
     store("lake", redis.port());
     openWindow();
-    openDatabase("lake", "db0(5)");
+    openDatabase("lake", "db0(");
     waitForKeys({"hash", "list", "set", "text", "zset"});
   }
 

@@ -25,8 +25,8 @@ std::string joined(const Program::Texts& texts) {
   return all;
 }
 
-bool isActive(const NSView& window) {
-  return waitUntil([&] { return window.widget()->isActiveWindow(); });
+void waitUntilActive(const NSView& window) {
+  Program::waitFor([&] { return window.widget()->isActiveWindow(); }, [] { return "a window without the keyboard"s; });
 }
 
 QPoint cellCentre(NSTableView& table, const std::string& text, int column) {
@@ -116,18 +116,17 @@ Program::Texts Program::tabLabels() {
 
 void Program::openForm(const NSButton& button) {
   click(button);
-  if (!content_->newConnectionWindowController() || !isActive(form().window))
-    throw std::runtime_error("the connection form doesn't come up");
+  waitUntilActive(form().window);
 }
 
 void Program::openTypeDialog() {
   content_->openTypeDialog();
-  if (!isActive(typeDialog().window)) throw std::runtime_error("the type dialog doesn't come up");
+  waitUntilActive(typeDialog().window);
 }
 
 void Program::newKey(const std::string& type) {
   click(tab().btnNew);
-  if (!isActive(typeDialog().window)) throw std::runtime_error("the type dialog doesn't come up");
+  waitUntilActive(typeDialog().window);
   choose(typeDialog().popValueType, type);
   click(typeDialog().btnConfirm);
   toFront();
