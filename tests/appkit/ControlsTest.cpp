@@ -1,15 +1,18 @@
 #include "platform/appkit/NSButton.h"
 #include "platform/appkit/NSPopUpButton.h"
+#include "platform/appkit/NSTextField.h"
 #include "platform/appkit/NSWindow.h"
-#include "tests/support/widgets/Hand.h"
+#include "platform/appkit/text/LabelWidget.h"
+#include "platform/appkit/text/TextFieldWidget.h"
+#include "tests/appkit/Keys.h"
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QHBoxLayout>
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QPushButton>
-#include <QTest>
-#include <QVBoxLayout>
+#include <QWheelEvent>
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -27,6 +30,7 @@ protected:
     show(window, {300, 240});
     edit->setFocus();
   }
+  void clickCheck() { click(*checked, QPoint(8, checked->height() / 2)); }
 
   QWidget window;
   QLineEdit* edit = new QLineEdit;
@@ -36,37 +40,36 @@ protected:
   int actions = 0;
 };
 
+}  // namespace
+
 TEST_F(Controls, TakeTheFocusByTabAndNotByAClick) {
   NSButton button(pushed);
   NSButton check(checked);
   NSPopUpButton popUp(box);
   popUp.addItemsWithTitles({"a", "b"});
   click(*pushed);
-  click(*checked, QPoint(8, checked->height() / 2));
+  clickCheck();
   choose(*box, 1);
   EXPECT_TRUE(edit->hasFocus());
   EXPECT_TRUE(check.state());
   EXPECT_EQ(popUp.stringValue(), "b");
-
   for (QWidget* next : std::initializer_list<QWidget*>{pushed, checked, box}) {
-    press(Qt::Key_Tab);
+    keys("Tab");
     EXPECT_TRUE(next->hasFocus());
   }
 }
 
-TEST_F(Controls, ButtonSendsItsActionForAHandOnly) {
+TEST_F(Controls, ButtonSendsItsActionForTheUserOnlyAndMayGoInIt) {
   NSButton check(checked);
   check.setAction([&] { ++actions; });
   check.setState(true);
   EXPECT_EQ(actions, 0);
-  click(*checked, QPoint(8, checked->height() / 2));
+  clickCheck();
   EXPECT_EQ(actions, 1);
   EXPECT_FALSE(check.state());
   check.setStringValue("Search & find");
   EXPECT_EQ(check.stringValue(), "Search & find");
-}
-
-TEST_F(Controls, ButtonMayGoInItsOwnAction) {
+  EXPECT_EQ(checked->text(), "Search && find");
   auto button = std::make_unique<NSButton>(pushed);
   button->setAction([&] {
     button.reset();
@@ -74,41 +77,33 @@ TEST_F(Controls, ButtonMayGoInItsOwnAction) {
     ++actions;
   });
   click(*pushed);
-  EXPECT_EQ(actions, 1);
+  EXPECT_EQ(actions, 2);
 }
 
-TEST_F(Controls, PopUpTellsWhatAHandChoseAlsoTheSameAgain) {
+TEST_F(Controls, PopUpSaysWhatTheUserChoseAndSelectsNoneForWhatItDoesntHold) {
   NSPopUpButton popUp(box);
   popUp.setAction([&] { ++actions; });
-  popUp.addItemsWithTitles({"db0", "db1", "db2"});
+  popUp.addItemWithTitle("db0");
   EXPECT_EQ(popUp.indexOfSelectedItem(), 0);
+  popUp.addItemsWithTitles({"db1", "db2"});
   popUp.selectItemWithTitle("db1");
   EXPECT_EQ(actions, 0);
   choose(*box, 1);
   choose(*box, 2);
   EXPECT_EQ(actions, 2);
   EXPECT_EQ(popUp.titleOfSelectedItem(), "db2");
-
   // A scroll that strays over it chooses nothing.
-  QWheelEvent wheel(QPointF(5, 5), box->mapToGlobal(QPointF(5, 5)), {}, QPoint(0, 120), {}, {}, Qt::NoScrollPhase,
-                    false);
+  QWheelEvent wheel(QPointF(5, 5), box->mapToGlobal(QPointF(5, 5)), {}, {0, 120}, {}, {}, Qt::NoScrollPhase, false);
   QApplication::sendEvent(box, &wheel);
   EXPECT_EQ(popUp.indexOfSelectedItem(), 2);
-}
-
-TEST_F(Controls, PopUpSelectsNoneForWhatItDoesntHold) {
-  NSPopUpButton popUp(box);
-  popUp.addItemsWithTitles({"utf8", "GBK"});
   for (const auto& select : std::initializer_list<std::function<void()>>{
-           [&] { popUp.selectItemAtIndex(2); }, [&] { popUp.selectItemAtIndex(-1); },
-           [&] { popUp.selectItemWithTitle("gbk"); }, [&] { popUp.removeAllItems(); }}) {
+           [&] { popUp.selectItemAtIndex(3); }, [&] { popUp.selectItemAtIndex(-1); },
+           [&] { popUp.selectItemWithTitle("DB1"); }, [&] { popUp.removeAllItems(); }}) {
     popUp.selectItemAtIndex(0);
     select();
     EXPECT_EQ(popUp.indexOfSelectedItem(), -1);
     EXPECT_EQ(popUp.titleOfSelectedItem(), "");
   }
-  popUp.addItemWithTitle("first");
-  EXPECT_EQ(popUp.indexOfSelectedItem(), 0);
 }
 
 TEST_F(Controls, AreHiddenAsSetWhateverTheirParentIs) {
@@ -123,10 +118,7 @@ TEST_F(Controls, AreHiddenAsSetWhateverTheirParentIs) {
 
 TEST(Window, AsksItsDelegateWhenTheUserClosesItAndNotWhenCodeDoes) {
   struct Refusing final : NSWindowDelegate {
-    bool windowShouldClose() override {
-      ++asked;
-      return false;
-    }
+    bool windowShouldClose() override { return ++asked < 0; }
     void windowDidResize() override {}
     int asked = 0;
   } delegate;
@@ -143,5 +135,46 @@ TEST(Window, AsksItsDelegateWhenTheUserClosesItAndNotWhenCodeDoes) {
   EXPECT_FALSE(window.isVisible());
 }
 
-}  // namespace
+TEST(ToolTip, OfALabelIsItsOwnOrTheTextThatIsCutAndOfAFieldItsOwn) {
+  LabelWidget widget;
+  TextFieldWidget fieldWidget;
+  NSTextField label(&widget);
+  NSTextField field(&fieldWidget);
+  show(widget, QSize(200, 60));
+  show(fieldWidget, QSize(200, 60));
+  label.setStringValue("short");
+  field.setStringValue(std::string(500, 'l'));
+  EXPECT_EQ(toolTipOf(widget) + toolTipOf(fieldWidget), QString());
+  label.setStringValue("<b>" + std::string(50 << 20, 'l') + "</b>");
+  EXPECT_TRUE(toolTipOf(widget).contains(QStringLiteral("&lt;b&gt;lll")));
+  EXPECT_LT(toolTipOf(widget).size(), 3000);
+  EXPECT_FALSE(widget.grab().isNull());
+  EXPECT_LT(widget.minimumSizeHint().width(), 200);
+  for (NSTextField* one : {&label, &field}) {
+    one->setToolTip("its own <i>");
+    EXPECT_TRUE(toolTipOf(*one->widget()).contains(QStringLiteral("its own &lt;i&gt;")));
+  }
+}
+
+TEST(Label, IsAsWideAsItsTextBesideAFieldWhereThereIsRoom) {
+  QWidget window;
+  auto* layout = new QHBoxLayout(&window);
+  auto* kind = new LabelWidget;
+  auto* name = new LabelWidget;
+  layout->addWidget(kind);
+  layout->addWidget(name);
+  layout->addWidget(new TextFieldWidget, 1);
+  show(window, QSize(600, 60));
+  NSTextField(kind).setStringValue("Type: SortedSet");
+  NSTextField(name).setStringValue("A name that is as long as its owner wants");
+  settle();
+  EXPECT_EQ(kind->width(), kind->sizeHint().width());
+  EXPECT_EQ(name->width(), name->sizeHint().width());
+  // Without room the long one gives way, the short one doesn't.
+  window.resize(window.minimumSizeHint().width(), 60);
+  settle();
+  EXPECT_EQ(kind->width(), kind->sizeHint().width());
+  EXPECT_LT(name->width(), name->sizeHint().width());
+}
+
 }  // namespace tarn::test

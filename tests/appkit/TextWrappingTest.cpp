@@ -30,7 +30,7 @@ protected:
   QRect area() const { return view.contentsRect().adjusted(4, 4, -4 - bar->sizeHint().width(), -4); }
   int rowsInSight() const { return area().height() / rowHeight(); }
 
-  // Where each row starts, as a hand finds out that goes down from the top.
+  // Where each row starts, as a user finds out who goes down from the top.
   std::vector<std::size_t> rowStarts() {
     std::vector<std::size_t> starts{0};
     view.setSelection(0, 0);

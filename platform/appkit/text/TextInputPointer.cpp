@@ -66,9 +66,9 @@ void TextInputWidget::mouseReleaseEvent(QMouseEvent* event) {
     selectingByMouse_ = false;
     dragging_.stop();
     publishPrimarySelection();
-  } else if (event->button() == Qt::MiddleButton && QGuiApplication::clipboard()->supportsSelection()) {
+  } else if (event->button() == Qt::MiddleButton && primarySelection()) {
     moveCaret(positionAt(event->position().toPoint()), false);
-    insertMimeText(QGuiApplication::clipboard()->mimeData(QClipboard::Selection));
+    insertMimeText(primarySelection());
   }
 }
 

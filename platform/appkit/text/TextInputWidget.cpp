@@ -148,9 +148,17 @@ void TextInputWidget::selectAll() {
 }
 
 void TextInputWidget::publishPrimarySelection() const {
-  QClipboard* clipboard = QGuiApplication::clipboard();
-  if (!clipboard->supportsSelection() || !isReadable() || !hasSelection()) return;
-  clipboard->setText(store_.text(selectionStart(), selectionEnd() - selectionStart()), QClipboard::Selection);
+  if (!primarySelection() || !isReadable() || !hasSelection()) return;
+  setPrimarySelection(store_.text(selectionStart(), selectionEnd() - selectionStart()));
+}
+
+const QMimeData* TextInputWidget::primarySelection() const {
+  const QClipboard* clipboard = QGuiApplication::clipboard();
+  return clipboard->supportsSelection() ? clipboard->mimeData(QClipboard::Selection) : nullptr;
+}
+
+void TextInputWidget::setPrimarySelection(const QString& text) const {
+  QGuiApplication::clipboard()->setText(text, QClipboard::Selection);
 }
 
 void TextInputWidget::insertMimeText(const QMimeData* data) {

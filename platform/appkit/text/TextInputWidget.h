@@ -101,6 +101,9 @@ protected:
   // Where a caret at `position` shows.
   virtual QRect caretRect(std::size_t position) const = 0;
   virtual void showCaret() = 0;
+  // What the middle button pastes; null where the desktop has no such selection.
+  virtual const QMimeData* primarySelection() const;
+  virtual void setPrimarySelection(const QString& text) const;
   // The start or the end of the row that the caret is in.
   virtual std::size_t rowEdge(bool atEnd) const = 0;
 
