@@ -6,8 +6,6 @@
 
 #include <QPointer>
 
-#include <algorithm>
-
 namespace tarn {
 
 struct NSTableView::Private final : TableViewClient {
@@ -117,20 +115,6 @@ void NSTableView::reloadDataForRowIndexes(const std::vector<int>& rows, const st
 
 int NSTableView::selectedRow() const {
   return d_->widget->selectedRow();
-}
-
-std::vector<int> NSTableView::selectedRowIndexes() const {
-  const int row = selectedRow();
-  return row < 0 ? std::vector<int>() : std::vector<int>{row};
-}
-
-void NSTableView::selectRowIndexes(const std::vector<int>& rows, bool byExtendingSelection) {
-  const auto valid = std::find_if(rows.begin(), rows.end(), [this](int row) { return d_->hasRow(row); });
-  if (valid != rows.end()) {
-    d_->widget->selectRow(*valid, false);
-  } else if (!byExtendingSelection) {
-    deselectAll();
-  }
 }
 
 void NSTableView::selectRow(int row) {

@@ -118,9 +118,6 @@ public:
 
   // -1 where none is selected.
   int selectedRow() const;
-  std::vector<int> selectedRowIndexes() const;
-  // Sends "did change" if it changes anything. Without multiple selection, extending replaces.
-  void selectRowIndexes(const std::vector<int>& rows, bool byExtendingSelection);
   // Sends "did change" if it changes anything. A row beyond the table changes nothing.
   void selectRow(int row);
   void deselectAll();

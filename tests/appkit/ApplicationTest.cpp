@@ -4,7 +4,7 @@
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSOperationQueue.h"
 #include "platform/foundation/NSTimer.h"
-#include "tests/support/widgets/Hand.h"
+#include "tests/appkit/Keys.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -25,8 +25,6 @@
 
 namespace tarn::test {
 namespace {
-
-using Steps = std::vector<std::string>;
 
 void post(std::function<void()> block) {
   NSOperationQueue::mainQueue().addOperationWithBlock(std::move(block));
@@ -49,6 +47,24 @@ void duringAlert(const std::function<void(QWidget& panel)>& action, const std::s
   EXPECT_EQ(runAlert(message), 1000);
 }
 
+// Does something at each event of one kind.
+class Overriding final : public QPushButton {
+public:
+  Overriding(QWidget* parent, QEvent::Type type, std::function<void(QEvent&)> act)
+      : QPushButton(parent), type_(type), act_(std::move(act)) {}
+
+protected:
+  bool event(QEvent* event) override {
+    const bool handled = event->type() == type_ || QPushButton::event(event);
+    if (event->type() == type_) act_(*event);
+    return handled;
+  }
+
+private:
+  QEvent::Type type_;
+  std::function<void(QEvent&)> act_;
+};
+
 class Application : public testing::Test {
 protected:
   Application() : layout(&window) {
@@ -61,7 +77,7 @@ protected:
 
   void openMenu() { popUpMenu(menu, window, window.mapToGlobal(QPoint(5, 5))); }
 
-  Steps steps;
+  Log steps;
   NSMenu menu{"Menu"};
   QWidget window;
   QVBoxLayout layout;
@@ -70,16 +86,15 @@ protected:
 };
 
 TEST_F(Application, RunsPostedBlocksBeforeTheNextInputEvent) {
-  QObject::connect(&button, &QPushButton::clicked, [&] { steps.emplace_back("click"); });
+  QObject::connect(&button, &QPushButton::clicked, [&] { steps.add("click"); });
   for (const auto& input : std::initializer_list<std::function<void()>>{
            [&] { QTest::mouseClick(&button, Qt::LeftButton); }, [&] { QTest::keyClick(&button, Qt::Key_Space); }}) {
-    steps.clear();
     post([&] {
-      steps.emplace_back("first");
-      post([&] { steps.emplace_back("posted by the first"); });
+      steps.add("first");
+      post([&] { steps.add("posted by the first"); });
     });
     input();
-    EXPECT_EQ(steps, (Steps{"first", "posted by the first", "click"}));
+    EXPECT_EQ(steps.take(), "first, posted by the first, click");
   }
 }
 
@@ -91,22 +106,14 @@ TEST_F(Application, DropsAnInputEventWhoseReceiverABlockTookAway) {
 }
 
 TEST_F(Application, RunsNoBlockInPlaceWhenAReceiverPassesAnInputEventOn) {
-  class Passing final : public QWidget {
-  public:
-    Passing(QWidget& target, Steps& steps) : target_(target), steps_(steps) {}
-    void keyPressEvent(QKeyEvent* event) override {
-      post([this] { steps_.emplace_back("block"); });
-      QApplication::sendEvent(&target_, event);
-      steps_.emplace_back("passed on");
-    }
-
-  private:
-    QWidget& target_;
-    Steps& steps_;
-  } passing(other, steps);
+  Overriding passing(nullptr, QEvent::KeyPress, [&](QEvent& event) {
+    post([&] { steps.add("block"); });
+    QApplication::sendEvent(&other, &event);
+    steps.add("passed on");
+  });
   QTest::keyClick(&passing, Qt::Key_A);
   settle();
-  EXPECT_EQ(steps, (Steps{"passed on", "block"}));
+  EXPECT_EQ(steps.take(), "passed on, block");
 }
 
 TEST_F(Application, WakesForABlockOfAnotherThread) {
@@ -120,31 +127,31 @@ TEST_F(Application, RunsBlocksBehindAnAlertUnlessABlockShowsIt) {
   post([&] {
     duringAlert([&](QWidget&) {
       settle();
-      steps.emplace_back("alert is up");
+      steps.add("alert is up");
     });
-    steps.emplace_back("first ended");
+    steps.add("first ended");
   });
-  post([&] { steps.emplace_back("second"); });
+  post([&] { steps.add("second"); });
   settle();
-  EXPECT_EQ(steps, (Steps{"alert is up", "first ended", "second"}));
+  EXPECT_EQ(steps.take(), "alert is up, first ended, second");
 
-  steps.clear();
   QObject::connect(&button, &QPushButton::clicked, [&] {
     duringAlert([&](QWidget&) {
-      post([&] { steps.emplace_back("block"); });
+      post([&] { steps.add("block"); });
       settle();
     });
-    steps.emplace_back("answered");
+    steps.add("answered");
   });
   click(button);
-  EXPECT_EQ(steps, (Steps{"block", "answered"}));
+  EXPECT_EQ(steps.take(), "block, answered");
 }
 
 TEST_F(Application, FiresTimersInTheEventLoopButNotUnderAnAlertAMenuOrAnOpenList) {
   int fired = 0;
   const auto timer = NSTimer::scheduledTimerWithTimeInterval(0.02, true, [&] { ++fired; });
   const auto fires = [&] { return waitUntil([&, before = fired] { return fired > before; }); };
-  // The toolkit's own timers go on: as many of their steps would have let ours fire.
+  // The toolkit's own timers go on: as many of their steps would have let ours
+  // fire.
   const auto holds = [&] {
     const int before = fired;
     int steps = 0;
@@ -216,29 +223,21 @@ TEST_F(Alert, ClosesAnOpenMenuFirst) {
 }
 
 TEST_F(Alert, RaisedInAChangeOfFocusShowsWhenTheChangeHasEnded) {
-  class Raising final : public QPushButton {
-  public:
-    explicit Raising(Steps& steps, QWidget* parent) : QPushButton(parent), steps_(steps) {}
-    void focusOutEvent(QFocusEvent* event) override {
-      QPushButton::focusOutEvent(event);
-      if (event->reason() == Qt::ActiveWindowFocusReason) return;
-      if (runAlert("Field") == 1000) steps_.emplace_back("answered at once");
-    }
-
-  private:
-    Steps& steps_;
-  } raising(steps, &window);
+  Overriding raising(&window, QEvent::FocusOut, [&](QEvent& event) {
+    if (static_cast<QFocusEvent&>(event).reason() == Qt::ActiveWindowFocusReason) return;
+    if (runAlert("Field") == 1000) steps.add("answered at once");
+  });
   raising.show();
   raising.setFocus();
   settle();
 
   whenModal([&](QWidget&) {
-    steps.emplace_back("shown");
+    steps.add("shown");
     press(Qt::Key_Return);
   });
   other.setFocus();
-  steps.emplace_back("the code goes on");
-  EXPECT_EQ(steps, (Steps{"answered at once", "shown", "the code goes on"}));
+  steps.add("the code goes on");
+  EXPECT_EQ(steps.take(), "answered at once, shown, the code goes on");
   settle();
   EXPECT_TRUE(other.hasFocus());
 }

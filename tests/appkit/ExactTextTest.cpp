@@ -14,7 +14,8 @@
 namespace tarn::test {
 namespace {
 
-// One control each: `set` and `get` are the program's, `input` is what the user types in (null: nothing to type in).
+// One control each: `set` and `get` are the program's, `input` is what the user
+// types in (null: nothing to type in).
 struct ExactField {
   TextFieldWidget widget;
   NSTextField field{&widget};
@@ -78,7 +79,8 @@ TYPED_TEST(ExactText, ComesBackAsItWasSetCutPastedAndUndone) {
   EXPECT_EQ(QGuiApplication::clipboard()->text(), text);
   keys("Ctrl+V");
   EXPECT_EQ(control.get(), utf8);
-  // Every character that the caret passes over goes by Backspace, and comes back.
+  // Every character that the caret passes over goes by Backspace, and comes
+  // back.
   for (std::size_t left = utf8.size(); control.input->textLength() > 0;) {
     ASSERT_LT(control.input->textLength(), left);
     left = control.input->textLength();

@@ -22,7 +22,8 @@ struct Item final : NSObject {
   std::vector<std::shared_ptr<Item>> children;
 };
 
-// A root with the servers "a" (databases "0" and "1") and "b"; the root is expanded.
+// A root with the servers "a" (databases "0" and "1") and "b"; the root is
+// expanded.
 class Outline : public testing::Test, protected NSOutlineViewDataSource, protected NSOutlineViewDelegate {
 protected:
   Outline() {

@@ -14,8 +14,9 @@
 
 namespace tarn::test {
 
-// A table of two columns, "name" and "score" (editable at once, as its filling says), above another control and a
-// button. Everything that the table says goes to `log`.
+// A table of two columns, "name" and "score" (editable at once, as its filling
+// says), above another control and a button. Everything that the table says
+// goes to `log`.
 class TableFixture : public testing::Test,
                      protected NSTableViewDataSource,
                      protected NSTableViewDelegate,

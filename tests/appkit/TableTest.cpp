@@ -205,7 +205,8 @@ TEST_F(Table, OpensAnEditableCellWithAllItsTextSelected) {
   EXPECT_EQ(log.take(), "begin 6");
 }
 
-// From an open cell 1/0 with "x" typed: what each key or click says, and what the cell holds afterwards.
+// From an open cell 1/0 with "x" typed: what each key or click says, and what
+// the cell holds afterwards.
 TEST_F(Table, EndsAnEditByKeysAndClicks) {
   struct Case {
     std::function<void()> end;
