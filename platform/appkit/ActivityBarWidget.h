@@ -11,7 +11,6 @@ public:
 
   void start();
   void stop();
-  bool isRunning() const { return running_; }
 
   QSize sizeHint() const override;
 

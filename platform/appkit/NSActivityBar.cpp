@@ -14,8 +14,4 @@ void NSActivityBar::stopAnimation() {
   bar_->stop();
 }
 
-bool NSActivityBar::isAnimating() const {
-  return bar_->isRunning();
-}
-
 }  // namespace tarn

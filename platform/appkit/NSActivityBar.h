@@ -14,8 +14,6 @@ public:
 
   void startAnimation();
   void stopAnimation();
-  // Between start and stop, whether the bar has appeared already or not.
-  bool isAnimating() const;
 
 private:
   ActivityBarWidget* bar_;
