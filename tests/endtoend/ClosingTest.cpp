@@ -1,8 +1,6 @@
 #include "tests/support/RedisServer.h"
 #include "tests/support/RespClient.h"
-#include "tests/support/program/Program.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/program/ProgramTest.h"
 
 #include <string>
 #include <vector>
@@ -12,7 +10,7 @@ namespace tarn::test {
 namespace {
 
 // Closes tabs and windows at every stage of the work under them: what runs on goes on without a view to show it in.
-class ClosingWhileBusy : public testing::Test, protected Program {
+class ClosingWhileBusy : public ProgramTest {
 protected:
   ClosingWhileBusy() {
     std::vector<std::vector<std::string>> requests;

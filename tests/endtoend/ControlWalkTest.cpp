@@ -3,11 +3,10 @@
 #include "platform/foundation/NSAlert.h"
 #include "tests/support/RedisServer.h"
 #include "tests/support/RespClient.h"
-#include "tests/support/program/Program.h"
+#include "tests/support/program/ProgramTest.h"
 
 #include <QAccessible>
 #include <QApplication>
-#include <gtest/gtest.h>
 
 #include <functional>
 #include <set>
@@ -18,7 +17,7 @@ namespace tarn::test {
 namespace {
 
 // Walks through all that is on the screen, as a screen reader and the Tab key do.
-class ControlWalk : public testing::Test, protected Program {
+class ControlWalk : public ProgramTest {
 protected:
   // How many things a screen reader can name.
   static int expectNames(QAccessibleInterface* thing, const std::string& path) {

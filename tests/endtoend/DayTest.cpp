@@ -1,12 +1,11 @@
 #include "tests/support/LoopbackPort.h"
 #include "tests/support/RedisServer.h"
 #include "tests/support/RespClient.h"
-#include "tests/support/program/Program.h"
+#include "tests/support/program/ProgramTest.h"
 
 #include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
-#include <gtest/gtest.h>
 
 #include <filesystem>
 #include <iostream>
@@ -21,7 +20,7 @@ namespace fs = std::filesystem;
 const std::string secret = "tr0ub4dor-ключ";
 
 // One user's day, and what of it is to be seen by others.
-class Day : public testing::Test, protected Program {
+class Day : public ProgramTest {
 protected:
   Day() {
     testing::internal::CaptureStdout();
@@ -36,7 +35,7 @@ protected:
     if (HasFailure()) std::cout << log;
   }
 
-  // No title, tool tip or word of a screen reader tells the password, and no other user may read the store.
+  // No title, tool tip or word of a screen reader shows the password, and no other user may read the store.
   void expectDiscretion() {
     for (QWidget* widget : QApplication::allWidgets()) {
       QString shown = widget->windowTitle() + widget->toolTip() + widget->statusTip() + widget->accessibleDescription();
@@ -64,7 +63,7 @@ protected:
 
   RedisServer guarded{{"--requirepass", secret, "--databases", "2"}};
   RedisServer unguarded{{"--databases", "2"}};
-  LoopbackPort nobody;
+  LoopbackPort unused;
   RespClient client{guarded.port()};
 };
 
@@ -89,7 +88,7 @@ TEST_F(Day, FromAnEmptyStoreToTheNextMornings) {
   toFront();
   chooseInMainMenu("File", "New Connection");
   ASSERT_TRUE(waitUntil([&] { return form().window.widget()->isActiveWindow(); }));
-  const std::string wrongPort = std::to_string(nobody.number());
+  const std::string wrongPort = std::to_string(unused.number());
   fillIn({"till", "127.0.0.1", wrongPort, secret});
   click(form().btnTestConnection);
   EXPECT_EQ(message(), "Can not connect to Server(till).");

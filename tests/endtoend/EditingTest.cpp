@@ -1,8 +1,6 @@
 #include "tests/support/RedisServer.h"
 #include "tests/support/RespClient.h"
-#include "tests/support/program/Program.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/program/ProgramTest.h"
 
 #include <string>
 
@@ -15,7 +13,7 @@ constexpr int otherwise = 1001;
 constexpr int cancel = 1002;
 
 // A second client stands beside, and says what is on the server.
-class Editing : public testing::Test, protected Program {
+class Editing : public ProgramTest {
 protected:
   Editing() {
     client.pipeline({{"SET", "text", "a text", "EX", "5000"},

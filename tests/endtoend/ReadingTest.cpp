@@ -1,8 +1,6 @@
 #include "tests/support/RedisServer.h"
 #include "tests/support/RespClient.h"
-#include "tests/support/program/Program.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/program/ProgramTest.h"
 
 #include <string>
 
@@ -12,7 +10,7 @@ namespace {
 
 using std::string_literals::operator""s;
 
-class Reading : public testing::Test, protected Program {
+class Reading : public ProgramTest {
 protected:
   static void fill(const RedisServer& redis) {
     RespClient client(redis.port());

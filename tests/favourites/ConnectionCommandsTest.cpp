@@ -2,15 +2,13 @@
 #include "tests/support/LoopbackPort.h"
 #include "tests/support/RedisServer.h"
 #include "tests/support/ScriptedServer.h"
-#include "tests/support/program/Program.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/program/ProgramTest.h"
 
 namespace tarn::test {
 
 namespace {
 
-class ConnectionCommandsTest : public testing::Test, protected Program {
+class ConnectionCommandsTest : public ProgramTest {
 protected:
   std::string status() { return tab().labStatus.stringValue(); }
   int databases() { return itemCount(tab().popDatabase); }
@@ -113,6 +111,8 @@ TEST_F(ConnectionCommandsTest, AConnectUnderWayEndsWithoutAWordWhenItIsClosed) {
   };
 
   ASSERT_TRUE(openTabAndConnect(1));
+  waitForText(tab().labStatus, "Status:Connecting");
+  EXPECT_EQ(tab().labDealingQueue.stringValue(), "Dealing Queue:1");
   content().clickCloseConnections();
   EXPECT_TRUE(isClosed());
   settle();

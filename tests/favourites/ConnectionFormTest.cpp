@@ -1,14 +1,12 @@
 #include "favourites/FavouritesStore.h"
 #include "tests/support/RedisServer.h"
-#include "tests/support/program/Program.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/program/ProgramTest.h"
 
 namespace tarn::test {
 
 namespace {
 
-class ConnectionFormTest : public testing::Test, protected Program {
+class ConnectionFormTest : public ProgramTest {
 protected:
   bool isOpen() { return content().newConnectionWindowController() && form().window.isVisible(); }
   void openEdit(int row) {

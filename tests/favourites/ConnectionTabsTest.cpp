@@ -1,14 +1,12 @@
 #include "favourites/ConnectionTabs.h"
 #include "tests/support/RedisServer.h"
-#include "tests/support/program/Program.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/program/ProgramTest.h"
 
 namespace tarn::test {
 
 namespace {
 
-class ConnectionTabsTest : public testing::Test, protected Program {
+class ConnectionTabsTest : public ProgramTest {
 protected:
   std::string selectedLabel() {
     const auto item = window().mainTab.selectedTabViewItem();

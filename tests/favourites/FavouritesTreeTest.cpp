@@ -1,17 +1,11 @@
 #include "favourites/FavouritesTree.h"
 #include "platform/foundation/NSAlert.h"
 #include "tests/support/RedisServer.h"
-#include "tests/support/program/Program.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/program/ProgramTest.h"
 
 namespace tarn::test {
 
-namespace {
-
-class FavouritesTreeTest : public testing::Test, protected Program {};
-
-}  // namespace
+using FavouritesTreeTest = ProgramTest;
 
 TEST_F(FavouritesTreeTest, ShowsStatusByIconAndDatabasesWithTheirCounts) {
   MainLayout layout;

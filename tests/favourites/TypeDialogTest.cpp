@@ -1,13 +1,11 @@
 #include "tests/support/RedisServer.h"
-#include "tests/support/program/Program.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/program/ProgramTest.h"
 
 namespace tarn::test {
 
 namespace {
 
-class TypeDialogTest : public testing::Test, protected Program {
+class TypeDialogTest : public ProgramTest {
 protected:
   NewKeyValueTypeSelectWindowController* controller() { return content().newKeyValueTypeSelectWindowController(); }
 };

@@ -1,16 +1,15 @@
 #include "platform/appkit/NSApplication.h"
 #include "platform/foundation/NSOperationQueue.h"
 #include "tests/support/RedisServer.h"
-#include "tests/support/program/Program.h"
+#include "tests/support/program/ProgramTest.h"
 
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 namespace tarn::test {
 
 namespace {
 
-class MainWindow : public testing::Test, protected Program {
+class MainWindow : public ProgramTest {
 protected:
   // With the tab of a favourite on show.
   void open() {

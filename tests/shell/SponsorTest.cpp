@@ -1,7 +1,5 @@
 #include "tests/support/StandInStore.h"
-#include "tests/support/program/Program.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/program/ProgramTest.h"
 
 namespace tarn::test {
 
@@ -9,7 +7,7 @@ namespace {
 
 using State = SKPaymentTransaction::State;
 
-class Sponsoring : public testing::Test, protected Program {
+class Sponsoring : public ProgramTest {
 protected:
   static SponsorLayout& open() {
     AppDelegate::shared()->clickedSponsor();

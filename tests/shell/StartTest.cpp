@@ -1,8 +1,7 @@
 #include "favourites/FavouritesStore.h"
 #include "platform/foundation/NSOperationQueue.h"
-#include "tests/support/program/Program.h"
+#include "tests/support/program/ProgramTest.h"
 
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 
 #include <csignal>
@@ -18,7 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 
 // The program over a store file that something has happened to.
-class Start : public testing::Test, protected Program {
+class Start : public ProgramTest {
 protected:
   std::string contents() const {
     std::ifstream stream(dataHome.storeFile(), std::ios::binary);
