@@ -33,16 +33,12 @@ TEST_F(ServerCommandsTest, WriteAndReadEachType) {
   EXPECT_EQ(client->getValue("s"_bytes), std::pair(true, "\0\xFF"_bytes));
   EXPECT_EQ(client->getValue("?"_bytes), std::pair(true, Bytes()));
   EXPECT_EQ(client->lrangeAll("l"_bytes), (std::vector{"b"_bytes, ""_bytes, "a"_bytes}));
-  EXPECT_EQ(client->lrangeAll("?"_bytes), std::vector<Bytes>());
   EXPECT_EQ(client->sscanAll("u"_bytes), std::vector{"m"_bytes});
   EXPECT_EQ(client->hscanAll("h"_bytes), (std::vector{"f"_bytes, "1"_bytes, "g"_bytes, "2"_bytes}));
   EXPECT_EQ(client->zrangeAll("z"_bytes), (std::vector{"y"_bytes, "-1"_bytes, "x"_bytes, "2.5"_bytes}));
 
   EXPECT_EQ(client->keyTtl("l"_bytes).second, "-1");
   EXPECT_EQ(client->keyTtl("?"_bytes).second, "-2");
-  EXPECT_NE(client->keyTtl("s"_bytes).second, "-1");
-  EXPECT_TRUE(client->setValue("s"_bytes, "new"_bytes, -1));
-  EXPECT_EQ(client->keyTtl("s"_bytes).second, "-1");
   EXPECT_TRUE(client->deleteKey("s"_bytes));
   EXPECT_TRUE(client->deleteKey("s"_bytes));
   EXPECT_EQ(alerts(), Messages{});
@@ -58,32 +54,24 @@ TEST_F(ServerCommandsTest, SendWhatIsStated) {
   const Bytes k("k"_bytes);
   // clang-format off
   const std::vector<std::pair<std::function<bool(ServerItem&)>, std::string>> cases{
-      {[&](ServerItem& s) { return s.setValue(k, "v"_bytes, -1); }, "persist k | set k v | "},
-      {[&](ServerItem& s) { return s.setValue(k, "v"_bytes, 0); }, "set k v EX 0 | "},
-      {[&](ServerItem& s) { return s.addSetMembers(k, {"m"_bytes}, -1); }, "sadd k m | "},
-      {[&](ServerItem& s) { return s.addSetMembers(k, {"m"_bytes}, 60); }, "sadd k m | expire k 60 | "},
+      {[&](ServerItem& s) { return s.setValue(k, "v"_bytes, -1); }, "persist k|set k v"},
+      {[&](ServerItem& s) { return s.setValue(k, "v"_bytes, 0); }, "set k v EX 0"},
+      {[&](ServerItem& s) { return s.addSetMembers(k, {"m"_bytes}, -1); }, "sadd k m"},
+      {[&](ServerItem& s) { return s.addSetMembers(k, {"m"_bytes}, 60); }, "sadd k m|expire k 60"},
       {[&](ServerItem& s) { return s.pushListItems(k, std::vector{"a"_bytes, "b"_bytes}, 0); },
-       "rpush k a b | expire k 0 | "},
+       "rpush k a b|expire k 0"},
       // What has no partner isn't sent.
       {[&](ServerItem& s) { return s.setHashFields(k, std::vector{"f"_bytes, "g"_bytes}, {"1"_bytes}, -1); },
-       "hmset k f 1 | "},
-      {[&](ServerItem& s) { return s.setHashFields(k, {}, {"1"_bytes}, -1); }, "hmset k | "},
+       "hmset k f 1"},
+      {[&](ServerItem& s) { return s.setHashFields(k, {}, {"1"_bytes}, -1); }, "hmset k"},
       {[&](ServerItem& s) { return s.addSortedSetMembers(k, {"1.5"}, std::vector{"m"_bytes, "n"_bytes}, 9); },
-       "zadd k 1.5 m | expire k 9 | "},
+       "zadd k 1.5 m|expire k 9"},
   };
   // clang-format on
-  for (const auto& [call, words] : cases) {
-    std::string sent;
-    ScriptedServer peer([&](Peer& client, int) {
-      for (auto request = client.readRequest(); !request.empty(); request = client.readRequest()) {
-        for (const std::string& word : request)
-          sent += word + " ";
-        sent += "| ";
-        client.send("+OK\r\n");
-      }
-    });
+  for (const auto& [call, sent] : cases) {
+    ScriptedServer peer(answeringAll([](int) { return "+OK\r\n"; }));
     EXPECT_TRUE(call(*connectedItem(peer.port())));
-    EXPECT_EQ(sent, words);
+    EXPECT_EQ(peer.received().front(), requests(sent));
   }
 }
 
@@ -101,24 +89,18 @@ TEST_F(ServerCommandsTest, ShowOneAlertForEachFailureAndSendNothingMore) {
   EXPECT_EQ(alerts(), Messages{});
 }
 
-TEST_F(ServerCommandsTest, ScanWholeServersSetsAndHashesUpToTheLimit) {
+TEST_F(ServerCommandsTest, ScanAWholeServerUpToTheLimit) {
   RedisServer server({"--enable-debug-command", "yes"});
   server.command({"DEBUG", "POPULATE", "5000"});
   server.command({"SET", "\xFF\0x"s, "v"});
-  server.command({"EVAL", "for i=1,3000 do redis.call('sadd','s','m'..i) redis.call('hset','h','f'..i,i) end", "0"});
   const auto client = connectedItem(server.port());
   auto all = client->scanKeys("*"_bytes, noLimit, false);
   std::sort(all.begin(), all.end());
-  EXPECT_EQ(all.size(), 5003U);
+  EXPECT_EQ(all.size(), 5001U);
   EXPECT_EQ(std::unique(all.begin(), all.end()), all.end());
   EXPECT_EQ(client->scanKeys("\xFF*"_bytes, noLimit, false), std::vector{"\xFF\0x"_bytes});
   EXPECT_EQ(client->scanKeys("key:*"_bytes, 1234, false).size(), 1234U);
   EXPECT_TRUE(client->scanKeys("*"_bytes, 0, false).empty());
-  EXPECT_EQ(client->sscanAll("s"_bytes).size(), 3000U);
-  const auto hash = client->hscanAll("h"_bytes);
-  ASSERT_EQ(hash.size(), 6000U);
-  for (std::size_t i = 0; i < hash.size(); i += 2)
-    EXPECT_EQ(hash[i].view().substr(1), hash[i + 1].view());
   EXPECT_EQ(alerts(), Messages{});
 }
 
@@ -134,18 +116,10 @@ TEST_F(ServerCommandsTest, FollowTheCursorAndStopAtTheLimit) {
   EXPECT_EQ(client->sscanAll("k"_bytes), (std::vector{"a"_bytes, "b"_bytes, "b"_bytes, "c"_bytes}));
   EXPECT_EQ(client->hscanAll("k"_bytes),
             (std::vector{"f"_bytes, "1"_bytes, "f"_bytes, "1"_bytes, "g"_bytes, "2"_bytes}));
-  std::string expected;
-  const auto sends = [&](const Messages& words) { expected += encodedRequest(words); };
-  for (const Messages& cursors : {Messages{"0", "17", "99"}, {"0"}}) {
-    sends({"cluster", "nodes"});
-    for (const std::string& cursor : cursors)
-      sends({"scan", cursor, "MATCH", "p", "COUNT", "1000"});
-  }
-  for (const char* command : {"sscan", "hscan"}) {
-    sends({command, "k", "0", "COUNT", "1000"});
-    sends({command, "k", "7", "COUNT", "1000"});
-  }
-  EXPECT_EQ(peer.received().front(), expected);
+  EXPECT_EQ(peer.received().front(),
+            requests("cluster nodes|scan 0 MATCH p COUNT 1000|scan 17 MATCH p COUNT 1000|scan 99 MATCH p COUNT 1000|"
+                     "cluster nodes|scan 0 MATCH p COUNT 1000|sscan k 0 COUNT 1000|sscan k 7 COUNT 1000|"
+                     "hscan k 0 COUNT 1000|hscan k 7 COUNT 1000"));
 }
 
 TEST_F(ServerCommandsTest, DropWhatTheyFoundWhenACommandOrCursorFails) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/foundation/NSOperationQueue.h"
+#include "platform/foundation/SplitText.h"
 #include "tests/support/AlertRecorder.h"
 #include "tests/support/RedisServer.h"
 #include "tests/support/ScriptedServer.h"
@@ -17,6 +18,7 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -123,6 +125,16 @@ inline ScriptedServer::Script answeringAll(std::function<std::string(int connect
     while (!peer.readRequest().empty())
       peer.send(reply(connection));
   };
+}
+
+// What is sent for these lines, with bars between.
+inline std::string requests(std::string_view lines) {
+  std::string sent;
+  for (const std::string_view line : splitText(lines, "|")) {
+    const auto words = splitText(line, " ");
+    sent += encodedRequest({words.begin(), words.end()});
+  }
+  return sent;
 }
 
 // What a stand-alone server says when it is asked for the nodes of its cluster.
