@@ -43,7 +43,7 @@ std::optional<std::string> decode(std::string_view bytes, CharsetEnum charset) {
   auto text = convertToUtf8(bytes, conversion.system);
   if (!text || charset != CharsetEnum::KoreanJohab) return text;
   for (std::size_t at = text->find(wonSign); at != std::string::npos; at = text->find(wonSign, at + 1)) {
-    text->replace(at, wonSign.size(), "\\");
+    text->replace(at, wonSign.size(), 1, '\\');
   }
   return text;
 }
