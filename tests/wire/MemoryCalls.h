@@ -15,7 +15,7 @@ namespace tarn::test {
 
 // A peer that lies in memory: hands out the bytes of a stream in arrivals of a given size, with the flags that the
 // real call knows, and closes behind the last one.
-class MemoryCalls final : public SocketCalls {
+class MemoryCalls : public SocketCalls {
 public:
   explicit MemoryCalls(std::string_view stream, std::size_t arrival = wholeAtOnce) : rest_(stream), arrival_(arrival) {}
 
