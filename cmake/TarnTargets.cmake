@@ -13,7 +13,7 @@ if(CCACHE)
 endif()
 
 # Sources are compiled several at a time: most of the time of a source goes into the headers that all of them share.
-set(CMAKE_UNITY_BUILD ON)
+option(CMAKE_UNITY_BUILD "Compile several sources at a time" ON)
 set(CMAKE_UNITY_BUILD_BATCH_SIZE 12)
 
 # No path of the build in what is built, so that two folders give the same bytes.
@@ -34,7 +34,7 @@ endif()
 # What is released is hardened; the checks of the standard library cost nothing that a benchmark sees.
 add_library(tarn_hardening INTERFACE)
 if(CMAKE_BUILD_TYPE STREQUAL "RelWithDebInfo" AND NOT TARN_SANITIZE)
-  target_compile_options(tarn_hardening INTERFACE -fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+  target_compile_options(tarn_hardening INTERFACE -fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3)
   target_compile_definitions(tarn_hardening INTERFACE _GLIBCXX_ASSERTIONS)
   target_link_options(tarn_hardening INTERFACE -pie -Wl,-z,relro,-z,now)
 endif()
