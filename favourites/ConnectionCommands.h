@@ -50,8 +50,7 @@ private:
 
   void showConnecting(const std::shared_ptr<ServerItem>& server);
   void showConnected(const std::shared_ptr<ServerItem>& server, ServerItem::Epoch began);
-  void showDisConnected(const std::shared_ptr<ServerItem>& server, ServerItem::Epoch began,
-                        const std::string& message);
+  void showDisConnected(const std::shared_ptr<ServerItem>& server, ServerItem::Epoch began, const std::string& message);
   // The server's tab, if it has one, shows this status and the length of the queue.
   void showInTab(const std::shared_ptr<ServerItem>& server, ConnectionStatus status);
   // True, and row and tab show the status as it is, if the server was closed since the connect was asked for.

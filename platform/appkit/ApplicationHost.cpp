@@ -121,7 +121,7 @@ void ApplicationHost::scheduleTimers() {
   const auto next = NSRunLoop::mainRunLoop().nextFireDate();
   if (!next) return;
   const auto wait = std::chrono::ceil<std::chrono::milliseconds>(*next - NSRunLoop::Clock::now()).count();
-  constexpr std::int64_t longest = 24 * 60 * 60 * 1000;
+  constexpr std::int64_t longest = std::int64_t{24} * 60 * 60 * 1000;
   timer_ = startTimer(static_cast<int>(std::clamp<std::int64_t>(wait, 0, longest)), Qt::PreciseTimer);
 }
 

@@ -99,7 +99,7 @@ std::optional<std::string> prepare(SqliteFile& store, NSManagedObjectModel model
   if (found != "ok") return "the file is damaged: " + found;
   const auto tables = store.run("SELECT 1 FROM sqlite_schema");
   if (!tables) return store.error();
-  const auto fault = tables->empty() ? std::nullopt : checkTables(store, model);
+  auto fault = tables->empty() ? std::nullopt : checkTables(store, model);
   if (fault) return fault;
   // With the journal deleted at each end of a transaction, and its folder written through, no moment of a crash loses
   // what was saved before.

@@ -12,7 +12,7 @@ namespace tarn {
 class ByteStream {
 public:
   // How many bytes peek() looks at, at most.
-  static constexpr std::size_t windowSize = 128 * 1024;
+  static constexpr std::size_t windowSize = std::size_t{128} * 1024;
 
   ByteStream() = default;
   ByteStream(const ByteStream&) = delete;

@@ -13,7 +13,7 @@ namespace {
 constexpr std::size_t maxLine = std::size_t{512} * 1024 * 1024;
 
 // How much of a payload is believed in before its bytes arrive.
-constexpr std::size_t firstPart = 64 * 1024;
+constexpr std::size_t firstPart = std::size_t{64} * 1024;
 
 ReplyType typeOf(char byte) {
   switch (byte) {

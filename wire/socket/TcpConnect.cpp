@@ -69,7 +69,7 @@ TcpConnect::Failure TcpConnect::run() const {
       logLine("No IP address found");
       continue;
     }
-    logLine("IP address:" + host + " port:" + port);
+    logLine("IP address:" + host.append(" port:").append(port));
     return connectTo(*address);
   }
   return disConnected(withName(localizedString("Not Found IP address for server({0}).")));

@@ -3,7 +3,7 @@
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSLocalizedString.h"
 
-#include <algorithm>
+#include <set>
 #include <utility>
 
 namespace tarn {
@@ -31,12 +31,11 @@ BytesAnswer askAboutBytes(std::string message, std::string reasons) {
 
 // Those for one reason, or for any.
 std::size_t rowCount(const std::vector<ConvertedRow>& changes, std::optional<ConversionReason> reason = {}) {
-  std::vector<std::size_t> rows;
+  std::set<std::size_t> rows;
   for (const ConvertedRow& change : changes) {
-    if (!reason || change.reason == *reason) rows.push_back(change.row);
+    if (!reason || change.reason == *reason) rows.insert(change.row);
   }
-  std::ranges::sort(rows);
-  return static_cast<std::size_t>(std::ranges::unique(rows).begin() - rows.begin());
+  return rows.size();
 }
 
 // One line, where there is such a row.

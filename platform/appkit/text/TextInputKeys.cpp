@@ -121,35 +121,29 @@ bool TextInputWidget::handleMoveKey(QKeyEvent* event) {
   const MoveKey* key = moveKeyOf(event);
   if (!key) return false;
   const bool collapses = hasSelection() && !key->select;
-  std::size_t to = caret_;
-  switch (readsRightToLeft() ? mirrored(key->move) : key->move) {
-    case Move::nextCharacter:
-      to = collapses ? selectionEnd() : nextCharacter(store_, caret_);
-      break;
-    case Move::previousCharacter:
-      to = collapses ? selectionStart() : previousCharacter(store_, caret_);
-      break;
-    // Where words are could be read off the steps over hidden text.
-    case Move::nextWord:
-      to = isReadable() ? nextWord(store_, caret_) : store_.length();
-      break;
-    case Move::previousWord:
-      to = isReadable() ? previousWord(store_, caret_) : 0;
-      break;
-    case Move::rowStart:
-      to = rowEdge(false);
-      break;
-    case Move::rowEnd:
-      to = rowEdge(true);
-      break;
-    case Move::textStart:
-      to = 0;
-      break;
-    case Move::textEnd:
-      to = store_.length();
-      break;
-  }
-  moveCaret(to, key->select);
+  const auto destination = [&](Move move) -> std::size_t {
+    switch (move) {
+      case Move::nextCharacter:
+        return collapses ? selectionEnd() : nextCharacter(store_, caret_);
+      case Move::previousCharacter:
+        return collapses ? selectionStart() : previousCharacter(store_, caret_);
+      // Where words are could be read off the steps over hidden text.
+      case Move::nextWord:
+        return isReadable() ? nextWord(store_, caret_) : store_.length();
+      case Move::previousWord:
+        return isReadable() ? previousWord(store_, caret_) : 0;
+      case Move::rowStart:
+        return rowEdge(false);
+      case Move::rowEnd:
+        return rowEdge(true);
+      case Move::textStart:
+        return 0;
+      case Move::textEnd:
+        return store_.length();
+    }
+    return caret_;
+  };
+  moveCaret(destination(readsRightToLeft() ? mirrored(key->move) : key->move), key->select);
   return true;
 }
 

@@ -282,7 +282,7 @@ void TextInputWidget::drawCaret(QPainter& painter) const {
 void TextInputWidget::drawPlaceholder(QPainter& painter, const QRect& rect, bool wraps) const {
   if (store_.length() > 0 || !preedit_.isEmpty() || placeholder_.isEmpty()) return;
   painter.setPen(palette().color(QPalette::PlaceholderText));
-  painter.drawText(rect, Qt::AlignLeft | Qt::AlignTop | (wraps ? Qt::TextWordWrap : Qt::TextSingleLine),
+  painter.drawText(rect, int(Qt::AlignLeft | Qt::AlignTop) | int(wraps ? Qt::TextWordWrap : Qt::TextSingleLine),
                    wraps ? placeholder_ : fontMetrics().elidedText(placeholder_, Qt::ElideRight, rect.width()));
 }
 

@@ -13,7 +13,7 @@ namespace tarn {
 
 namespace {
 
-constexpr std::size_t pageLength = 32 * 1024;
+constexpr std::size_t pageLength = std::size_t{32} * 1024;
 
 // Where to cut a line that goes on: behind a blank or between two graphemes, if such a position is near `limit`.
 std::size_t cutBefore(QStringView text, std::size_t limit) {
@@ -41,7 +41,7 @@ std::size_t findLineEnd(QStringView text, std::size_t from, std::size_t to) {
 
 // Takes the next part of `utf8` off, whole characters, so that a long text is decoded a part at a time.
 std::string_view takePart(std::string_view& utf8) {
-  constexpr std::size_t longestPart = 256 * 1024;
+  constexpr std::size_t longestPart = std::size_t{256} * 1024;
   const std::string_view part = utf8Prefix(utf8, longestPart);
   utf8.remove_prefix(part.size());
   return part;
