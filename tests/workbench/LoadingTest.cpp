@@ -38,16 +38,16 @@ TEST_F(LoadStages, SelectTheShownDatabaseWhereTheWireIsElsewhereOrEndThere) {
 
 TEST_F(LoadStages, ListNoKeysOfADatabaseThatWasLeft) {
   openKeys();
-  EXPECT_EQ(outlets().tableKeys.numberOfRows(), 3);
-  peer.holdScans();
+  EXPECT_EQ(keys().size(), 3U);
+  std::unique_lock hold(peer.scans);
   tab->search();
   ASSERT_TRUE(waitUntil([&] { return peer.sent() == Texts{scan}; }));
   peer.refuse("select");
-  choose(*outlets().popDatabase.widget(), 1);
-  peer.releaseScans();
+  choose(outlets().popDatabase, "db1");
+  hold.unlock();
   waitUntilIdle();
   EXPECT_EQ(peer.sent(), Texts{"select 1"});
-  EXPECT_EQ(outlets().tableKeys.numberOfRows(), 0);
+  EXPECT_EQ(keys(), Texts{});
 }
 
 TEST_F(LoadStages, MoveTheActivityBarFrom300MillisecondsOnUntilTheWorkEndsOrIsCancelled) {
@@ -55,7 +55,7 @@ TEST_F(LoadStages, MoveTheActivityBarFrom300MillisecondsOnUntilTheWorkEndsOrIsCa
   ASSERT_TRUE(waitUntil([&] { return activityTimers().isEmpty(); }));
   const QImage empty = activityBar().grab().toImage();
   for (const bool isCancelled : {false, true}) {
-    peer.holdScans();
+    std::unique_lock hold(peer.scans);
     // Two run at once, the third waits.
     for (int i = 0; i < 3; ++i)
       tab->search();
@@ -66,7 +66,7 @@ TEST_F(LoadStages, MoveTheActivityBarFrom300MillisecondsOnUntilTheWorkEndsOrIsCa
     QCoreApplication::sendEvent(&activityBar(), &timeIsOver);
     EXPECT_NE(activityBar().grab().toImage(), empty);
     if (isCancelled) server->closeConnection();
-    peer.releaseScans();
+    hold.unlock();
     EXPECT_TRUE(waitUntil([&] { return activityTimers().isEmpty(); }));
     EXPECT_EQ(activityBar().grab().toImage(), empty);
   }
@@ -85,31 +85,20 @@ TEST_F(LoadStages, OfAnOlderLoadRunOnButFillNothing) {
   outlets().tableKeys.selectRow(0);
   tab->resetWorkbenchView();
   waitUntilIdle();
-  chooseTitle(outlets().popValueDataCharset, "Base64");
+  choose(outlets().popValueDataCharset, "Base64");
   EXPECT_EQ(outlets().txtKey.stringValue() + outlets().valueDataStringTxtView.string(), "");
 }
 
-TEST_F(LoadStages, OfAClosedTabLapse) {
-  open("list", "*1\r\n$1\r\na\r\n");
-  for (int i = 0; i < 20; ++i) {
-    outlets().tableKeys.selectRow(0);
-    tab->search();
-    tab.reset();
-    ASSERT_TRUE(waitUntil([&] { return idle(); }));
-    showTab();
-    search("");
+TEST_F(LoadStages, AskForNothingWhereTheSearchTextIsNone) {
+  openKeys();
+  outlets().chkExactly.setState(true);
+  for (const auto& [text, told] :
+       {std::pair{"", Texts{}}, {"\\B!", Texts{"Can not decode base64 part of the Search Key '\\B!'"}}}) {
+    search(text);
+    EXPECT_EQ(keys(), Texts{});
+    EXPECT_EQ(alerts.messages(), told);
   }
-  // So do an ended edit and the timer of an open cell.
-  selectKey("b");
-  openCell(outlets().valueDataSetTable, 0, 0);
-  type("x");
-  press(Qt::Key_Return);
-  openCell(outlets().valueDataSetTable, 0, 0);
-  type("y");
-  tab.reset();
-  waitForATimer();
-  showTab();
-  EXPECT_EQ(alerts.messages(), Texts{});
+  EXPECT_EQ(peer.sent(), Texts{});
 }
 
 TEST_F(LoadStages, ShowWhatCanNotBeRead) {
@@ -130,7 +119,6 @@ TEST_F(LoadStages, ShowWhatCanNotBeRead) {
     peer.hold(type, value);
     peer.reply(command, reply);
     alerts.clear();
-    outlets().tableKeys.deselectAll();
     selectKey("b");
     OperationTabLayout& shown = outlets();
     EXPECT_EQ(shown.labType.stringValue() + ' ' + shown.txtKey.stringValue() + ' ' + shown.txtTTL.stringValue() +
@@ -147,107 +135,68 @@ TEST_F(LoadStages, ShowWhatCanNotBeRead) {
 
 class Loading : public TabFixture {
 protected:
-  void openKeys() {
-    openTab(redis.port());
-    search("");
-  }
-  Texts keysFor(std::string_view text) {
-    search(text);
-    Texts keys = texts(outlets().tableKeys, 0);
-    std::sort(keys.begin(), keys.end());
-    return keys;
-  }
-  void reload() {
-    click(*outlets().btnReload.widget());
-    waitUntilIdle();
-  }
   std::string string() { return outlets().valueDataStringTxtView.string(); }
 
   RedisServer redis{{"--enable-debug-command", "yes"}};
 };
 
-TEST_F(Loading, ListsTheKeysThatAPatternFindsAsEscapedTextUpToTheLimit) {
-  for (const std::string key : {"user", "a\\b", "line\nfeed", "\xFF\x01"})
-    redis.command({"SET", key, "v"});
-  openTab(redis.port());
-  EXPECT_EQ(keysFor(""), (Texts{"\\B/wE=", "a\\\\b", "line\\nfeed", "user"}));
-  EXPECT_EQ(outlets().tableKeys.tableColumn(0).headerToolTip(), "Count Shown:4");
-  EXPECT_EQ(keysFor("line\\nf"), Texts{"line\\nfeed"});
-  outlets().chkExactly.setState(true);
-  EXPECT_EQ(keysFor("use"), Texts{});
-  EXPECT_EQ(keysFor("\\B/wE="), Texts{"\\B/wE="});
-  EXPECT_EQ(keysFor(""), Texts{});
-  EXPECT_EQ(alerts.messages(), Texts{});
-  EXPECT_EQ(keysFor("\\Bqw="), Texts{});
-  EXPECT_EQ(alerts.messages(), Texts{"Can not decode base64 part of the Search Key '\\Bqw='"});
-  click(*outlets().btnSearchKeyClear.widget());
+TEST_F(Loading, ListsKeysUpToTheLimitAndThoseOfAnotherCharsetOverABlankForm) {
   redis.command({"DEBUG", "POPULATE", "3000"});
-  click(*outlets().chkExactly.widget());
+  openTab(redis.port());
+  EXPECT_EQ(keys().size(), 1000U);
+  redis.command({"SET", "\xD6\xD0\n", "v"});
+  search("\\n");
+  EXPECT_EQ(outlets().tableKeys.tableColumn(0).headerToolTip(), "Count Shown:1");
+  selectKey("\\B1tAK");
+  EXPECT_EQ(outlets().txtKey.stringValue(), "\\B1tAK");
+  choose(outlets().popKeyDataCharset, "GBK");
   waitUntilIdle();
-  EXPECT_EQ(outlets().tableKeys.numberOfRows(), 1000);
-}
-
-TEST_F(Loading, ListsTheDatabaseAndTheCharsetThatAreChosenOverABlankForm) {
-  redis.command({"SET", "\xD6\xD0", "v"}, 3);
-  openKeys();
-  choose(*outlets().popDatabase.widget(), 3);
-  waitUntilIdle();
-  EXPECT_EQ(server->currentDbIdx(), 3);
-  tab->showConnection(ConnectionStatus::disConnected);
-  EXPECT_EQ(tab->shownDatabase(), 3);
-  tab->showConnection(ConnectionStatus::connected);
-  EXPECT_EQ(outlets().popDatabase.titleOfSelectedItem(), "db3");
-  selectKey("\\B1tA=");
-  EXPECT_EQ(outlets().txtKey.stringValue(), "\\B1tA=");
-  chooseTitle(outlets().popKeyDataCharset, "GBK");
-  waitUntilIdle();
-  EXPECT_EQ(texts(outlets().tableKeys, 0), Texts{"中"});
-  EXPECT_EQ(outlets().labKey.stringValue(), "Key(GBK):");
-  EXPECT_EQ(outlets().txtKey.stringValue(), "");
-  EXPECT_EQ(outlets().txtTTL.stringValue() + outlets().txtTTL.toolTip(), "-1(Persist)");
+  EXPECT_EQ(keys(), Texts{"中\\n"});
+  EXPECT_EQ(outlets().txtKey.stringValue() + outlets().txtTTL.stringValue() + outlets().txtTTL.toolTip(),
+            "-1(Persist)");
   EXPECT_FALSE(outlets().chkTranslate.state());
 }
 
 TEST_F(Loading, RowsAreReadAsTheBoxSaidWhileTheyWereTypedAndALoadDropsWhatIsTyped) {
   redis.command({"RPUSH", "list", "a\nb", "\\Bqw==", "\xFF", "plain"});
-  openKeys();
+  openTab(redis.port());
   selectKey("list");
   NSTableView& table = outlets().valueDataSetTable;
-  EXPECT_EQ(texts(table, 0), (Texts{"a\\nb", "\\Bqw==", "\\B/w==", "plain"}));
-  openCell(table, 3, 0);
-  replaceText("x\\ty");
-  click(*outlets().chkTranslate.widget());
-  EXPECT_EQ(texts(table, 0), (Texts{"a\nb", "\\Bqw==", "\\B/w==", "x\ty"}));
+  const auto typeInRow = [&](int row, std::string_view text) {
+    table.selectRow(row);
+    table.becomeFirstResponder();
+    press(Qt::Key_F2);
+    replaceText(text);
+  };
+  EXPECT_EQ(texts(table), (Texts{"a\\nb", "\\Bqw==", "\\B/w==", "plain"}));
+  typeInRow(3, "x\\ty");
+  click(outlets().chkTranslate);
+  EXPECT_EQ(texts(table), (Texts{"a\nb", "\\Bqw==", "\\B/w==", "x\ty"}));
   EXPECT_EQ(outlets().setValueTextView.string(), "x\ty");
-  openCell(table, 3, 0);
-  replaceText("c\\nd");
-  click(*outlets().chkTranslate.widget());
-  EXPECT_EQ(texts(table, 0).back(), "c\\\\nd");
-  openCell(table, 3, 0);
-  replaceText("typed");
+  typeInRow(3, "c\\nd");
+  click(outlets().chkTranslate);
+  EXPECT_EQ(texts(table).back(), "c\\\\nd");
+  typeInRow(3, "typed");
   reload();
-  EXPECT_EQ(texts(table, 0).back(), "plain");
-  EXPECT_EQ(outlets().setValueTextView.string(), "");
-  openCell(table, 2, 0);
-  replaceText("still open");
-  chooseTitle(outlets().popValueDataCharset, "iso_8859_1");
-  EXPECT_EQ(texts(table, 0).at(2), "ÿ");
+  EXPECT_EQ(texts(table).back() + outlets().setValueTextView.string(), "plain");
+  typeInRow(2, "still open");
+  choose(outlets().popValueDataCharset, "iso_8859_1");
+  EXPECT_EQ(texts(table).at(2), "ÿ");
 }
 
 // An escape sequence that selects what is selected already: the text has another usual form than these bytes.
 TEST_F(Loading, ReloadsTheVeryKeyThatIsShownUntilItsTextIsChanged) {
   redis.command({"SET", "\x1B(Bkey", "unusual", "EX", "60000"});
   openTab(redis.port());
-  outlets().popKeyDataCharset.selectItemWithTitle("ISO_2022_JP");
-  search("");
+  choose(outlets().popKeyDataCharset, "ISO_2022_JP");
+  waitUntilIdle();
   redis.command({"SET", "key", "usual"});
   selectKey("key");
   EXPECT_EQ(outlets().labKeySize.stringValue(), "Key Size: 6byte(s)");
-  click(*outlets().chkTranslate.widget());
+  click(outlets().chkTranslate);
   reload();
   EXPECT_EQ(string(), "unusual");
-  outlets().txtTTL.becomeFirstResponder();
-  replaceText("6x0");
+  typeInto(outlets().txtTTL, "6x0");
   EXPECT_EQ(outlets().txtTTL.stringValue() + outlets().txtTTL.toolTip(), "60");
   outlets().txtKey.becomeFirstResponder();
   EXPECT_EQ(outlets().txtTTL.toolTip(), "Second(s)");

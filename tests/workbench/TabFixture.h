@@ -1,7 +1,5 @@
 #pragma once
 
-#include "platform/appkit/table/TableViewWidget.h"
-#include "platform/foundation/NSTimer.h"
 #include "tests/support/AlertRecorder.h"
 #include "tests/support/widgets/Hand.h"
 #include "tests/workbench/RecordingServer.h"
@@ -10,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -19,46 +18,11 @@ namespace tarn::test {
 
 using Texts = std::vector<std::string>;
 
-// What the user does in the cells of a table.
-
-inline TableViewWidget& widgetOf(const NSTableView& table) {
-  return dynamic_cast<TableViewWidget&>(*table.widget());
-}
-
-inline void clickCell(const NSTableView& table, int row, int column, Qt::MouseButton button = Qt::LeftButton) {
-  click(*widgetOf(table).viewport(), widgetOf(table).cellRect(row, column).center(), button);
-}
-
-inline void openCell(const NSTableView& table, int row, int column) {
-  doubleClick(*widgetOf(table).viewport(), widgetOf(table).cellRect(row, column).center());
-}
-
-// The text field of the open cell, or nothing.
-inline TextFieldWidget* editorOf(const NSTableView& table) {
-  auto* editor = widgetOf(table).viewport()->findChild<TextFieldWidget*>();
-  return editor && editor->isVisible() ? editor : nullptr;
-}
-
 // In whatever has the keyboard.
 inline void replaceText(std::string_view text) {
   press(Qt::Key_A, Qt::ControlModifier);
   press(Qt::Key_Delete);
   type(text);
-}
-
-// Until a cell that a timer opens is open.
-inline void waitForATimer() {
-  bool hasFired = false;
-  NSTimer::scheduledTimerWithTimeInterval(0.1, false, [&] { hasFired = true; });
-  ASSERT_TRUE(waitUntil([&] { return hasFired; }));
-  settle();
-}
-
-inline Texts texts(NSTableView& table, int column) {
-  Texts result;
-  for (int row = 0; row < table.numberOfRows(); ++row)
-    result.push_back(table.viewAtColumn(column, row, true)->stringValue());
-  return result;
 }
 
 // A tab on the screen, bound to a connection on a loopback port.
@@ -68,6 +32,7 @@ protected:
     if (server) server->closeConnection();
   }
 
+  // Lists the keys.
   void openTab(int port) {
     server = std::make_shared<ServerItem>();
     server->setServerIp("127.0.0.1");
@@ -76,22 +41,22 @@ protected:
     ASSERT_TRUE(server->connectToServer().ok);
     server->loadDatabases();
     showTab();
+    tab->open(server);
+    search("");
   }
-
   void showTab() {
     tab = std::make_shared<OperationTabViewController>();
-    tab->open(server);
     show(*tab->view().widget(), {900, 560});
   }
 
   OperationTabLayout& outlets() { return tab->outlets(); }
+  Texts keys() { return texts(outlets().tableKeys); }
 
-  bool idle() {
-    settle();
-    return server->operationQueue().operationCount() == 0;
-  }
   void waitUntilIdle() {
-    ASSERT_TRUE(waitUntil([&] { return idle(); }));
+    ASSERT_TRUE(waitUntil([&] {
+      settle();
+      return server->operationQueue().operationCount() == 0;
+    }));
     settle();
   }
 
@@ -102,21 +67,18 @@ protected:
   }
   // Selects the first key that shows this text, and waits for its value.
   void selectKey(const std::string& text) {
-    const auto shown = texts(outlets().tableKeys, 0);
-    for (int row = 0; row < static_cast<int>(shown.size()); ++row) {
-      if (shown[static_cast<std::size_t>(row)] == text) outlets().tableKeys.selectRow(row);
-    }
+    const Texts shown = keys();
+    outlets().tableKeys.deselectAll();
+    outlets().tableKeys.selectRow(static_cast<int>(std::ranges::find(shown, text) - shown.begin()));
     waitUntilIdle();
   }
-
-  // As the user does, in the pop-up's list.
-  static void chooseTitle(NSPopUpButton& popUp, const std::string& title) {
-    const int before = popUp.indexOfSelectedItem();
-    popUp.selectItemWithTitle(title);
-    const int index = popUp.indexOfSelectedItem();
-    popUp.selectItemAtIndex(before);
-    ASSERT_GE(index, 0) << title;
-    choose(*popUp.widget(), index);
+  void reload() {
+    click(outlets().btnReload);
+    waitUntilIdle();
+  }
+  static void typeInto(NSView& field, std::string_view text) {
+    field.becomeFirstResponder();
+    replaceText(text);
   }
 
   AlertRecorder alerts;
@@ -128,15 +90,11 @@ protected:
 class RecordedTab : public TabFixture {
 protected:
   ~RecordedTab() override {
-    server->closeConnection();
-    tab.reset();
-    settle();
+    if (server) server->closeConnection();
   }
 
-  // The keys are listed.
   void openKeys() {
     openTab(peer.port());
-    search("");
     peer.sent();
   }
   // And "b", which is of this type, is on show.
