@@ -4,8 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace tarn::test {
@@ -72,16 +74,13 @@ std::string nested(char type, int depth) {
 }
 
 constexpr const char* lostElement = "failed: Get Data from server error(788)";
+constexpr std::array<std::size_t, 3> arrivals{1, 3, 1000};
 
 // Each stream is one reply, which reads the same in whatever parts it arrives, and to its last byte only.
 TEST(Replies, ReadAsAResultAndAsTheConsolesText) {
-  struct Case {
-    std::string_view stream;
-    std::string_view result;
-    std::string_view console;
-  };
+  // Stream, result, text of the console.
   // clang-format off
-  const std::vector<Case> cases{
+  const std::vector<std::array<std::string_view, 3>> cases{
       {"+OK\r\n", "+ok: OK = text OK", "OK"},
       {"+a\rb\nc\r\n", "+ok: a\rb\nc = text a\rb\nc", "a\rb\nc"},
       {"+a\r\r\n", "+ok: a\r = text a\r", "a\r"},
@@ -132,41 +131,31 @@ TEST(Replies, ReadAsAResultAndAsTheConsolesText) {
       {"*1\r\n*2\r\n+a\r\n?b\r\n", lostElement, "\n1)(Err) Server reply: Error\n"},
   };
   // clang-format on
-  for (const Case& expected : cases) {
-    SCOPED_TRACE(expected.stream);
-    for (const std::size_t arrival : {std::size_t{1}, std::size_t{3}, std::size_t{1000}}) {
-      const std::string stream = std::string(expected.stream) + "+next\r\n";
-      const Reading reading = read(stream, arrival);
-      EXPECT_EQ(reading.text, expected.result);
-      EXPECT_EQ(reading.lost, expected.result == lostElement);
+  for (const auto& [stream, result, text] : cases) {
+    SCOPED_TRACE(stream);
+    for (const std::size_t arrival : arrivals) {
+      const Reading reading = read(std::string(stream) + "+next\r\n", arrival);
+      EXPECT_EQ(reading.text, result);
+      EXPECT_EQ(reading.lost, result == lostElement);
       EXPECT_TRUE(reading.lost || reading.rest == "+next\r\n") << reading.rest;
-      const Reading console = readConsole(stream, arrival);
-      EXPECT_EQ(console.text, expected.console);
-      EXPECT_EQ(console.rest, "+next\r\n");
+      const Reading console = readConsole(std::string(stream) + "+next\r\n", arrival);
+      EXPECT_EQ(console.text + console.rest, std::string(text) + "+next\r\n");
     }
-    for (std::size_t cut = 0; cut < expected.stream.size(); ++cut) {
-      EXPECT_TRUE(read(expected.stream.substr(0, cut)).lost) << cut;
-      EXPECT_TRUE(readConsole(expected.stream.substr(0, cut)).lost) << cut;
-    }
+    for (std::size_t cut = 0; cut < stream.size(); ++cut)
+      EXPECT_TRUE(read(stream.substr(0, cut)).lost && readConsole(stream.substr(0, cut)).lost) << cut;
   }
 }
 
 // Each failure at each place, at the top of a reply, where both readers name it alike, and inside it, where the console
-// alone names it.
+// alone names it, behind what it shows of the reply.
 TEST(Replies, EndWhereTheyAreBrokenAndTellWhy) {
   const std::string lost = "(Err) Can not connect to server";
   const std::string undecodable = "(Err) Server reply Error, unrecognized reply.";
   const std::string badLength = "(Err) Server reply Error, unrecognized reply count(775)";
   const std::string badCount = "(Err) Server reply Error, can not covert data to count value(859)";
-  struct Case {
-    std::string_view stream;
-    // What the console shows before the failure.
-    std::string_view shown;
-    std::string failure;
-    bool inside = false;
-  };
+  const std::string tooDeep = "*1\r\n" + nested('*', ReplyScanner::maxDepth);
   // clang-format off
-  const std::vector<Case> cases{
+  const std::vector<std::tuple<std::string, std::string, std::string>> cases{
       {"", "", "Can not connect to server"},
       {"\x80", "", undecodable},
       {"+OK\r", "", lost},
@@ -188,29 +177,28 @@ TEST(Replies, EndWhereTheyAreBrokenAndTellWhy) {
       {"%x\r\n", "", badCount},
       {"*2147483649\r\n", "", badCount},
       {">2147483649\r\n", "", badCount},
-      {"*2147483648\r\n:1\r\n", "\n1)\t(int)1\n2)\t", "Can not connect to server", true},
-      {"*2\r\n+a\r\n\xC3", "\n1)\ta\n2)\t", undecodable, true},
-      {"*2\r\n+a\r\n:1", "\n1)\ta\n2)\t", lost, true},
-      {"*2\r\n+a\r\n$x\r\n", "\n1)\ta\n2)\t", badLength, true},
-      {"*2\r\n+a\r\n*x\r\n", "\n1)\ta\n2)\t", badCount, true},
-      {"*1\r\n*2\r\n+a\r\n$x\r\n", "\n1)\t1)\ta\n\t2)\t", badLength, true},
-      {"%1\r\n+a\r\n", "(map)\t", "Can not connect to server", true},
+      {"*2147483648\r\n:1\r\n", "\n1)\t(int)1\n2)\t", "Can not connect to server"},
+      {"*2\r\n+a\r\n\xC3", "\n1)\ta\n2)\t", undecodable},
+      {"*2\r\n+a\r\n:1", "\n1)\ta\n2)\t", lost},
+      {"*2\r\n+a\r\n$x\r\n", "\n1)\ta\n2)\t", badLength},
+      {"*2\r\n+a\r\n*x\r\n", "\n1)\ta\n2)\t", badCount},
+      {"*1\r\n*2\r\n+a\r\n$x\r\n", "\n1)\t1)\ta\n\t2)\t", badLength},
+      {"%1\r\n+a\r\n", "(map)\t", "Can not connect to server"},
   };
   // clang-format on
-  for (const Case& expected : cases) {
-    SCOPED_TRACE(expected.stream);
-    const std::string top = "failed: " + expected.failure.substr(expected.failure.starts_with("(Err) ") ? 6 : 0);
-    for (const std::size_t arrival : {std::size_t{1}, std::size_t{1000}}) {
-      const Reading reading = read(expected.stream, arrival);
-      EXPECT_EQ(reading.text, expected.inside ? lostElement : top);
+  for (const auto& [stream, shown, failure] : cases) {
+    SCOPED_TRACE(stream);
+    const std::string top = "failed: " + failure.substr(failure.starts_with("(Err) ") ? 6 : 0);
+    for (const std::size_t arrival : arrivals) {
+      const Reading reading = read(stream, arrival);
+      EXPECT_EQ(reading.text, shown.empty() ? top : lostElement);
       EXPECT_TRUE(reading.lost);
-      EXPECT_EQ(readConsole(expected.stream, arrival).text, std::string(expected.shown) + "!!" + expected.failure);
+      EXPECT_EQ(readConsole(stream, arrival).text, shown + "!!" + failure);
     }
   }
-  const std::string deep = nested('*', ReplyScanner::maxDepth) + ":1\r\n";
-  EXPECT_EQ(read(deep).text, "*ok: 1 = bytes 1|1");
-  EXPECT_EQ(read("*1\r\n" + deep).text, lostElement);
-  EXPECT_TRUE(readConsole("*1\r\n" + deep).text.ends_with("!!" + badCount));
+  EXPECT_EQ(read(tooDeep.substr(4) + ":1\r\n").text, "*ok: 1 = bytes 1|1");
+  EXPECT_EQ(read(tooDeep + ":1\r\n").text, lostElement);
+  EXPECT_TRUE(readConsole(tooDeep + ":1\r\n").text.ends_with("!!" + badCount));
   EXPECT_EQ(read(nested('>', 100000)).text, lostElement);
 }
 

@@ -1,11 +1,34 @@
 #include "tests/wire/WireTest.h"
 
-#include <algorithm>
-
 namespace tarn::test {
 namespace {
 
-using namespace std::string_literals;
+using ServerCommandsTest = WireTest;
+using Call = std::function<std::string(ServerItem&)>;
+
+std::string shown(bool done) {
+  return done ? "true" : "false";
+}
+std::string shown(const std::pair<bool, std::string>& result) {
+  return shown(result.first) + " " + result.second;
+}
+std::string shown(const std::pair<bool, Bytes>& result) {
+  return shown(result.first) + " " + std::string(result.second.view());
+}
+std::string shown(const std::pair<bool, std::optional<std::string>>& result) {
+  return shown(result.first) + " " + result.second.value_or("null");
+}
+std::string shown(const std::vector<Bytes>& list) {
+  std::string text = "[";
+  for (const Bytes& element : list)
+    text += std::string(element.view()) + ",";
+  return text + "]";
+}
+
+template <typename Method, typename... Arguments>
+Call on(Method method, Arguments... arguments) {
+  return [=](ServerItem& server) { return shown((server.*method)(arguments...)); };
+}
 
 std::string scanReply(const std::string& cursor, const Messages& elements) {
   std::string reply = "*2\r\n" + bulk(cursor) + "*" + std::to_string(elements.size()) + "\r\n";
@@ -14,127 +37,75 @@ std::string scanReply(const std::string& cursor, const Messages& elements) {
   return reply;
 }
 
-using ServerCommandsTest = WireTest;
-
-TEST_F(ServerCommandsTest, WriteAndReadEachType) {
-  RedisServer server({"--databases", "4"});
-  const auto client = connectedItem(server.port());
-  EXPECT_TRUE(client->selectDb(3));
-  EXPECT_TRUE(client->setValue("s"_bytes, "\0\xFF"_bytes, 100));
-  EXPECT_TRUE(client->pushListItems("l"_bytes, {"b"_bytes, ""_bytes, "a"_bytes}, -1));
-  EXPECT_TRUE(client->addSetMembers("u"_bytes, {"m"_bytes, "m"_bytes}, -1));
-  EXPECT_TRUE(client->setHashFields("h"_bytes, {"f"_bytes, "g"_bytes}, {"1"_bytes, "2"_bytes}, -1));
-  EXPECT_TRUE(client->addSortedSetMembers("z"_bytes, {"2.5", "-1"}, {"x"_bytes, "y"_bytes}, 50));
-  EXPECT_EQ(server.command({"DBSIZE"}, 3), ":5\r\n");
-  for (const auto& [key, type] :
-       {std::pair("s", "string"), {"l", "list"}, {"u", "set"}, {"h", "hash"}, {"z", "zset"}, {"?", "none"}})
-    EXPECT_EQ(client->keyType(Bytes(key)), std::pair(true, std::string(type)));
-
-  EXPECT_EQ(client->getValue("s"_bytes), std::pair(true, "\0\xFF"_bytes));
-  EXPECT_EQ(client->getValue("?"_bytes), std::pair(true, Bytes()));
-  EXPECT_EQ(client->lrangeAll("l"_bytes), (std::vector{"b"_bytes, ""_bytes, "a"_bytes}));
-  EXPECT_EQ(client->sscanAll("u"_bytes), std::vector{"m"_bytes});
-  EXPECT_EQ(client->hscanAll("h"_bytes), (std::vector{"f"_bytes, "1"_bytes, "g"_bytes, "2"_bytes}));
-  EXPECT_EQ(client->zrangeAll("z"_bytes), (std::vector{"y"_bytes, "-1"_bytes, "x"_bytes, "2.5"_bytes}));
-
-  EXPECT_EQ(client->keyTtl("l"_bytes).second, "-1");
-  EXPECT_EQ(client->keyTtl("?"_bytes).second, "-2");
-  EXPECT_TRUE(client->deleteKey("s"_bytes));
-  EXPECT_TRUE(client->deleteKey("s"_bytes));
-  EXPECT_EQ(alerts(), Messages{});
-
-  EXPECT_EQ(client->getValue("l"_bytes), std::pair(false, Bytes()));
-  EXPECT_EQ(client->zrangeAll("l"_bytes), std::vector<Bytes>());
-  EXPECT_FALSE(client->selectDb(4));
-  EXPECT_EQ(client->currentDbIdx(), 3);
-  EXPECT_EQ(alerts().size(), 3U);
-}
-
-TEST_F(ServerCommandsTest, SendWhatIsStated) {
-  const Bytes k("k"_bytes);
+TEST_F(ServerCommandsTest, SendWhatIsStatedReadTheRepliesAndShowOneAlertForEachFailure) {
+  using S = ServerItem;
+  const std::vector<Bytes> f{"f"_bytes};
+  const std::vector<Bytes> fg{"f"_bytes, "g"_bytes};
+  const std::vector<std::string> score{"1.5"};
+  const std::string ok = "+OK\r\n";
+  const Bytes k = "k"_bytes;
+  const Bytes v("\0\xFF"_bytes);
+  const std::string zero = "*2\r\n$1\r\n0\r\n$2\r\n\xFF\r\r\n";
+  const std::string noCursor = "Can not get scan cursor from server(994)";
+  struct Case {
+    Call call;
+    Messages replies;
+    std::string result;
+    std::string sent;
+    Messages alerts = {};
+  };
   // clang-format off
-  const std::vector<std::pair<std::function<bool(ServerItem&)>, std::string>> cases{
-      {[&](ServerItem& s) { return s.setValue(k, "v"_bytes, -1); }, "persist k|set k v"},
-      {[&](ServerItem& s) { return s.setValue(k, "v"_bytes, 0); }, "set k v EX 0"},
-      {[&](ServerItem& s) { return s.addSetMembers(k, {"m"_bytes}, -1); }, "sadd k m"},
-      {[&](ServerItem& s) { return s.addSetMembers(k, {"m"_bytes}, 60); }, "sadd k m|expire k 60"},
-      {[&](ServerItem& s) { return s.pushListItems(k, std::vector{"a"_bytes, "b"_bytes}, 0); },
-       "rpush k a b|expire k 0"},
+  const std::vector<Case> cases{
+      {on(&S::selectDb, 3), {ok}, "true", "select 3"},
+      {on(&S::selectDb, 4), {"-ERR\r\n"}, "false", "select 4", {"ERR"}},
+      {on(&S::keyType, k), {"+zset\r\n"}, "true zset", "type k"},
+      {on(&S::keyType, k), {"_\r\n"}, "false ", "type k", {"Server reply: Error"}},
+      {on(&S::keyType, k), {"*0\r\n"}, "false ", "type k", {"Server reply: Error"}},
+      {on(&S::keyTtl, k), {":-1\r\n"}, "true -1", "ttl k"},
+      {on(&S::keyTtl, k), {"+none\r\n"}, "true null", "ttl k"},
+      {on(&S::getValue, k), {"$2\r\n\xFF\r\r\n"}, "true \xFF\r", "get k"},
+      {on(&S::getValue, k), {"_\r\n"}, "true ", "get k"},
+      {on(&S::getValue, k), {"-ERR\r\n"}, "false ", "get k", {"ERR"}},
+      {on(&S::lrangeAll, k), {zero}, "[0,\xFF\r,]", "lrange k 0 -1"},
+      {on(&S::lrangeAll, k), {"-ERR\r\n"}, "[]", "lrange k 0 -1", {"ERR"}},
+      {on(&S::zrangeAll, k), {zero}, "[0,\xFF\r,]", "zrange k 0 -1 withscores"},
+      {on(&S::deleteKey, k), {":0\r\n"}, "true", "del k"},
+      {on(&S::setValue, k, v, -1), {":0\r\n", ok}, "true", std::string("persist k|set k \0\xFF", 18)},
+      {on(&S::setValue, k, v, 0), {ok}, "true", std::string("set k \0\xFF EX 0", 13)},
+      {on(&S::setValue, k, v, -1), {"-ERR first\r\n"}, "false", "persist k", {"ERR first"}},
+      {on(&S::addSetMembers, k, f, -1), {":1\r\n"}, "true", "sadd k f"},
+      {on(&S::addSetMembers, k, fg, 60), {":2\r\n", ":1\r\n"}, "true", "sadd k f g|expire k 60"},
+      {on(&S::addSetMembers, k, f, 5), {":1\r\n", "-ERR second\r\n"}, "false", "sadd k f|expire k 5", {"ERR second"}},
+      {on(&S::pushListItems, k, fg, 0), {":2\r\n", ":1\r\n"}, "true", "rpush k f g|expire k 0"},
+      {on(&S::setHashFields, k, fg, fg, -1), {ok}, "true", "hmset k f f g g"},
       // What has no partner isn't sent.
-      {[&](ServerItem& s) { return s.setHashFields(k, std::vector{"f"_bytes, "g"_bytes}, {"1"_bytes}, -1); },
-       "hmset k f 1"},
-      {[&](ServerItem& s) { return s.setHashFields(k, {}, {"1"_bytes}, -1); }, "hmset k"},
-      {[&](ServerItem& s) { return s.addSortedSetMembers(k, {"1.5"}, std::vector{"m"_bytes, "n"_bytes}, 9); },
-       "zadd k 1.5 m|expire k 9"},
+      {on(&S::setHashFields, k, fg, f, -1), {ok}, "true", "hmset k f f"},
+      {on(&S::setHashFields, k, std::vector<Bytes>(), f, -1), {ok}, "true", "hmset k"},
+      {on(&S::addSortedSetMembers, k, score, fg, 9), {":1\r\n", ":1\r\n"}, "true", "zadd k 1.5 f|expire k 9"},
+      // Up to the limit.
+      {on(&S::scanKeys, k, 100, false), {noCluster, scanReply("17", {}), scanReply("99", {"a", "b"}), scanReply("0", {"c"})}, "[a,b,c,]",
+       "cluster nodes|scan 0 MATCH k COUNT 1000|scan 17 MATCH k COUNT 1000|scan 99 MATCH k COUNT 1000"},
+      {on(&S::scanKeys, k, 2, false), {noCluster, scanReply("5", {"a", "b"})}, "[a,b,]", "cluster nodes|scan 0 MATCH k COUNT 1000"},
+      {on(&S::scanKeys, k, 1, false), {noCluster, scanReply("0", {"a", "b"})}, "[a,]", "cluster nodes|scan 0 MATCH k COUNT 1000"},
+      {on(&S::scanKeys, k, 0, false), {noCluster, scanReply("5", {"a"})}, "[]", "cluster nodes|scan 0 MATCH k COUNT 1000"},
+      // What a scan gives twice, while a set or hash is rehashed, stands twice: the rows are what the server said.
+      {on(&S::sscanAll, k), {scanReply("7", {"a", "b"}), scanReply("0", {"b"})}, "[a,b,b,]", "sscan k 0 COUNT 1000|sscan k 7 COUNT 1000"},
+      {on(&S::hscanAll, k), {scanReply("7", {"f", "1"}), scanReply("0", {"f", "1"})}, "[f,1,f,1,]",
+       "hscan k 0 COUNT 1000|hscan k 7 COUNT 1000"},
+      // With the rest goes what was found before.
+      {on(&S::sscanAll, k), {scanReply("1", {"a"}), "-ERR over\r\n"}, "[]", "sscan k 0 COUNT 1000|sscan k 1 COUNT 1000", {"ERR over"}},
+      {on(&S::sscanAll, k), {scanReply("1", {"a"}), "*0\r\n"}, "[]", "sscan k 0 COUNT 1000|sscan k 1 COUNT 1000", {noCursor}},
+      {on(&S::sscanAll, k), {scanReply("1", {"a"}), "+0\r\n"}, "[]", "sscan k 0 COUNT 1000|sscan k 1 COUNT 1000", {noCursor}},
+      {on(&S::sscanAll, k), {"%0\r\n"}, "[]", "sscan k 0 COUNT 1000", {noCursor}},
+      {on(&S::scanKeys, k, 9, false), {noCluster, scanReply("\xFF", {"b"})}, "[]", "cluster nodes|scan 0 MATCH k COUNT 1000", {noCursor}},
   };
   // clang-format on
-  for (const auto& [call, sent] : cases) {
-    ScriptedServer peer(answeringAll([](int) { return "+OK\r\n"; }));
-    EXPECT_TRUE(call(*connectedItem(peer.port())));
-    EXPECT_EQ(peer.received().front(), requests(sent));
-  }
-}
-
-TEST_F(ServerCommandsTest, ShowOneAlertForEachFailureAndSendNothingMore) {
-  ScriptedServer peer(answering({"-ERR first\r\n", ":1\r\n", "-ERR second\r\n", "*0\r\n", "+none\r\n", "_\r\n"}));
-  const auto client = connectedItem(peer.port());
-  EXPECT_FALSE(client->setValue("k"_bytes, "v"_bytes, -1));
-  EXPECT_EQ(alerts(), Messages{"ERR first"});
-  EXPECT_FALSE(client->addSetMembers("k"_bytes, {"m"_bytes}, 5));
-  EXPECT_EQ(alerts(), Messages{"ERR second"});
-  EXPECT_EQ(client->keyType("k"_bytes), std::pair(false, std::string()));
-  EXPECT_EQ(alerts(), Messages{"Server reply: Error"});
-  EXPECT_EQ(client->keyTtl("k"_bytes), (std::pair<bool, std::optional<std::string>>(true, std::nullopt)));
-  EXPECT_EQ(client->getValue("k"_bytes), std::pair(true, Bytes()));
-  EXPECT_EQ(alerts(), Messages{});
-}
-
-TEST_F(ServerCommandsTest, ScanAWholeServerUpToTheLimit) {
-  RedisServer server({"--enable-debug-command", "yes"});
-  server.command({"DEBUG", "POPULATE", "5000"});
-  server.command({"SET", "\xFF\0x"s, "v"});
-  const auto client = connectedItem(server.port());
-  auto all = client->scanKeys("*"_bytes, noLimit, false);
-  std::sort(all.begin(), all.end());
-  EXPECT_EQ(all.size(), 5001U);
-  EXPECT_EQ(std::unique(all.begin(), all.end()), all.end());
-  EXPECT_EQ(client->scanKeys("\xFF*"_bytes, noLimit, false), std::vector{"\xFF\0x"_bytes});
-  EXPECT_EQ(client->scanKeys("key:*"_bytes, 1234, false).size(), 1234U);
-  EXPECT_TRUE(client->scanKeys("*"_bytes, 0, false).empty());
-  EXPECT_EQ(alerts(), Messages{});
-}
-
-// What a scan gives twice, while a set or hash is rehashed, stands twice: the rows are what the server said.
-TEST_F(ServerCommandsTest, FollowTheCursorAndStopAtTheLimit) {
-  ScriptedServer peer(
-      answering({noCluster, scanReply("17", {}), scanReply("99", {"a", "b"}), scanReply("0", {"c"}), noCluster,
-                 scanReply("5", {"a", "b"}), scanReply("7", {"a", "b"}), scanReply("0", {"b", "c"}),
-                 scanReply("7", {"f", "1"}), scanReply("0", {"f", "1", "g", "2"})}));
-  const auto client = connectedItem(peer.port());
-  EXPECT_EQ(client->scanKeys("p"_bytes, 100, false), (std::vector{"a"_bytes, "b"_bytes, "c"_bytes}));
-  EXPECT_EQ(client->scanKeys("p"_bytes, 2, false), (std::vector{"a"_bytes, "b"_bytes}));
-  EXPECT_EQ(client->sscanAll("k"_bytes), (std::vector{"a"_bytes, "b"_bytes, "b"_bytes, "c"_bytes}));
-  EXPECT_EQ(client->hscanAll("k"_bytes),
-            (std::vector{"f"_bytes, "1"_bytes, "f"_bytes, "1"_bytes, "g"_bytes, "2"_bytes}));
-  EXPECT_EQ(peer.received().front(),
-            requests("cluster nodes|scan 0 MATCH p COUNT 1000|scan 17 MATCH p COUNT 1000|scan 99 MATCH p COUNT 1000|"
-                     "cluster nodes|scan 0 MATCH p COUNT 1000|sscan k 0 COUNT 1000|sscan k 7 COUNT 1000|"
-                     "hscan k 0 COUNT 1000|hscan k 7 COUNT 1000"));
-}
-
-TEST_F(ServerCommandsTest, DropWhatTheyFoundWhenACommandOrCursorFails) {
-  const std::string noCursor = "Can not get scan cursor from server(994)";
-  const std::vector<std::pair<std::string, std::string>> cases{
-      {"-ERR over\r\n", "ERR over"},        {"*0\r\n", noCursor}, {"+0\r\n", noCursor}, {"%0\r\n", noCursor},
-      {scanReply("\xFF", {"b"}), noCursor},
-  };
-  for (const auto& [reply, message] : cases) {
-    SCOPED_TRACE(reply);
-    ScriptedServer peer(answering({noCluster, scanReply("1", {"a"}), reply, scanReply("1", {"a"}), reply}));
-    const auto client = connectedItem(peer.port());
-    EXPECT_TRUE(client->scanKeys("*"_bytes, 10, false).empty());
-    EXPECT_TRUE(client->hscanAll("h"_bytes).empty());
-    EXPECT_EQ(alerts(), (Messages{message, message}));
+  for (const Case& expected : cases) {
+    SCOPED_TRACE(expected.sent + " of row " + std::to_string(&expected - cases.data()));
+    ScriptedServer peer(answering(expected.replies));
+    EXPECT_EQ(expected.call(*connectedItem(peer.port())), expected.result);
+    EXPECT_EQ(alerts(), expected.alerts);
+    EXPECT_EQ(peer.received().front(), requests(expected.sent));
   }
 }
 

@@ -123,55 +123,57 @@ TEST_F(ServerItemTest, TakesTheCountsFromInfoAsTheyStand) {
   }
 }
 
-TEST_F(ServerItemTest, CarriesTheDatabaseOfAConsoleLineAlong) {
-  RedisServer server({"--databases", "4"});
-  const auto client = connectedItem(server.port());
-  const auto runs = [&](const std::string& line, const std::string& reply, int database) {
-    EXPECT_TRUE(client->executeConsoleCommand(line).starts_with(reply)) << line;
-    EXPECT_EQ(client->currentDbIdx(), database) << line;
-  };
-  EXPECT_EQ(client->executeConsoleCommand("   "), "");
-  EXPECT_EQ(client->executeConsoleCommand("\"open"), "Invalid Input Command");
-  runs(R"(set "a b" a\\n)", "OK", 0);
-  runs(R"(get "a b")", R"(a\n)", 0);
-  runs("SELECT 3", "OK", 3);
-  runs("select 4", "ERR", 3);
-  runs("reset", "RESET", 0);
-  EXPECT_EQ(host.calls, (Messages{"db3", "db0"}));
-
-  runs("multi", "OK", 0);
-  runs("select 2", "QUEUED", 2);
-  runs("set k 1", "QUEUED", 2);
-  // A refresh would queue its commands behind it.
-  refresh(*client);
-  runs("exec", "\n1)\tOK\n2)\tOK", 2);
-  runs("multi", "OK", 2);
-  runs("select 99", "QUEUED", 99);
-  runs("exec", "\n1)\tERR", 2);
-  runs("get k", "1", 2);
-}
-
 // Nothing that a server goes on sending is ever taken for the reply to something else: the connection is made anew, and
 // stands on its database again.
-TEST_F(ServerItemTest, MakesTheConnectionAnewWhereMoreThanOneReplyComes) {
-  RedisServer server;
+TEST_F(ServerItemTest, CarriesTheDatabaseOfAConsoleLineAlongAndConnectsAnewWhereMoreThanOneReplyComes) {
+  RedisServer server({"--databases", "4"});
   const auto client = connectedItem(server.port());
-  ASSERT_TRUE(client->selectDb(2));
-  EXPECT_EQ(client->executeConsoleCommand("subscribe a b"), "\n1)\tsubscribe\n2)\ta\n3)\t(int)1");
-  server.command({"PUBLISH", "a", "x"});
-  EXPECT_EQ(client->executeConsoleCommand("set k v"), "OK");
+  struct Line {
+    std::string typed;
+    std::string reply;
+    int database;
+    // Of another client, behind it: what is pushed for it.
+    Messages meanwhile = {};
+  };
+  // clang-format off
+  const std::vector<Line> lines{
+      {"   ", "", 0},
+      {"\"open", "Invalid Input Command", 0},
+      {R"(set "a b" a\\n)", "OK", 0},
+      {R"(get "a b")", R"(a\n)", 0},
+      {"SELECT 3", "OK", 3},
+      {"select 4", "ERR DB index is out of range", 3},
+      {"reset", "RESET", 0},
+      {"multi", "OK", 0},
+      {"select 2", "QUEUED", 2},
+      // A refresh would queue its commands behind it.
+      {"set k 1", "QUEUED", 2},
+      {"exec", "\n1)\tOK\n2)\tOK", 2},
+      {"multi", "OK", 2},
+      {"select 99", "QUEUED", 99},
+      {"exec", "\n1)\tERR DB index is out of range", 2},
+      {"get k", "1", 2},
+      {"subscribe a b", "\n1)\tsubscribe\n2)\ta\n3)\t(int)1", 2, {"PUBLISH", "a", "x"}},
+      {"set k v", "OK", 2},
+      {"MONITOR", "OK", 2, {"PING"}},
+      {"type k", "string", 2},
+      // Also where a transaction ends with it, in another database.
+      {"multi", "OK", 2},
+      {"select 3", "QUEUED", 3},
+      {"set k w", "QUEUED", 3},
+      {"subscribe a b", "QUEUED", 3},
+      {"exec", "\n1)\tOK\n2)\tOK\n3)\t1)\tsubscribe\n\t2)\ta\n\t3)\t(int)1\n", 3},
+      {"get k", "w", 3},
+  };
+  // clang-format on
+  for (const Line& line : lines) {
+    EXPECT_EQ(client->executeConsoleCommand(line.typed), line.reply) << line.typed;
+    EXPECT_EQ(client->currentDbIdx(), line.database) << line.typed;
+    if (!line.meanwhile.empty()) server.command(line.meanwhile);
+    if (line.typed == "set k 1") refresh(*client);
+  }
+  EXPECT_EQ(host.calls, (Messages{"db3", "db0", "db2", "db99", "db2", "db3"}));
   EXPECT_EQ(server.command({"GET", "k"}, 2), bulk("v"));
-  EXPECT_EQ(client->executeConsoleCommand("MONITOR"), "OK");
-  server.command({"PING"});
-  EXPECT_EQ(client->keyType("k"_bytes).second, "string");
-  EXPECT_EQ(host.calls, Messages{});
-
-  // Also where a transaction ends with it, in another database.
-  for (const char* line : {"multi", "select 3", "set k w", "subscribe a b"})
-    client->executeConsoleCommand(line);
-  EXPECT_EQ(client->executeConsoleCommand("exec"), "\n1)\tOK\n2)\tOK\n3)\t1)\tsubscribe\n\t2)\ta\n\t3)\t(int)1\n");
-  EXPECT_EQ(client->getValue("k"_bytes).second, "w"_bytes);
-  EXPECT_EQ(client->currentDbIdx(), 3);
   EXPECT_EQ(alerts(), Messages{});
 }
 
