@@ -86,22 +86,18 @@ protected:
   std::shared_ptr<OperationTabViewController> tab;
 };
 
+inline std::string joined(const Texts& texts, const char* separator = "|") {
+  std::string result;
+  for (const std::string& text : texts)
+    result += (&text == &texts.front() ? "" : separator) + text;
+  return result;
+}
+
 // A tab of a server that remembers what the tab sends, and says what a real one wouldn't.
 class RecordedTab : public TabFixture {
 protected:
-  ~RecordedTab() override {
-    if (server) server->closeConnection();
-  }
-
   void openKeys() {
     openTab(peer.port());
-    peer.sent();
-  }
-  // And "b", which is of this type, is on show.
-  void open(const std::string& type, const std::string& value) {
-    peer.hold(type, value);
-    openKeys();
-    selectKey("b");
     peer.sent();
   }
 

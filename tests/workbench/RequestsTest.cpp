@@ -1,0 +1,160 @@
+// What a load, a save and a delete send, in which order, and what they leave behind where something fails.
+
+#include "tests/workbench/TabFixture.h"
+
+#include <map>
+
+namespace tarn::test {
+namespace {
+
+class RequestsTest : public RecordedTab {
+protected:
+  // Steps with "; " between them: a word, and what it is done to. "behind" runs its own, which end in ",", while the
+  // next alert is up. Returns what was sent since the last "open", and the alerts.
+  std::string run(const std::string& script, const std::string& separator = "; ") {
+    for (std::size_t at = 0; at < script.size();) {
+      const std::size_t end = std::min(script.find(separator, at), script.size());
+      const std::string step = script.substr(at, end - at);
+      const std::string word = step.substr(0, step.find(' '));
+      take(word, step.substr(std::min(word.size() + 1, step.size())));
+      at = end + separator.size();
+    }
+    if (separator == ",") return {};
+    Texts log = peer.sent();
+    for (const std::string& message : alerts.messages())
+      log.push_back("!" + message);
+    alerts.clear();
+    return joined(log);
+  }
+
+  std::string form() {
+    OperationTabLayout& at = outlets();
+    return at.labType.stringValue() + ' ' + at.txtKey.stringValue() + ' ' + at.txtTTL.stringValue() +
+           at.txtTTL.toolTip() + ' ' + at.labKeySize.stringValue() + ' ' + at.labDataSize.stringValue() +
+           (at.valueDataSetScrollView.isHidden() ? "" : ' ' + joined(texts(at.valueDataSetTable))) +
+           (at.valueDataHashScrollView.isHidden() ? "" : ' ' + joined(texts(at.valueDataHashTable, 1))) +
+           (at.valueDataSortedSetScrollView.isHidden() ? "" : ' ' + joined(texts(at.valueDataSortedSetTable)));
+  }
+  // The list, with a "*" before the selected key.
+  std::string list() {
+    Texts shown = keys();
+    if (const int row = outlets().tableKeys.selectedRow(); row >= 0) shown.at(static_cast<std::size_t>(row)) += '*';
+    return joined(shown, " ");
+  }
+
+private:
+  void take(const std::string& word, const std::string& rest) {
+    const std::string two = "*2\r\n$3\r\none\r\n$3\r\ntwo\r\n";
+    const std::string scanned = "*2\r\n$1\r\n0\r\n";
+    const std::map<std::string, std::string> values{
+        {"string", "$5\r\nvalue\r\n"},
+        {"list", two},
+        {"set", scanned + two},
+        {"hash", scanned + "*4\r\n$1\r\nf\r\n$1\r\nv\r\n$1\r\ng\r\n$1\r\nw\r\n"},
+        {"zset", "*4\r\n$1\r\nm\r\n$3\r\ninf\r\n$1\r\nn\r\n$5\r\n1e+20\r\n"},
+        {"none", ""}};
+    if (word == "hold") peer.hold(rest, values.at(rest));
+    if (word == "reply") peer.reply(rest.substr(0, rest.find(' ')), rest.substr(rest.find(' ') + 1) + "\r\n");
+    if (word == "allow") peer.allow();
+    if (word == "key" || word == "open") selectKey(rest);
+    if (word == "open") peer.sent();
+    if (word == "db") tab->selectDatabase(std::stoi(rest));
+    if (word == "search") search(rest);
+    if (word == "whole") outlets().chkExactly.setState(rest == "on");
+    if (word == "name") typeInto(outlets().txtKey, rest);
+    if (word == "ttl") typeInto(outlets().txtTTL, rest);
+    if (word == "new") tab->newKeyTypeChosen(rest);
+    if (word == "answer") alerts.answerNext(std::stoi(rest));
+    if (word == "behind") alerts.whileNextIsUp([this, rest] { run(rest, ","); });
+    if (word == "save") click(outlets().btnSave);
+    if (word == "delete") click(outlets().btnDelete);
+    if (word == "connect") {
+      peer.allow();
+      server->closeConnection();
+      ASSERT_TRUE(server->connectToServer().ok);
+    }
+    waitUntilIdle();
+  }
+};
+
+TEST_F(RequestsTest, FollowEachOtherAsTheyShouldAndLeaveTheFormAsItShouldBe) {
+  // Every save under another name asks, every delete too.
+  const std::string moves = "!Are you sure to Move old key 'b' to key 'new'?";
+  const std::string deletes = "!Are you sure to Delete the kev-value with key:'b'?";
+  // clang-format off
+  // Steps; what is sent, and the alerts; the form and the keys then.
+  const std::vector<std::array<std::string, 4>> cases{
+      // Saves.
+      {"hold string; open b; save; ttl 60; save", "persist b|set b value|set b value EX 60|!Saved.|!Saved.", "Type: String b 60Second(s) Key Size: 1byte(s) Data Size: 5byte(s)", "a b* c"},
+      {"hold list; open b; save; ttl 60; save", "del b|rpush b one two|del b|rpush b one two|expire b 60|!Saved.|!Saved.", "Type: List b 60Second(s) Key Size: 1byte(s) Data Size: 6byte(s) one|two", "a b* c"},
+      {"hold set; open b; save; ttl 60; save", "del b|sadd b one two|del b|sadd b one two|expire b 60|!Saved.|!Saved.", "Type: Set b 60Second(s) Key Size: 1byte(s) Data Size: 6byte(s) one|two", "a b* c"},
+      {"hold hash; open b; save; ttl 60; save", "del b|hmset b f v g w|del b|hmset b f v g w|expire b 60|!Saved.|!Saved.", "Type: Hash b 60Second(s) Key Size: 1byte(s) Data Size: 4byte(s) v|w", "a b* c"},
+      {"hold zset; open b; save; ttl 60; save", "del b|zadd b inf m 1e+20 n|del b|zadd b inf m 1e+20 n|expire b 60|!Saved.|!Saved.", "Type: SortedSet b 60Second(s) Key Size: 1byte(s) Data Size: 10byte(s) m|n", "a b* c"},
+      // Moves and deletes, which keep what is still there.
+      {"hold list; open b; db 3; reply select -ERR no; delete", "select 3|" + deletes + "|!ERR no", "Type: List b -1(Persist) Key Size: 1byte(s) Data Size: 6byte(s) Data Count:2 one|two", "a b* c"},
+      {"hold list; open b; reply del -ERR no; delete; name new; save", "del b|del b|" + deletes + "|!ERR no|" + moves + "|!ERR no", "Type: List new -1(Persist) Key Size: 1byte(s) Data Size: 6byte(s) Data Count:2 one|two", "a b* c"},
+      {"hold list; open b; reply rpush -ERR no; name new; save", "del b|del new|rpush new one two|" + moves + "|!ERR no", "Type: List new -1(Persist) Key Size: 1byte(s) Data Size: 6byte(s) Data Count:2 one|two", "a c*"},
+      // Behind a question another value comes, which is not what is written; it stays where a key goes, and is saved.
+      {"hold list; open b; name new; behind hold hash,open c,db 3; save", "del b|del new|rpush new one two|" + moves + "|!Saved.", "Type: List c -1(Persist) Key Size: 3byte(s) Data Size: 6byte(s) v|w", "a b c*"},
+      {"hold hash; open b; behind open c; delete; delete", "del b|" + deletes, "Type:   (Persist) Key Size: 0byte(s) Data Size: 0byte(s)", "a c"},
+      {"hold hash; open b; behind open c; delete; ttl -1; name again; answer 1001; save", "del b|del again|hmset again f v g w|type again|ttl again|hscan again 0 COUNT 1000|" + deletes + "|!Are you sure to Move old key 'c' to key 'again'?|!Saved.", "Type: Hash again -1(Persist) Key Size: 5byte(s) Data Size: 4byte(s) Data Count:2 v|w", "a again* c"},
+      // Loads.
+      {"hold string; db 2; search; search; key b; db 3; reply select -ERR no; key a", "select 2|scan 0 MATCH * COUNT 1000|scan 0 MATCH * COUNT 1000|type b|ttl b|get b|select 3|!ERR no", "Type:   Key Size: Data Size:", "a* b c"},
+      {"whole on; search; search \\B!; whole off", "!Can not decode base64 part of the Search Key '\\B!'", "Type: String a -1(Persist) Key Size: 1byte(s) Data Size: 5byte(s)", ""},
+      {"hold hash; reply ttl :-2; key b", "type b|ttl b|hscan b 0 COUNT 1000", "Type: Hash b -2(Deleted) Key Size: 1byte(s) Data Size: 4byte(s) Data Count:2 v|w", "a b* c"},
+      {"hold hash; reply ttl -ERR no; key b", "type b|ttl b|!ERR no", "Type:  (DisConnected) Key Size: Data Size:", "a b* c"},
+      {"hold hash; reply type -ERR no; key b", "type b|!ERR no", "Type:  (DisConnected) Key Size: Data Size:", "a b* c"},
+      {"hold string; reply get -ERR no; key b", "type b|ttl b|get b|!ERR no", "Type: String b -1(Persist) Key Size: 1byte(s) Data Size: ", "a b* c"},
+      {"hold zset; reply zrange *4\r\n$1\r\na\r\n$1\r\n1\r\n$1\r\nb\r\n$1\r\n\xFF; key b", "type b|ttl b|zrange b 0 -1 withscores|!The return of 'zrange' is not correct(2199)", "Type: SortedSet b -1(Persist) Key Size: 1byte(s) Data Size: ", "a b* c"},
+      {"hold none; key b", "type b|!No Data found on the Server for the key 'b'.", "Type:none (Unsupported Type)   Key Size: Data Size:", "a b* c"}};
+  // clang-format on
+  openKeys();
+  for (const auto& [script, log, shown, list] : cases) {
+    SCOPED_TRACE(script);
+    run("allow; db 0; search; open a");
+    EXPECT_EQ(run(script), log);
+    EXPECT_EQ(form(), shown);
+    EXPECT_EQ(this->list(), list);
+  }
+}
+
+// Refused, or cut off with the connection, on which a new one goes on where the tab is.
+TEST_F(RequestsTest, OfASaveEndWithTheFirstThatFailsAndTheFormStaysToBeSavedAgain) {
+  openKeys();
+  run("hold hash; open b; save; ttl 60; save");
+  const std::string shown = form();
+  const Texts all{"select 1", "del b", "hmset b f v g w", "expire b 60"};
+  for (const std::string& step : all) {
+    for (const char* reply : {"-ERR refused\r\n", ""}) {
+      SCOPED_TRACE(step + reply);
+      run("connect; db 1");
+      peer.reply(step.substr(0, step.find(' ')), reply);
+      const std::string log = run("save");
+      EXPECT_TRUE(*reply == '\0' || log.ends_with(step + "|!ERR refused"));
+      EXPECT_EQ(std::ranges::count(log, '!'), 1) << log;
+      EXPECT_EQ(form(), shown);
+      EXPECT_EQ(run("connect; db 1; save; save"), joined(all) + "|del b|hmset b f v g w|expire b 60|!Saved.|!Saved.");
+    }
+  }
+}
+
+TEST_F(RequestsTest, OfASaveAreNoneWhileSomethingIsMissing) {
+  const std::string noTtl = "Please Enter the TTL.";
+  const std::string badTtl = "TTL must be -1 or >0. -1 is eternal, >0 is the specified expire time in seconds.";
+  openKeys();
+  EXPECT_EQ(run("save"), "!To Create a Key-Value Data, you need click 'New' and Choose A Value Type First.");
+  run("new String");
+  EXPECT_EQ(form(), "Type: String (New)  -1(Persist) Key Size: Data Size:");
+  outlets().txtTTL.setStringValue("");
+  EXPECT_EQ(run("save"), "!Please Enter the Key.");
+  run("name k");
+  for (const std::string ttl : {"", "-", "0", "-0", "-2", "1.5", "x", "9223372036854775808"}) {
+    outlets().txtTTL.setStringValue(ttl);
+    EXPECT_EQ(run("save"), "!" + (ttl.empty() || ttl == "-" ? noTtl : badTtl)) << ttl;
+  }
+  EXPECT_EQ(run("ttl 9223372036854775807; save"), "set k  EX 9223372036854775807|type k|ttl k|get k|!Saved.");
+  EXPECT_EQ(list(), "k* a b c");
+}
+
+}  // namespace
+}  // namespace tarn::test
