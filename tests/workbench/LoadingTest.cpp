@@ -24,7 +24,7 @@ TEST_F(LoadStages, ListNoKeysOfADatabaseThatWasLeft) {
   std::unique_lock hold(peer.scans);
   tab->search();
   ASSERT_TRUE(waitUntil([&] { return peer.sent().size() == 1; }));
-  peer.refuse("select");
+  peer.reply("select", "-ERR no\r\n");
   choose(outlets().popDatabase, "db1");
   hold.unlock();
   waitUntilIdle();

@@ -32,7 +32,6 @@ public:
     const std::lock_guard lock(mutex_);
     special_[command] = reply;
   }
-  void refuse(const std::string& command) { reply(command, "-ERR refused\r\n"); }
   void allow() {
     const std::lock_guard lock(mutex_);
     special_.clear();

@@ -96,6 +96,7 @@ TEST_F(RequestsTest, FollowEachOtherAsTheyShouldAndLeaveTheFormAsItShouldBe) {
       {"hold list; open b; reply rpush -ERR no; name new; save", "del b|del new|rpush new one two|" + moves + "|!ERR no", "Type: List new -1(Persist) Key Size: 1byte(s) Data Size: 6byte(s) Data Count:2 one|two", "a c*"},
       // Behind a question another value comes, which is not what is written; it stays where a key goes, and is saved.
       {"hold list; open b; name new; behind hold hash,open c,db 3; save", "del b|del new|rpush new one two|" + moves + "|!Saved.", "Type: List c -1(Persist) Key Size: 3byte(s) Data Size: 6byte(s) v|w", "a b c*"},
+      {"hold hash; open b; delete; ttl -1; name b; save", "del b|del b|hmset b f v g w|type b|ttl b|hscan b 0 COUNT 1000|" + deletes + "|!Saved.", "Type: Hash b -1(Persist) Key Size: 1byte(s) Data Size: 4byte(s) Data Count:2 v|w", "a c b*"},
       {"hold hash; open b; behind open c; delete; delete", "del b|" + deletes, "Type:   (Persist) Key Size: 0byte(s) Data Size: 0byte(s)", "a c"},
       {"hold hash; open b; behind open c; delete; ttl -1; name again; answer 1001; save", "del b|del again|hmset again f v g w|type again|ttl again|hscan again 0 COUNT 1000|" + deletes + "|!Are you sure to Move old key 'c' to key 'again'?|!Saved.", "Type: Hash again -1(Persist) Key Size: 5byte(s) Data Size: 4byte(s) Data Count:2 v|w", "a again* c"},
       // Loads.
