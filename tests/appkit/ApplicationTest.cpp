@@ -1,27 +1,15 @@
 #include "platform/appkit/MenuBuilding.h"
-#include "platform/appkit/NSApplication.h"
-#include "platform/appkit/NSMenu.h"
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSOperationQueue.h"
 #include "platform/foundation/NSTimer.h"
-#include "tests/appkit/Keys.h"
+#include "tests/appkit/Steps.h"
 
-#include <QApplication>
 #include <QComboBox>
-#include <QEventLoop>
-#include <QKeyEvent>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QScrollBar>
-#include <QTest>
 #include <QTimer>
-#include <QVBoxLayout>
-#include <gtest/gtest.h>
 
-#include <functional>
-#include <string>
 #include <thread>
-#include <vector>
 
 namespace tarn::test {
 namespace {
@@ -30,90 +18,60 @@ void post(std::function<void()> block) {
   NSOperationQueue::mainQueue().addOperationWithBlock(std::move(block));
 }
 
-int runAlert(const std::string& message, const std::vector<std::string>& buttons = {}) {
+int runAlert(const std::string& message, const std::vector<std::string>& buttons = {}, const std::string& more = {}) {
   NSAlert alert;
   alert.setMessageText(message);
+  alert.setInformativeText(more);
   for (const std::string& title : buttons)
     alert.addButtonWithTitle(title);
   return alert.runModal();
 }
 
-// Shows an alert, does something while it is up, and answers it by Return.
-void duringAlert(const std::function<void(QWidget& panel)>& action, const std::string& message = "Wait") {
-  whenModal([&](QWidget& panel) {
-    action(panel);
-    press(Qt::Key_Return);
-  });
-  EXPECT_EQ(runAlert(message), 1000);
-}
-
-// Does something at each event of one kind.
-class Overriding final : public QPushButton {
-public:
-  Overriding(QWidget* parent, QEvent::Type type, std::function<void(QEvent&)> act)
-      : QPushButton(parent), type_(type), act_(std::move(act)) {}
-
+class Application : public Steps {
 protected:
-  bool event(QEvent* event) override {
-    const bool handled = event->type() == type_ || QPushButton::event(event);
-    if (event->type() == type_) act_(*event);
-    return handled;
+  Application() {
+    box.addItems({"a", "b"});
+    show(button);
+    window.layout()->addWidget(&box);
   }
 
-private:
-  QEvent::Type type_;
-  std::function<void(QEvent&)> act_;
-};
-
-class Application : public testing::Test {
-protected:
-  Application() : layout(&window) {
-    layout.addWidget(&button);
-    layout.addWidget(&other);
-    menu.addItem("Item", [] {});
-    button.setFocusPolicy(Qt::StrongFocus);
-    show(window, {300, 200});
+  void openMenu() {
+    popUpMenu(menu, window, window.mapToGlobal(QPoint(5, 5)));
+    ASSERT_NE(openPopUp(), nullptr);
+  }
+  // Shows an alert, does something while it is up, and answers it by Return.
+  static void duringAlert(const std::function<void()>& action) {
+    whenModal([&](QWidget&) { action(), press(Qt::Key_Return); });
+    EXPECT_EQ(runAlert("Wait"), 1000);
   }
 
-  void openMenu() { popUpMenu(menu, window, window.mapToGlobal(QPoint(5, 5))); }
-
-  Log steps;
   NSMenu menu{"Menu"};
-  QWidget window;
-  QVBoxLayout layout;
   QPushButton button{"One"};
-  QPushButton other{"Two"};
+  QComboBox box;
 };
 
-TEST_F(Application, RunsPostedBlocksBeforeTheNextInputEvent) {
-  QObject::connect(&button, &QPushButton::clicked, [&] { steps.add("click"); });
+TEST_F(Application, RunsPostedBlocksBeforeTheNextInputEventAndNoneWhenItIsPassedOn) {
+  QObject::connect(&button, &QPushButton::pressed, [&] {
+    post([&] { log.add("block"); });
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_A, {}, "a");
+    QApplication::sendEvent(other, &key);
+    log.add("pressed");
+  });
   for (const auto& input : std::initializer_list<std::function<void()>>{
-           [&] { QTest::mouseClick(&button, Qt::LeftButton); }, [&] { QTest::keyClick(&button, Qt::Key_Space); }}) {
-    post([&] {
-      steps.add("first");
-      post([&] { steps.add("posted by the first"); });
-    });
+           [&] { QTest::mousePress(&button, Qt::LeftButton); }, [&] { QTest::keyPress(&button, Qt::Key_Space); }}) {
+    post([&] { log.add("first"), post([&] { log.add("posted by the first"); }); });
     input();
-    EXPECT_EQ(steps.take(), "first, posted by the first, click");
+    EXPECT_EQ(log.take(), "first, posted by the first, pressed");
+    settle();
+    EXPECT_EQ(log.take(), "block");
+    button.setDown(false);
   }
-}
-
-TEST_F(Application, DropsAnInputEventWhoseReceiverABlockTookAway) {
+  EXPECT_EQ(other->text(), "aa");
+  // One whose receiver a block took away comes to nothing.
   auto* gone = new QPushButton("Gone", &window);
   gone->show();
   post([&] { delete gone; });
   QTest::mousePress(gone, Qt::LeftButton, {}, QPoint(1, 1));
-}
-
-TEST_F(Application, RunsNoBlockInPlaceWhenAReceiverPassesAnInputEventOn) {
-  Overriding passing(nullptr, QEvent::KeyPress, [&](QEvent& event) {
-    post([&] { steps.add("block"); });
-    QApplication::sendEvent(&other, &event);
-    steps.add("passed on");
-  });
-  QTest::keyClick(&passing, Qt::Key_A);
-  settle();
-  EXPECT_EQ(steps.take(), "passed on, block");
 }
 
 TEST_F(Application, WakesForABlockOfAnotherThread) {
@@ -124,122 +82,98 @@ TEST_F(Application, WakesForABlockOfAnotherThread) {
 }
 
 TEST_F(Application, RunsBlocksBehindAnAlertUnlessABlockShowsIt) {
-  post([&] {
-    duringAlert([&](QWidget&) {
-      settle();
-      steps.add("alert is up");
-    });
-    steps.add("first ended");
-  });
-  post([&] { steps.add("second"); });
+  post([&] { duringAlert([&] { settle(), log.add("alert is up"); }), log.add("first ended"); });
+  post([&] { log.add("second"); });
   settle();
-  EXPECT_EQ(steps.take(), "alert is up, first ended, second");
-
-  QObject::connect(&button, &QPushButton::clicked, [&] {
-    duringAlert([&](QWidget&) {
-      post([&] { steps.add("block"); });
-      settle();
-    });
-    steps.add("answered");
-  });
-  click(button);
-  EXPECT_EQ(steps.take(), "block, answered");
+  EXPECT_EQ(log.take(), "alert is up, first ended, second");
+  duringAlert([&] { post([&] { log.add("block"); }), settle(), log.add("alert is up"); });
+  EXPECT_EQ(log.take(), "block, alert is up");
 }
 
 TEST_F(Application, FiresTimersInTheEventLoopButNotUnderAnAlertAMenuOrAnOpenList) {
   int fired = 0;
+  int toolkitFired = 0;
+  QTimer toolkits;
+  QObject::connect(&toolkits, &QTimer::timeout, [&] { ++toolkitFired; });
+  toolkits.start(20);
   const auto timer = NSTimer::scheduledTimerWithTimeInterval(0.02, true, [&] { ++fired; });
-  const auto fires = [&] { return waitUntil([&, before = fired] { return fired > before; }); };
-  // The toolkit's own timers go on: as many of their steps would have let ours
-  // fire.
-  const auto holds = [&] {
-    const int before = fired;
-    int steps = 0;
-    QTimer toolkits;
-    QObject::connect(&toolkits, &QTimer::timeout, [&] { ++steps; });
-    toolkits.start(20);
-    return waitUntil([&] { return steps == 4; }) && fired == before;
+  const auto passes = [](const int& count, int steps) {
+    return waitUntil([&, end = count + steps] { return count >= end; });
   };
-  ASSERT_TRUE(fires());
-  duringAlert([&](QWidget&) { EXPECT_TRUE(holds()); });
-  EXPECT_TRUE(fires());
-
-  QComboBox box(&window);
-  box.addItems({"a", "b"});
-  box.show();
+  // In the time of several of their own log.
+  const auto expectHeld = [&] {
+    const int before = fired;
+    EXPECT_TRUE(passes(toolkitFired, 4));
+    EXPECT_EQ(fired, before);
+  };
+  EXPECT_TRUE(passes(fired, 1));
+  duringAlert(expectHeld);
   for (const auto& open : std::initializer_list<std::function<void()>>{[&] { openMenu(); }, [&] { click(box); }}) {
+    EXPECT_TRUE(passes(fired, 1));
     open();
-    ASSERT_NE(openPopUp(), nullptr);
-    EXPECT_TRUE(holds());
+    expectHeld();
     press(Qt::Key_Escape);
-    EXPECT_TRUE(fires());
   }
+  EXPECT_TRUE(passes(fired, 1));
   timer->invalidate();
 }
 
-using Alert = Application;
-
-TEST_F(Alert, AnswersByReturnAndEscape) {
-  struct Case {
-    Qt::Key key;
-    std::vector<std::string> buttons;
-    int answer;  // 0: the alert stays
-  };
-  // clang-format off
-  for (const auto& [key, buttons, answer] : {
-           Case{Qt::Key_Return, {}, 1000}, {Qt::Key_Escape, {}, 1000}, {Qt::Key_Return, {"Replace", "Cancel"}, 1000},
-           {Qt::Key_Escape, {"Replace", "Cancel"}, 1001}, {Qt::Key_Escape, {"Cancel", "Replace"}, 1000},
-           {Qt::Key_Escape, {"Yes", "No"}, 0}}) {
-    // clang-format on
+TEST_F(Application, AnAlertAnswersByReturnAndEscape) {
+  const auto answer = [](Qt::Key key, const std::vector<std::string>& buttons) {
     bool stayed = false;
-    whenModal([&, pressed = key](QWidget& panel) {
-      press(pressed);
+    whenModal([&](QWidget& panel) {
+      press(key);
       stayed = panel.isVisible();
       if (stayed) press(Qt::Key_Return);
     });
     const int given = runAlert("Question", buttons);
-    EXPECT_EQ(stayed ? 0 : given, answer) << key << " " << buttons.size();
+    return stayed ? 0 : given;
+  };
+  EXPECT_EQ(answer(Qt::Key_Return, {}), 1000);
+  EXPECT_EQ(answer(Qt::Key_Escape, {}), 1000);
+  EXPECT_EQ(answer(Qt::Key_Return, {"Replace", "Cancel"}), 1000);
+  EXPECT_EQ(answer(Qt::Key_Escape, {"Replace", "Cancel"}), 1001);
+  EXPECT_EQ(answer(Qt::Key_Escape, {"Cancel", "Replace"}), 1000);
+  EXPECT_EQ(answer(Qt::Key_Escape, {"Yes", "No"}), 0);
+}
+
+TEST_F(Application, AnAlertShowsTextsAsTheyAreSideBySideOnTheScreen) {
+  for (const bool isLong : {true, false}) {
+    whenModal([&](QWidget& panel) {
+      const auto* shown = panel.findChild<QPlainTextEdit*>();
+      EXPECT_TRUE(shown->toPlainText().startsWith("<b>key</b> & <img src=x>\n"));
+      EXPECT_EQ(shown->verticalScrollBar()->maximum() > 0, isLong);
+      EXPECT_TRUE(panel.height() < 560 && panel.width() < 900);
+      const auto parts = panel.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
+      EXPECT_EQ(parts.size(), 5);
+      for (const QWidget* part : parts) {
+        EXPECT_TRUE(panel.rect().contains(part->geometry()));
+        for (const QWidget* other : parts)
+          EXPECT_TRUE(part == other || !part->geometry().intersects(other->geometry()));
+      }
+      press(Qt::Key_Return);
+    });
+    const auto length =
+        isLong ? std::string(30'000, 'w') : QString("One more sentence to read. ").repeated(12).toStdString();
+    runAlert("<b>key</b> & <img src=x>\n" + length, {"Yes", "No"}, "More");
   }
 }
 
-TEST_F(Alert, ShowsAUsersTextAsItIsAndStaysOnTheScreen) {
-  duringAlert(
-      [](QWidget& panel) {
-        const auto* shown = panel.findChild<QPlainTextEdit*>();
-        EXPECT_TRUE(shown->toPlainText().startsWith(QString::fromUtf8("<b>key</b> & <img src=x>\nwww")));
-        EXPECT_LT(panel.height(), 560);
-        EXPECT_LT(panel.width(), 900);
-      },
-      "<b>key</b> & <img src=x>\n" + std::string(30'000, 'w'));
-
-  duringAlert([](QWidget& panel) { EXPECT_EQ(panel.findChild<QPlainTextEdit*>()->verticalScrollBar()->maximum(), 0); },
-              QStringLiteral("There is one more sentence to read here. ").repeated(12).toStdString());
-}
-
-TEST_F(Alert, ClosesAnOpenMenuFirst) {
+TEST_F(Application, AnAlertClosesAnOpenMenuAndWaitsForTheEndOfAChangeOfFocus) {
   openMenu();
-  ASSERT_NE(openPopUp(), nullptr);
-  duringAlert([](QWidget&) { EXPECT_EQ(openPopUp(), nullptr); });
-}
-
-TEST_F(Alert, RaisedInAChangeOfFocusShowsWhenTheChangeHasEnded) {
-  Overriding raising(&window, QEvent::FocusOut, [&](QEvent& event) {
-    if (static_cast<QFocusEvent&>(event).reason() == Qt::ActiveWindowFocusReason) return;
-    if (runAlert("Field") == 1000) steps.add("answered at once");
+  duringAlert([] { EXPECT_EQ(openPopUp(), nullptr); });
+  QObject::connect(other, &QLineEdit::editingFinished, [&] {
+    if (runAlert("Field") == 1000) log.add("answered at once");
   });
-  raising.show();
-  raising.setFocus();
+  button.setFocusPolicy(Qt::StrongFocus);
+  test::show(window);
+  type("x");
+  whenModal([&](QWidget&) { log.add("shown"), press(Qt::Key_Return); });
+  button.setFocus();
+  log.add("the code goes on");
+  EXPECT_EQ(log.take(), "answered at once, shown, the code goes on");
   settle();
-
-  whenModal([&](QWidget&) {
-    steps.add("shown");
-    press(Qt::Key_Return);
-  });
-  other.setFocus();
-  steps.add("the code goes on");
-  EXPECT_EQ(steps.take(), "answered at once, shown, the code goes on");
-  settle();
-  EXPECT_TRUE(other.hasFocus());
+  EXPECT_TRUE(button.hasFocus());
 }
 
 }  // namespace

@@ -1,257 +1,174 @@
-#include "platform/appkit/NSMenu.h"
 #include "platform/appkit/NSOutlineView.h"
 #include "platform/appkit/outline/OutlineViewWidget.h"
-#include "tests/appkit/Keys.h"
+#include "tests/appkit/Steps.h"
 
 #include <QAccessible>
-#include <QMenu>
-#include <QTest>
-#include <QVBoxLayout>
-#include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
+#include <cctype>
 
 namespace tarn::test {
 namespace {
 
 struct Item final : NSObject {
-  Item(std::string itemName, int itemLevel) : name(std::move(itemName)), level(itemLevel) {}
-  std::string name;
-  int level;  // 0 the root, 1 a server, 2 a database
-  std::vector<std::shared_ptr<Item>> children;
+  explicit Item(char itemName) : name(itemName) {}
+  char name;
 };
 
-// A root with the servers "a" (databases "0" and "1") and "b"; the root is
-// expanded.
-class Outline : public testing::Test, protected NSOutlineViewDataSource, protected NSOutlineViewDelegate {
+// The root "R", expanded, has the servers "a" (with the databases "0" and "1") and "b"; `log` has what it asks.
+class Outline : public RowSteps<NSOutlineView, OutlineViewWidget>,
+                protected NSOutlineViewDataSource,
+                protected NSOutlineViewDelegate {
 protected:
   Outline() {
-    (new QVBoxLayout(&window))->addWidget(widget);
-    outline.setDataSource(this);
-    outline.setDelegate(this);
-    outline.reloadData();
-    show(window, {260, 320});
-    a = add(root, "a");
-    b = add(root, "b");
-    add(a, "0");
-    add(a, "1");
-    outline.reloadData();
-    outline.expandItem(root);
+    view.setDataSource(this);
+    view.setDelegate(this);
+    view.reloadData();
+    show(*widget);
+    view.expandItem(item("R"));
     settle();
+    verbs["tree"] = [this](auto& tree) { trees[tree[0]] = tree.substr(2); };
+    verbs["name"] = [this](auto& names) { texts[names[0]] = names.substr(2); };
+    verbs["reload"] = [this](auto& name) { view.reloadItem(name.empty() ? nullptr : item(name), true); };
+    verbs["refresh"] = [this](auto& name) { view.reloadItem(item(name)); };
+    verbs["expand"] = [this](auto& name) { view.expandItem(item(name)); };
+    verbs["collapse"] = [this](auto& name) { view.collapseItem(item(name)); };
+    verbs["row"] = [this](auto& name) { log.add(std::to_string(view.rowForItem(item(name)))); };
+    verbs["select"] = [this](auto&) { view.selectRowIndexes({2, 3, 4, 99}); };
+    verbs["allow"] = [this](auto& all) { allows = !all.empty(); };
   }
 
-  static std::shared_ptr<Item> add(const std::shared_ptr<Item>& parent, const std::string& name) {
-    return parent->children.emplace_back(std::make_shared<Item>(name, parent->level + 1));
+  NSItem item(const std::string& name) {
+    return items.try_emplace(name.back(), std::make_shared<Item>(name.back())).first->second;
   }
-  static Item& known(const NSItem& item) { return static_cast<Item&>(*item); }
+  static char name(const NSItem& item) { return item ? static_cast<Item&>(*item).name : 0; }
+  static bool isDatabase(const NSItem& item) { return std::isdigit(name(item)); }
   int numberOfChildrenOfItem(const NSItem& item) override {
     ++questions;
-    return item ? static_cast<int>(known(item).children.size()) : 1;
+    return static_cast<int>(trees[name(item)].size());
   }
-  NSItem childOfItem(int index, const NSItem& item) override {
-    return item ? known(item).children[static_cast<std::size_t>(index)] : root;
+  NSItem childOfItem(int index, const NSItem& parent) override {
+    return item({trees[name(parent)][static_cast<std::size_t>(index)]});
   }
-  bool isItemExpandable(const NSItem& item) override { return known(item).level < 2; }
+  bool isItemExpandable(const NSItem& item) override { return !isDatabase(item); }
   NSOutlineCell viewForItem(const NSItem& item) override {
-    return {NSImage(), known(item).name, known(item).name + "&"};
+    const std::string text = texts.try_emplace(name(item), 1, name(item)).first->second;
+    return {NSImage(), text, text + "&"};
   }
-  bool shouldShowOutlineCellForItem(const NSItem& item) override { return known(item).level == 1; }
+  bool shouldShowOutlineCellForItem(const NSItem& item) override { return !isDatabase(item) && name(item) != 'R'; }
   bool shouldExpandItem(const NSItem& item) override { return answer("expand ", item); }
   bool shouldSelectItem(const NSItem& item) override { return answer("select ", item); }
-  bool answer(const char* question, const NSItem& item) {
-    log.add(question + known(item).name);
+  bool answer(const std::string& question, const NSItem& item) {
+    log.add(question + name(item));
     if (whenAsked) whenAsked();
     return allows;
   }
 
-  QWidget& rows() { return *widget->viewport(); }
   QModelIndex index(const NSItem& item) const { return widget->items().indexOf(item); }
-  QPoint text(const NSItem& item) const { return widget->visualRect(index(item)).center(); }
-  QPoint triangle(const NSItem& item) const { return widget->triangleRect(index(item)).center(); }
-  void clickOn(const NSItem& item, Qt::KeyboardModifiers modifiers = {}) {
-    click(rows(), text(item), Qt::LeftButton, modifiers);
-  }
   // The rows from top to bottom, the selected ones in brackets.
-  std::string shown() const {
-    std::string names;
-    const std::vector<int> selected = outline.selectedRowIndexes();
-    for (int row = 0; row < outline.numberOfRows(); ++row) {
-      const std::string& name = known(outline.itemAtRow(row)).name;
-      names += std::find(selected.begin(), selected.end(), row) == selected.end() ? name : "[" + name + "]";
+  std::string shown() override {
+    std::string rows;
+    const std::vector<int> selected = view.selectedRowIndexes();
+    for (int row = 0; row < view.numberOfRows(); ++row) {
+      const NSItem item = view.itemAtRow(row);
+      const std::string text = index(item).data().toString().toStdString();
+      rows += std::count(selected.begin(), selected.end(), row) == 0 ? text : "[" + text + "]";
+      EXPECT_EQ(view.rowForItem(item), row);
+      EXPECT_EQ(widget->triangleRect(index(item)).isValid(), shouldShowOutlineCellForItem(item));
     }
-    return names;
+    return rows;
   }
+  // The text of an item, or behind a ">" its triangle.
+  QRect rect(const std::string& what) {
+    return what[0] == '>' ? widget->triangleRect(index(item(what))) : widget->visualRect(index(item(what)));
+  }
+  QPoint at(const std::string& what) override { return rect(what).center(); }
 
-  std::shared_ptr<Item> root = std::make_shared<Item>("R", 0);
-  std::shared_ptr<Item> a;
-  std::shared_ptr<Item> b;
-  Log log;
+  std::map<char, NSItem> items;
+  std::map<char, std::string> trees{{0, "R"}, {'R', "ab"}, {'a', "01"}};
+  std::map<char, std::string> texts;
   bool allows = true;
   std::function<void()> whenAsked;
   int questions = 0;
-  QWidget window;
-  OutlineViewWidget* widget = new OutlineViewWidget;
-  NSOutlineView outline{widget};
 };
 
 }  // namespace
 
-TEST_F(Outline, ExpandsAndCollapsesByCodeWithoutAsking) {
-  EXPECT_EQ(shown(), "Rab");
-  outline.expandItem(a);
-  EXPECT_EQ(shown(), "Ra01b");
-  EXPECT_EQ(outline.rowForItem(a->children[1]), 3);
-  outline.collapseItem(root);
-  EXPECT_EQ(shown(), "R");
-  EXPECT_EQ(outline.rowForItem(a->children[1]), -1);
-  outline.expandItem(root);
-  EXPECT_EQ(shown(), "Ra01b");
-  outline.expandItem(a->children[0]);
-  outline.expandItem(std::make_shared<Item>("stranger", 1));
-  EXPECT_EQ(shown(), "Ra01b");
-  // Collapsing drops the selected children only.
-  outline.selectRowIndexes({2, 3, 4, 99});
-  EXPECT_EQ(shown(), "Ra[0][1][b]");
-  outline.collapseItem(a);
-  EXPECT_EQ(shown(), "Ra[b]");
-  EXPECT_EQ(log.take(), "");
-}
-
-// One step after the other: what is asked about, and what shows then.
-TEST_F(Outline, AsksAboutWhatTheUserDoes) {
-  struct Step {
-    std::function<void()> act;
-    std::string asked;
-    std::string rows;
-  };
-  const auto doubleClick = [&](const QPoint& at) { QTest::mouseDClick(&rows(), Qt::LeftButton, {}, at); };
-  const auto child = [&] { return a->children[0]; };
+TEST_F(Outline, ExpandsCollapsesAndReloadsByCodeWithoutAskingAndKeepsTheRestByItem) {
   // clang-format off
-  const std::vector<Step> steps{
-      {[&] { allows = false, click(rows(), triangle(a)); }, "expand a", "Rab"},
-      {[&] { clickOn(a); }, "select a", "Rab"},
-      {[&] { allows = true, click(rows(), triangle(a)); }, "expand a", "Ra01b"},
-      {[&] { click(rows(), triangle(a)); }, "", "Rab"},
-      {[&] { clickOn(a); }, "select a", "R[a]b"},
-      {[&] { clickOn(a); }, "select a", "R[a]b"},
-      {[&] { doubleClick(text(a)); }, "", "R[a]b"},
-      {[&] { doubleClick(triangle(a)); }, "expand a", "R[a]01b"},
-      {[&] { keys("Left"); }, "", "R[a]b"},
-      {[&] { keys("Right"); }, "expand a", "R[a]01b"},
-      {[&] { keys("Right"); }, "select 0", "Ra[0]1b"},
-      {[&] { keys("Left"); }, "select a", "R[a]01b"},
-      {[&] { keys("Down Down Up"); }, "select 0, select 1, select 0", "Ra[0]1b"},
-      {[&] { keys("End"); }, "select b", "Ra01[b]"},
-      {[&] { keys("Down"); }, "", "Ra01[b]"},
-      {[&] { keys("PgUp"); }, "select R", "[R]a01b"},
-      {[&] { keys("PgDown Home"); }, "select b, select R", "[R]a01b"},
-      {[&] { allows = false, keys("Down"), allows = true; }, "select a", "[R]a01b"},
-      {[&] { clickOn(a), clickOn(b, Qt::ControlModifier); }, "select a, select b", "R[a]01[b]"},
-      {[&] { clickOn(a, Qt::ControlModifier); }, "", "Ra01[b]"},
-      {[&] { clickOn(child(), Qt::ShiftModifier); }, "select 0", "Ra[0][1][b]"},
-      {[&] { keys("Shift+Down"); }, "select 1", "Ra0[1][b]"},
-      {[&] { clickOn(child()), outline.collapseItem(a); }, "select 0", "Rab"}};
+  run({{"expand a; expand 0; expand s", "", "Ra01b"},
+       {"collapse R; row 1; expand R", "-1", "Ra01b"},
+       {"select", "", "Ra[0][1][b]"},
+       {"tree R=zab; reload; row a", "2", "Rza[0][1][b]"},
+       {"name 0=x; refresh 0; tree R=baz; tree a=1", "", "Rza[x][1][b]"},
+       {"reload R", "", "R[b]a[1]z"},
+       {"tree R=az; tree a=10; reload", "", "Ra[1]xz"},
+       {"collapse a", "", "Raz"}});
   // clang-format on
-  for (std::size_t step = 0; step < steps.size(); ++step) {
-    steps[step].act();
-    settle();
-    EXPECT_EQ(log.take(), steps[step].asked) << step;
-    EXPECT_EQ(shown(), steps[step].rows) << step;
-  }
 }
 
-TEST_F(Outline, AServerWithoutChildrenHasATriangleAndStaysExpanded) {
-  EXPECT_FALSE(widget->triangleRect(index(root)).isValid());
-  click(rows(), triangle(b));
-  for (const std::string name : {"2", "7"}) {
-    EXPECT_TRUE(widget->items().isExpanded(b));
-    add(b, name);
-    outline.reloadItem(b, true);
-    settle();
-    EXPECT_EQ(shown(), "Rab" + name);
-    EXPECT_TRUE(widget->visualRect(index(b->children[0])).isValid());
-    b->children.clear();
-    outline.reloadItem(b, true);
-  }
-}
-
-TEST_F(Outline, ReloadKeepsSelectionAndExpansionByItem) {
-  outline.expandItem(a);
-  outline.selectRowIndexes({3, 4});
-  root->children.insert(root->children.begin(), std::make_shared<Item>("z", 1));
-  a->children[0]->name = "0(12)";
-  outline.reloadData();
-  EXPECT_EQ(shown(), "Rza0(12)[1][b]");
-  std::swap(root->children[0], root->children[2]);
-  outline.reloadItem(root, true);
-  EXPECT_EQ(shown(), "R[b]a0(12)[1]z");
-  settle();
-  EXPECT_EQ(widget->indexAt(text(a->children[1])), index(a->children[1]));
-  root->children.erase(root->children.begin());
-  outline.reloadData();
-  EXPECT_EQ(shown(), "Ra0(12)[1]z");
-  EXPECT_EQ(log.take(), "");
+TEST_F(Outline, AsksAboutWhatTheUserDoes) {
+  // clang-format off
+  run({{"allow; click >a", "expand a", "Rab"},
+       {"click a", "select a", "Rab"},
+       {"allow all; click >a", "expand a", "Ra01b"},
+       {"click >a", "", "Rab"},
+       {"click a", "select a", "R[a]b"},
+       {"click a", "select a", "R[a]b"},
+       {"again a", "", "R[a]b"},
+       {"again >a", "expand a", "R[a]01b"},
+       {"key Left", "", "R[a]b"},
+       {"key Right", "expand a", "R[a]01b"},
+       {"key Right", "select 0", "Ra[0]1b"},
+       {"key Left", "select a", "R[a]01b"},
+       {"key Down Down Up", "select 0, select 1, select 0", "Ra[0]1b"},
+       {"key End Down", "select b", "Ra01[b]"},
+       {"key PgUp PgDown", "select R, select b", "Ra01[b]"},
+       {"allow; key Up; allow all", "select 1", "Ra01[b]"},
+       {"click a; ctrl b", "select a, select b", "R[a]01[b]"},
+       {"ctrl a", "", "Ra01[b]"},
+       {"menu a; menu", "there, chosen, 32,119, chosen", "Ra01[b]"},
+       {"shift 0", "select 0", "Ra[0][1][b]"},
+       {"key Shift+Down", "select 1", "Ra0[1][b]"},
+       {"click 0; collapse a", "select 0", "Rab"},
+       {"click >b", "expand b", "Rab"},
+       {"tree b=2; reload b", "", "Rab2"},
+       {"tree b=; reload b", "", "Rab"},
+       {"tree b=7; reload b; click 7", "select 7", "Rab[7]"}});
+  // clang-format on
+  whenAsked = [&] { trees['R'].erase(0, 1), view.reloadData(); };
+  run({{"click a", "select a", "Rb[7]"}, {"click >b; click >b", "expand b", "R"}});
 }
 
 TEST_F(Outline, HoldsItsItemsAndAsksForNoChildrenWhilePainting) {
-  outline.expandItem(a);
-  const std::weak_ptr<Item> gone = a->children[1];
-  a->children.clear();
+  run({{"expand a; tree a=0", "", "Ra01b"}});
+  const std::weak_ptr<NSObject> gone = items['1'];
   questions = 0;
-  window.grab();
-  clickOn(outline.itemAtRow(3));
+  run({{"look; click 1", "new, select 1", "Ra0[1]b"}});
+  items.erase('1');
   EXPECT_EQ(questions, 0);
-  EXPECT_EQ(log.take(), "select 1");
-  ASSERT_FALSE(gone.expired());
-  outline.reloadItem(a, true);
-  settle();
+  EXPECT_FALSE(gone.expired());
+  run({{"reload a", "", "Ra0b"}});
   EXPECT_TRUE(gone.expired());
 }
 
-TEST_F(Outline, MayBeReloadedByTheDelegateThatItAsks) {
-  whenAsked = [&] {
-    root->children.erase(root->children.begin());
-    outline.reloadData();
-  };
-  clickOn(a);
-  EXPECT_EQ(shown(), "Rb");
-  click(rows(), triangle(b));
-  EXPECT_EQ(shown(), "R");
-}
-
-TEST_F(Outline, RightClickOpensTheMenuAndChangesNothing) {
-  auto menu = std::make_shared<NSMenu>("Favourites");
-  menu->addItem("New Connection", [this] { log.add("new"); });
-  outline.setMenu(menu);
-  outline.selectRowIndexes({1});
-  QTest::mousePress(&rows(), Qt::RightButton, {}, text(b));
-  QContextMenuEvent event(QContextMenuEvent::Mouse, text(b), rows().mapToGlobal(text(b)));
-  QApplication::sendEvent(&rows(), &event);
-  auto* opened = dynamic_cast<QMenu*>(openPopUp());
-  ASSERT_NE(opened, nullptr);
-  EXPECT_EQ(rows().mapFromGlobal(opened->pos()), text(b));
-  opened->actions().front()->trigger();
-  opened->close();
-  settle();
-  EXPECT_EQ(shown(), "R[a]b");
-  EXPECT_EQ(log.take(), "new");
-}
-
-TEST_F(Outline, RowsLieWhereTheyShouldAndSayTheirTextsToPointerAndScreenReader) {
-  outline.expandItem(a);
-  settle();
-  for (const auto& [item, left] : {std::pair{root, 0}, {a, 32}, {a->children[0], 48}}) {
-    EXPECT_EQ(widget->visualRect(index(item)).height(), 24);
-    EXPECT_EQ(widget->visualRect(index(item)).left(), left);
+TEST_F(Outline, PaintsAndSaysItsRowsWhereTheyLie) {
+  // A triangle, text or nothing, at the left of a row's text or where the triangle is.
+  const auto picture = [&](const QRect& part) { return area().grab({part.topLeft(), QSize(16, 24)}).toImage(); };
+  const QImage collapsed = picture(rect(">a"));
+  run({{"expand a", "", "Ra01b"}});
+  std::vector<QImage> pictures{collapsed, picture(rect(">a")), picture({0, 48, 16, 24})};
+  for (const auto& [name, place] : {std::pair{"R", QPoint(0, 0)}, {"a", QPoint(32, 24)}, {"0", QPoint(48, 48)}}) {
+    EXPECT_EQ(rect(name).topLeft(), place);
+    pictures.push_back(picture(rect(name)));
   }
-  EXPECT_TRUE(toolTipOf(rows(), text(b)).contains(QStringLiteral("b&amp;")));
-  EXPECT_EQ(toolTipOf(rows(), QPoint(30, 300)), QString());
-  QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(widget);
-  ASSERT_TRUE(interface && interface->tableInterface());
-  EXPECT_EQ(interface->role(), QAccessible::Tree);
-  EXPECT_EQ(interface->tableInterface()->rowCount(), 5);
-  EXPECT_EQ(interface->tableInterface()->cellAt(1, 0)->text(QAccessible::Name), "a");
+  for (const QImage& one : pictures)
+    EXPECT_EQ(std::count(pictures.begin(), pictures.end(), one), 1);
+  run({{"look; say Nothing; look", "new, same", "Ra01b"}, {"tree R=; reload; look; say; look", "new, new", "R"}});
+  EXPECT_TRUE(toolTipOf(area(), at("R")).contains(QStringLiteral("R&amp;")));
+  EXPECT_EQ(toolTipOf(area(), QPoint(30, area().height() - 2)), QString());
+  QAccessibleTableInterface* spoken = QAccessible::queryAccessibleInterface(widget)->tableInterface();
+  EXPECT_EQ(spoken->cellAt(0, 0)->text(QAccessible::Name), "R");
 }
 
 }  // namespace tarn::test
