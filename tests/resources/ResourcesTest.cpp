@@ -174,13 +174,8 @@ QImage drawn(const char* name, qreal scale = 1) {
 }
 
 // How light the strokes are, from 0 to 255.
-int lightestStroke(const QImage& image) {
-  int lightest = 0;
-  for (int pixel = 0; pixel < image.width() * image.height(); ++pixel) {
-    const QColor color = image.pixelColor(pixel % image.width(), pixel / image.width());
-    if (color.alpha() > 200) lightest = std::max(lightest, color.lightness());
-  }
-  return lightest;
+int strokeLightness() {
+  return drawn("db").scaled(1, 1, Qt::IgnoreAspectRatio, Qt::SmoothTransformation).pixelColor(0, 0).lightness();
 }
 
 TEST_F(Resources, TellEachStatusByItsShapeAndAreDrawnForTheScaleAndThePalette) {
@@ -191,12 +186,11 @@ TEST_F(Resources, TellEachStatusByItsShapeAndAreDrawnForTheScaleAndThePalette) {
     EXPECT_EQ(std::count(shapes.begin(), shapes.end(), shapes.back()), 1) << name;
   }
   const QImage sharp = drawn("server", 2);
-  EXPECT_EQ(sharp.width(), qRound(16 * sharp.devicePixelRatio()));
-  EXPECT_GE(sharp.width(), 32);
+  EXPECT_TRUE(sharp.width() >= 32 && sharp.width() == qRound(16 * sharp.devicePixelRatio()));
   EXPECT_NE(sharp, drawn("server").scaled(sharp.size()));
-  const int inLight = lightestStroke(drawn("db"));
+  const int inLight = strokeLightness();
   useDarkPalette(true);
-  EXPECT_GT(lightestStroke(drawn("db")), inLight + 100);
+  EXPECT_GT(strokeLightness(), inLight + 100);
   useDarkPalette(false);
 }
 
