@@ -10,7 +10,7 @@
 #include "platform/appkit/NSApplication.h"
 #include "shell/AppDelegate.h"
 #include "tests/support/RedisServer.h"
-#include "tests/support/TemporaryDataHome.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/support/widgets/Hand.h"
 #include "workbench/keys/KeyBrowser.h"
 

@@ -1,7 +1,7 @@
 #include "platform/appkit/AlertPanel.h"
 #include "platform/appkit/NSApplication.h"
 #include "tests/support/RedisServer.h"
-#include "tests/support/RespClient.h"
+#include "tests/support/RespPeer.h"
 #include "tests/support/program/Program.h"
 
 #include <QPixmap>

@@ -1,6 +1,6 @@
 #include "favourites/ServerItemModel.h"
 #include "platform/coredata/NSPersistentContainer.h"
-#include "tests/support/TemporaryDataHome.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

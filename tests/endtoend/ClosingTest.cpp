@@ -1,5 +1,5 @@
 #include "tests/support/RedisServer.h"
-#include "tests/support/RespClient.h"
+#include "tests/support/RespPeer.h"
 #include "tests/support/program/ProgramTest.h"
 
 #include <string>

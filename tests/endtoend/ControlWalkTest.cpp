@@ -2,7 +2,7 @@
 #include "platform/appkit/text/TextViewWidget.h"
 #include "platform/foundation/NSAlert.h"
 #include "tests/support/RedisServer.h"
-#include "tests/support/RespClient.h"
+#include "tests/support/RespPeer.h"
 #include "tests/support/program/ProgramTest.h"
 
 #include <QAccessible>

@@ -1,6 +1,6 @@
 #include "tests/support/LoopbackPort.h"
 #include "tests/support/RedisServer.h"
-#include "tests/support/RespClient.h"
+#include "tests/support/RespPeer.h"
 #include "tests/support/program/ProgramTest.h"
 
 #include <QAccessible>

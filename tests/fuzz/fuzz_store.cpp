@@ -4,7 +4,7 @@
 #include "favourites/ServerItemModel.h"
 #include "platform/coredata/NSPersistentContainer.h"
 #include "tests/fuzz/Fuzz.h"
-#include "tests/support/TemporaryDataHome.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <filesystem>
 #include <fstream>

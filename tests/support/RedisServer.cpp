@@ -1,6 +1,6 @@
 #include "tests/support/RedisServer.h"
 
-#include "tests/support/RespClient.h"
+#include "tests/support/RespPeer.h"
 
 #include <signal.h>
 #include <sys/prctl.h>
@@ -57,17 +57,8 @@ void RedisServer::freeze() {
 void RedisServer::start() {
   if (pid_ >= 0) return;
   const std::string log = (folder_.path() / "log").string();
-  std::vector<std::string> words = {"redis-server",
-                                    "--port",
-                                    std::to_string(port()),
-                                    "--bind",
-                                    "127.0.0.1",
-                                    "--save",
-                                    "",
-                                    "--logfile",
-                                    log,
-                                    "--dir",
-                                    folder_.path().string()};
+  std::vector<std::string> words = {"redis-server", "--bind", "127.0.0.1", "--save", "", "--logfile", log};
+  words.insert(words.end(), {"--port", std::to_string(port()), "--dir", folder_.path().string()});
   words.insert(words.end(), options_.begin(), options_.end());
   std::vector<char*> arguments;
   for (std::string& word : words)

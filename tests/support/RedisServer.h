@@ -17,8 +17,6 @@ class RedisServer final {
 public:
   // `options` are those of its command line, such as {"--requirepass", "secret", "--databases", "4"}.
   explicit RedisServer(std::vector<std::string> options = {});
-  RedisServer(const RedisServer&) = delete;
-  RedisServer& operator=(const RedisServer&) = delete;
   ~RedisServer() { kill(); }
 
   int port() const { return port_.number(); }

@@ -34,8 +34,6 @@ public:
     if (::listen(port_.descriptor(), SOMAXCONN) != 0) throw std::runtime_error("Can't listen on 127.0.0.1");
     acceptor_ = std::thread([this] { acceptAll(); });
   }
-  ScriptedServer(const ScriptedServer&) = delete;
-  ScriptedServer& operator=(const ScriptedServer&) = delete;
   ~ScriptedServer() {
     ::shutdown(port_.descriptor(), SHUT_RDWR);
     acceptor_.join();

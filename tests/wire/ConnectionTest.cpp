@@ -1,5 +1,5 @@
 #include "tests/support/LoopbackPort.h"
-#include "tests/support/RespClient.h"
+#include "tests/support/RespPeer.h"
 #include "tests/wire/WireTest.h"
 #include "wire/connection/Connection.h"
 

@@ -34,10 +34,8 @@ std::string followed(const Lines& lines) {
 }
 
 TEST(ServerSession, FollowsTheDatabaseAndWhatIsToCome) {
-  const std::pair<std::string, std::string> multi{"MULTI", "+OK"};
-  const std::pair<std::string, std::string> select2{"select 2", "+QUEUED"};
-  const std::pair<std::string, std::string> subscribe{"subscribe a", "+QUEUED"};
-  const std::pair<std::string, std::string> exec{"Exec", "*\n1)\tOK"};
+  const Lines::value_type multi{"MULTI", "+OK"}, select2{"select 2", "+QUEUED"}, subscribe{"subscribe a", "+QUEUED"},
+      exec{"Exec", "*\n1)\tOK"};
   // clang-format off
   const std::vector<std::pair<Lines, std::string>> cases{
       {{{"SELECT 3", "+OK"}, {"select 4", "-ERR"}, {"select", "+OK"}, {"get k", "+OK"}, {"reset", "+RESET"}}, "3 3 3 3 0"},

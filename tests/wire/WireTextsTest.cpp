@@ -1,6 +1,5 @@
 // The texts that are read and made without a connection.
 
-#include "wire/ConnectionStatus.h"
 #include "wire/Keyspace.h"
 #include "wire/cluster/NodeAddress.h"
 #include "wire/command/RequestEncoder.h"
@@ -43,13 +42,6 @@ TEST(Keyspace, ReadsTheCountsOfTheDatabases) {
     EXPECT_FALSE(databaseKeys(line)) << line;
   EXPECT_TRUE(keyspaceLines("# Keyspace\r\n").empty());
   EXPECT_TRUE(keyspaceLines("db0:keys=1,\r\n").empty());
-}
-
-TEST(ConnectionStatus, HasTheTextThatTheLabelShows) {
-  EXPECT_EQ(rawValue(ConnectionStatus::notConnected), "NotConnected");
-  EXPECT_EQ(rawValue(ConnectionStatus::connected), "Connected");
-  EXPECT_EQ(rawValue(ConnectionStatus::disConnected), "DisConnected");
-  EXPECT_EQ(rawValue(ConnectionStatus::connecting), "Connecting");
 }
 
 TEST(RequestEncoder, SendsTheMultiBulkForm) {

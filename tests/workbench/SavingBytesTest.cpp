@@ -2,7 +2,7 @@
 // and the toolkit.
 
 #include "tests/support/RedisServer.h"
-#include "tests/support/RespClient.h"
+#include "tests/support/RespPeer.h"
 #include "tests/workbench/TabFixture.h"
 
 #include <QTest>

@@ -4,7 +4,7 @@
 #include "shell/AppDelegate.h"
 #include "shell/MainWindowController.h"
 #include "tests/support/AlertRecorder.h"
-#include "tests/support/TemporaryDataHome.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/support/widgets/Hand.h"
 
 #include <QModelIndex>
