@@ -33,6 +33,12 @@ struct OperationTabViewController::Private {
   KeySaver saver{tab, browser, form, panes};
   KeyDeleter deleter{tab, browser, form, panes};
   ConsolePane console{tab};
+
+  void resizePanesLater() {
+    NSTimer::scheduledTimerWithTimeInterval(resizeDelay, false, [panes = &panes, poster = tab.queue.poster()] {
+      poster.post([panes] { panes->doResize(); });
+    });
+  }
 };
 
 OperationTabViewController::OperationTabViewController() : d_(std::make_shared<Private>()) {
@@ -60,7 +66,7 @@ OperationTabViewController::OperationTabViewController() : d_(std::make_shared<P
   outlets.popValueDataCharset.setAction([this] { changeValueDataCharset(); });
   outlets.chkTranslate.setAction([this] { translateSlash(); });
   d_->browser.setKeySelected([loader = &d_->loader](const Bytes& key, int row) { loader->selectKey(key, row); });
-  d_->loader.setRowsShown([this] { doResizeLater(); });
+  d_->loader.setRowsShown([d = d_.get()] { d->resizePanesLater(); });
   outlets.chkTranslate.setState(false);
 }
 
@@ -127,8 +133,10 @@ void OperationTabViewController::selectShownDatabaseAgain() {
   // The first database is there, and selected on a new connection, also where the server doesn't say how many it has.
   if (before > 0 && before >= static_cast<int>(server()->dbs()->size())) return startAnewOnFirstDatabase();
   if (before == server()->currentDbIdx()) return;
-  d_->tab.queue.addSelect(before, [this, before](bool selected) {
-    if (!selected && shownDatabase() == before) startAnewOnFirstDatabase();
+  // The parts of a tab may outlive it behind an alert of theirs.
+  d_->tab.queue.addSelect(before, [weak = weak_from_this(), before](bool selected) {
+    const auto self = weak.lock();
+    if (self && !selected && self->shownDatabase() == before) self->startAnewOnFirstDatabase();
   });
 }
 
@@ -146,8 +154,8 @@ void OperationTabViewController::showDatabase(int index) {
 
 void OperationTabViewController::switchDatabase(int index) {
   showDatabase(index);
-  d_->tab.queue.addSelect(index, [this](bool selected) {
-    if (selected) search();
+  d_->tab.queue.addSelect(index, [browser = &d_->browser](bool selected) {
+    if (selected) browser->search();
   });
 }
 
@@ -220,9 +228,7 @@ void OperationTabViewController::doResize() {
 }
 
 void OperationTabViewController::doResizeLater() {
-  NSTimer::scheduledTimerWithTimeInterval(resizeDelay, false, [panes = &d_->panes, tab = d_->tab.queue.poster()] {
-    tab.post([panes] { panes->doResize(); });
-  });
+  d_->resizePanesLater();
 }
 
 void OperationTabViewController::changeKeyDataCharset() {

@@ -11,7 +11,8 @@ namespace tarn {
 
 // The tab of one connection: owns the outlets, the state that the panes share, the start-up and the labels. Main queue
 // only. Background blocks hold its insides weakly: it may go at any time.
-class OperationTabViewController final : public NSViewController {
+class OperationTabViewController final : public NSViewController,
+                                         public std::enable_shared_from_this<OperationTabViewController> {
 public:
   OperationTabViewController();
   ~OperationTabViewController() override;

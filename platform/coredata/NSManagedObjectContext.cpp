@@ -6,6 +6,13 @@
 
 namespace tarn {
 
+namespace {
+
+// Named by us, since a table may call it by the name of its key. No attribute has this name.
+constexpr const char* rowNumber = "row number";
+
+}  // namespace
+
 const NSEntityDescription& NSManagedObjectContext::entityForName(std::string_view name) const {
   return *std::ranges::find_if(model_, [name](const auto& entity) { return entity.name == name; });
 }
@@ -17,12 +24,12 @@ std::shared_ptr<NSManagedObject> NSManagedObjectContext::insertNewObjectForEntit
 std::optional<NSManagedObjectContext::Objects> NSManagedObjectContext::executeFetchRequest(
     std::string_view entityName) {
   const NSEntityDescription& entity = entityForName(entityName);
-  auto rows =
-      store_ ? store_->run(std::string("SELECT rowid, * FROM ") + entity.name + " ORDER BY rowid") : std::nullopt;
+  const std::string select = std::string("SELECT rowid AS '") + rowNumber + "', * FROM " + entity.name;
+  auto rows = store_ ? store_->run(select + " ORDER BY rowid") : std::nullopt;
   if (!rows) return std::nullopt;
   Objects fetched;
   for (NSManagedValues& row : *rows) {
-    const auto rowId = std::get<std::int64_t>(row.extract("rowid").mapped());
+    const auto rowId = std::get<std::int64_t>(row.extract(rowNumber).mapped());
     const auto known = std::ranges::find_if(
         objects_, [&](const auto& object) { return &object->entity_ == &entity && object->rowId_ == rowId; });
     const bool isNew = known == objects_.end();

@@ -25,8 +25,10 @@ std::string fileNamed(const std::string& name) {
   const char* const dataHome = std::getenv("XDG_DATA_HOME");
   if (dataHome && *dataHome == '/') return dataHome + inFolder;
   const char* home = std::getenv("HOME");
-  const passwd* const user = home && *home == '/' ? nullptr : getpwuid(getuid());
-  if (user) home = user->pw_dir;
+  if (!home || *home != '/') {
+    const passwd* const user = getpwuid(getuid());
+    home = user ? user->pw_dir : nullptr;
+  }
   return home ? home + ("/.local/share" + inFolder) : std::string();
 }
 
@@ -91,6 +93,7 @@ std::optional<std::string> checkTables(SqliteFile& store, NSManagedObjectModel m
 std::optional<std::string> prepare(SqliteFile& store, NSManagedObjectModel model) {
   const auto version = store.run("PRAGMA user_version");
   if (!version) return store.error();
+  if (store.isReadOnly()) return localizable("the file can't be written");
   if (version->front().begin()->second > NSManagedValue(currentVersion))
     return localizable("the file is from a newer version of the program");
   const auto health = store.run("PRAGMA quick_check(1)");

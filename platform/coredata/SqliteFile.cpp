@@ -59,6 +59,10 @@ std::optional<std::string> SqliteFile::writeWhole(const std::function<bool()>& c
   return reason;
 }
 
+bool SqliteFile::isReadOnly() const {
+  return sqlite3_db_readonly(connection_.get(), nullptr) == 1;
+}
+
 std::string SqliteFile::error() const {
   return sqlite3_errmsg(connection_.get());
 }

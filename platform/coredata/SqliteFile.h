@@ -25,6 +25,9 @@ public:
   // why it failed, if it did.
   std::optional<std::string> writeWhole(const std::function<bool()>& changes);
 
+  // True where the system let the file be opened for reading only.
+  bool isReadOnly() const;
+
   // Why the last statement failed.
   std::string error() const;
 

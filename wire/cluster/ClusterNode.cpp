@@ -38,6 +38,7 @@ bool visitMasters(std::string_view nodes, const std::string& password, const Con
                   const std::function<bool(ClusterNode& master, bool isConnected)>& visit) {
   const Connection::Epoch began = server.epoch();
   for (const NodeAddress& address : mastersIn(nodes)) {
+    if (server.wasClosedSince(began)) return false;
     ClusterNode master(address, password, server);
     const bool isConnected = master.connect();
     if (server.wasClosedSince(began)) return false;

@@ -37,9 +37,11 @@ std::vector<std::string_view> keyAndItems(const Bytes& key, const std::vector<By
 }  // namespace
 
 ReplyResult ServerCommands::execute(RedisCommand command, Arguments args) {
-  ReplyResult reply = connection_.execute(command, args);
-  if (!isRedirect(reply)) return reply;
-  return followRedirects(std::move(reply), connection_, auth(), command, args);
+  // The connection waits for it: a later command on the same key must not overtake this one on the way to its node.
+  return connection_.execute(command, args, [&](ReplyResult reply) {
+    if (!isRedirect(reply)) return reply;
+    return followRedirects(std::move(reply), connection_, auth(), command, args);
+  });
 }
 
 ReplyResult ServerCommands::executeAndShowFailure(RedisCommand command, Arguments args) {

@@ -88,7 +88,7 @@ bool Connection::isAlive() {
   return stream && stream->isAlive();
 }
 
-ReplyResult Connection::execute(RedisCommand command, Arguments args) {
+ReplyResult Connection::execute(RedisCommand command, Arguments args, const Complete& complete) {
   const MutexLock lock(commandMutex_);
   ReplyResult result = requestAndReply(command, args, std::nullopt);
   if (command == RedisCommand::select && result.ok && !args.empty()) {
@@ -96,7 +96,7 @@ ReplyResult Connection::execute(RedisCommand command, Arguments args) {
     const MutexLock stateLock(stateMutex_);
     session_.setDatabase(static_cast<int>(index.value_or(0)));
   }
-  return result;
+  return complete ? complete(std::move(result)) : result;
 }
 
 // With `began`, a close() since then keeps the status that it set.

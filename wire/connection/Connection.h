@@ -9,6 +9,7 @@
 #include "wire/reply/ReplyResult.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -89,8 +90,10 @@ public:
   // True while there is a connection that the server hasn't closed; takes nothing from the stream.
   bool isAlive();
 
-  // Sends one command and reads its reply. Where that fails the connection is gone.
-  ReplyResult execute(RedisCommand command, Arguments args);
+  // Sends one command and reads its reply. Where that fails the connection is gone. `complete` may go on with the
+  // reply, at another node, before the next command gets to this connection.
+  using Complete = std::function<ReplyResult(ReplyResult reply)>;
+  ReplyResult execute(RedisCommand command, Arguments args, const Complete& complete = {});
 
   // Sends a console line, of at least one word, and reads its reply. Where that fails the status follows, unless
   // close() has run since `began`.
