@@ -23,8 +23,7 @@ inline QString allTreacherousTexts() {
   return all;
 }
 
-// A random text of about so many code units, made of words, line ends and the
-// texts above.
+// A random text of about so many code units, made of words, line ends and the texts above.
 inline QString randomText(std::mt19937& random, std::size_t length) {
   QString text;
   while (std::size_t(text.size()) < length) {

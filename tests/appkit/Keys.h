@@ -12,8 +12,7 @@
 
 namespace tarn::test {
 
-// Presses one key after the other: names as menus show them
-// ("Ctrl+Shift+Left"), or text to type behind an apostrophe.
+// Presses one key after the other: names as menus show them ("Ctrl+Shift+Left"), or text to type behind an apostrophe.
 inline void keys(const char* script) {
   for (const QString& key : QString::fromUtf8(script).split(u' ', Qt::SkipEmptyParts)) {
     if (key.startsWith(u'\'')) {

@@ -1,14 +1,13 @@
-#include "platform/appkit/text/BlockLayout.h"
+#include "platform/appkit/Utf8.h"
+#include "platform/appkit/text/TextFieldWidget.h"
 #include "platform/appkit/text/TextViewWidget.h"
 #include "tests/appkit/ExactTexts.h"
-#include "tests/appkit/Keys.h"
+#include "tests/appkit/Steps.h"
 
 #include <QClipboard>
 #include <QInputMethodEvent>
-#include <QScrollBar>
-#include <QTest>
+#include <QTextBoundaryFinder>
 #include <QTextLayout>
-#include <gtest/gtest.h>
 
 namespace tarn::test {
 namespace {
@@ -54,8 +53,8 @@ protected:
     constexpr std::array<QStringView, 5> kinds{u"x", u"iW", u"\u4E2D", u"\U0001F600", u"e\u0301"};
     QString text;
     while (std::size_t(text.size()) < length) {
-      const QStringView kind = kinds[random() % kinds.size()];
-      text += kind.toString().repeated(qsizetype(1 + random() % (random() % 50 == 0 ? 200 : 12))) + u' ';
+      const QString kind = kinds[random() % kinds.size()].toString();
+      text += kind.repeated(qsizetype(1 + random() % (random() % 50 == 0 ? 200 : 12))) + u' ';
     }
     return text;
   }
@@ -65,20 +64,68 @@ protected:
   std::mt19937 random{3};
 };
 
+// Knows the store of any input.
+struct Storing : TextInputWidget {
+  static const TextStore& storeOf(const TextInputWidget& input) {
+    constexpr const TextStore& (TextInputWidget::*store)() const = &Storing::store;
+    return (input.*store)();
+  }
+};
+
+bool endsLine(QChar unit) {
+  return QStringView(u"\n\r\u2028\u2029").contains(unit);
+}
+
+// What must hold of the blocks, whatever was done to the text.
+void expectSound(const TextStore& store, const QString& text, bool manyLines = true) {
+  ASSERT_EQ(store.text(0, store.length()), text);
+  std::size_t start = 0;
+  std::size_t rows = 0;
+  for (TextStore::Block block = store.blockAt(0);; block = store.next(block)) {
+    ASSERT_TRUE(block.start == start && block.length <= TextStore::longestBlock && store.rowsBefore(block) == rows);
+    std::size_t row = rows + block.rows - 1;
+    ASSERT_TRUE(store.blockAtRow(row).start == start && row == block.rows - 1);
+    const QString shown = text.mid(qsizetype(start), qsizetype(block.length));
+    const auto ending = shown.end() - qsizetype(block.ending);
+    ASSERT_TRUE(!manyLines || std::none_of(shown.begin(), ending, endsLine));
+    ASSERT_TRUE(block.ending == 0 || (manyLines && endsLine(*ending)));
+    start = block.end();
+    rows += block.rows;
+    if (!store.hasNext(block)) break;
+    ASSERT_TRUE(block.length > 0 && store.blockAt(start - 1).start == block.start);
+    ASSERT_EQ(store.previous(store.next(block)).start, block.start);
+    const QString around = text.mid(qsizetype(start) - 1, 2);
+    ASSERT_FALSE(around.front().isHighSurrogate() && around.back().isLowSurrogate());
+    ASSERT_FALSE(manyLines && around == QStringLiteral("\r\n"));
+  }
+  ASSERT_TRUE(store.lastBlock().ending == 0 && start == store.length() && store.rows() == rows);
+}
+
 }  // namespace
 
 TEST_F(TextView, BreaksRowsAsIfTheLineWereLaidOutWhole) {
   view.setText(words(7000));
-  EXPECT_EQ(rowStarts(), plainRowStarts());
   for (int step = 0; step < 12; ++step) {
+    ASSERT_EQ(rowStarts(), plainRowStarts()) << step;
     const std::size_t at = random() % view.textLength();
     const std::size_t length = random() % 3 == 0 ? random() % 1500 : 0;
-    view.replaceByUser(at, std::min(length, view.textLength() - at), words(random() % 1500));
-    ASSERT_EQ(rowStarts(), plainRowStarts()) << step;
+    view.replaceByUser(at, length, words(random() % 1500));
   }
   view.resize(300, 280);
   EXPECT_EQ(rowStarts(), plainRowStarts());
   view.setText(view.text() + words(4000));
+  EXPECT_EQ(rowStarts(), plainRowStarts());
+  // Composed text shows at the caret while it is composed, and moves nothing for good.
+  const auto caret = [&] { return view.inputMethodQuery(Qt::ImCursorRectangle).toRect(); };
+  view.setSelection(plainRowStarts().at(20), plainRowStarts().at(20));
+  keys("Home");
+  const QRect alone = caret();
+  QInputMethodEvent composing(QStringLiteral("nihao"), {});
+  QApplication::sendEvent(&view, &composing);
+  EXPECT_GT(caret().x(), alone.x());
+  QInputMethodEvent cancelled;
+  QApplication::sendEvent(&view, &cancelled);
+  EXPECT_EQ(caret(), alone);
   EXPECT_EQ(rowStarts(), plainRowStarts());
 }
 
@@ -94,9 +141,7 @@ TEST_F(TextView, HitsAndMovesInTheRowsThatArePainted) {
       ASSERT_EQ(view.positionAt(QPoint(area().right(), area().y() + row * rowHeight() + 3)), expected + perRow - 1);
     }
   }
-}
-
-TEST_F(TextView, MovesNothingWhileItScrollsAwayFromAJump) {
+  // Nothing moves while it scrolls away from a jump.
   view.setText(QString(300000, u'x'));
   bar->setValue(0);
   bar->setValue(bar->maximum() / 2);
@@ -109,30 +154,7 @@ TEST_F(TextView, MovesNothingWhileItScrollsAwayFromAJump) {
   }
 }
 
-TEST_F(TextView, LaysComposedTextOutWhereTheCaretIs) {
-  view.setText(QString(5000, u'x'));
-  const std::vector<std::size_t> before = rowStarts();
-  view.setSelection(before.at(20), before.at(20));
-  keys("Home");
-  const auto caret = [&] { return view.inputMethodQuery(Qt::ImCursorRectangle).toRect(); };
-  const QRect alone = caret();
-  QInputMethodEvent composing(QStringLiteral("nihao"), {});
-  QApplication::sendEvent(&view, &composing);
-  EXPECT_GT(caret().x(), alone.x());
-  QInputMethodEvent cancelled;
-  QApplication::sendEvent(&view, &cancelled);
-  EXPECT_EQ(caret(), alone);
-  EXPECT_EQ(rowStarts(), before);
-}
-
-TEST_F(TextView, EndsARowThatWouldNeverBeFull) {
-  view.setText(QString(60000, QChar(0x301)) + QStringLiteral("end"));
-  EXPECT_FALSE(view.grab().isNull());
-  keys("Ctrl+Home Ctrl+End");
-  EXPECT_EQ(view.caret(), view.textLength());
-}
-
-TEST_F(TextView, WrapsThePlaceholderOfAnEmptyView) {
+TEST_F(TextView, ShowsARowThatWouldNeverBeFullAndWrapsItsPlaceholder) {
   const auto secondRow = [this] {
     return view.grab(area().adjusted(4, rowHeight(), 0, -rowHeight())).toImage().convertToFormat(QImage::Format_RGB32);
   };
@@ -141,63 +163,94 @@ TEST_F(TextView, WrapsThePlaceholderOfAnEmptyView) {
   EXPECT_EQ(secondRow(), empty);
   view.setPlaceholderText(QStringLiteral("Nothing to show. ").repeated(8));
   EXPECT_NE(secondRow(), empty);
+  view.setText(QString(60000, QChar(0x301)) + QStringLiteral("end"));
+  EXPECT_FALSE(view.grab().isNull());
+  keys("Ctrl+Home Ctrl+End");
+  EXPECT_EQ(view.caret(), view.textLength());
 }
 
 TEST_F(TextView, ScrollsToItsEndAndBack) {
-  QString lines;
   for (int i = 0; i < 3000; ++i)
-    lines += QString(i % 200, u'l') + u'\n';
-  view.setText(lines);
-  view.scrollToPosition(view.caret());
+    view.appendUtf8(std::string(std::size_t(i % 200), 'l') + "\n");
+  const std::size_t length = view.textLength();
+  view.scrollToPosition(length);
   EXPECT_EQ(bar->value(), bar->maximum());
   EXPECT_GT(bar->maximum(), 2900);
-  bar->setValue(0);
   keys("Ctrl+Home");
-  for (std::size_t before = 1; view.caret() != before;) {
+  EXPECT_EQ(bar->value(), 0);
+  for (std::size_t before = 1; view.caret() != before; QTest::keyClick(&view, Qt::Key_PageDown))
     before = view.caret();
-    QTest::keyClick(&view, Qt::Key_PageDown);
-  }
-  EXPECT_EQ(view.caret(), view.textLength());
+  EXPECT_EQ(view.caret(), length);
   EXPECT_EQ(bar->value(), bar->maximum());
   // What is appended moves nothing until it is asked for.
   bar->setValue(10);
   view.appendUtf8("more\n");
   EXPECT_EQ(bar->value(), 10);
-  EXPECT_EQ(view.utf8(std::size_t(lines.size())), "more\n");
+  EXPECT_EQ(view.utf8(length), "more\n");
 }
 
 // Real keys and clipboard on texts of many blocks, against a plain string.
-TEST_F(TextView, BehavesLikeAPlainStringUnderRandomEdits) {
-  QString model = randomText(random, 3000) + QString(7000, u'j') + randomText(random, 3000);
-  view.setText(model);
-  std::vector<QString> undone{model};
-  for (int step = 0; step < 1200; ++step) {
-    const std::size_t at = random() % (view.textLength() + 1);
-    view.setSelection(at, at + (random() % 5 == 0 ? random() % 3000 : 0));
-    const auto start = qsizetype(view.selectionStart());
-    const auto length = qsizetype(view.selectionEnd()) - start;
-    const QString pasted = randomText(random, random() % 10 == 0 ? 5000 : 1 + random() % 5);
-    QGuiApplication::clipboard()->setText(pasted);
-    const std::tuple<Qt::Key, Qt::KeyboardModifiers, QString, QString> edits[] = {
-        {Qt::Key_unknown, {}, QStringLiteral("\u4E2D"), QStringLiteral("\u4E2D")},
-        {Qt::Key_Return, {}, QStringLiteral("\r"), QStringLiteral("\n")},
-        {Qt::Key_V, Qt::ControlModifier, {}, pasted},
-        {Qt::Key_X, Qt::ControlModifier, {}, {}},
-        {Qt::Key_Delete, {}, {}, {}}};
-    const auto& [key, modifiers, typed, expected] = edits[random() % (length > 0 ? 5 : 4)];
-    QTest::sendKeyEvent(QTest::Click, &view, key, typed, modifiers);
-    model.replace(start, length, expected);
-    ASSERT_EQ(view.text(), model) << step;
-    if (undone.back() != model) undone.push_back(model);
-    if (random() % 20 != 0 || undone.size() < 2) continue;
-    QTest::keyClick(&view, Qt::Key_Z, Qt::ControlModifier);
-    ASSERT_EQ(view.text(), undone[undone.size() - 2]) << step;
-    undone.pop_back();
-    model = undone.back();
+TEST_F(TextView, BehavesLikeAPlainStringUnderRandomEditsAsAFieldDoes) {
+  TextFieldWidget field;
+  for (TextInputWidget* input : std::initializer_list<TextInputWidget*>{&view, &field}) {
+    QString model = randomText(random, 3000) + QString(7000, u'j') + randomText(random, 3000);
+    input->setText(model);
+    std::vector<QString> undone{model};
+    for (int step = 0; step < 800; ++step) {
+      const std::size_t at = random() % std::size_t(model.size() + 1);
+      QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, model);
+      characters.setPosition(qsizetype(at));
+      // In text from right to left the arrows go the other way.
+      const TextStore::Block block = Storing::storeOf(*input).blockAt(at);
+      const bool isMirrored = input->text(block.start, block.length).isRightToLeft();
+      const qsizetype next =
+          (step % 2 == 0) == isMirrored ? characters.toNextBoundary() : characters.toPreviousBoundary();
+      input->setSelection(at, at);
+      QTest::keyClick(input, step % 2 ? Qt::Key_Right : Qt::Key_Left);
+      ASSERT_EQ(input->caret(), next < 0 ? at : std::size_t(next)) << step;
+
+      input->setSelection(at, at + (random() % 5 == 0 ? random() % 9000 : 0));
+      const auto length = qsizetype(input->selectionEnd() - at);
+      const QString pasted = randomText(random, random() % 10 == 0 ? 5000 : 1 + random() % 5);
+      QGuiApplication::clipboard()->setText(pasted);
+      const std::pair<QKeySequence, QString> edits[] = {
+          {QKeySequence::Paste, pasted}, {QKeySequence::Cut, {}}, {QKeySequence::Delete, {}}};
+      const auto& [key, expected] = edits[random() % (length > 0 ? 3 : 2)];
+      QTest::keySequence(input, key);
+      model.replace(qsizetype(at), length, expected);
+      ASSERT_EQ(input->text(), model) << step;
+      if (undone.back() != model) undone.push_back(model);
+      if (step % 10 == 0) expectSound(Storing::storeOf(*input), model, input == &view);
+      if (HasFatalFailure()) return;
+      if (random() % 20 != 0 || undone.size() < 2) continue;
+      QTest::keySequence(input, QKeySequence::Undo);
+      undone.pop_back();
+      model = undone.back();
+      ASSERT_EQ(input->text(), model) << step;
+    }
+    while (input->canUndo())
+      input->undo();
+    EXPECT_EQ(input->text(), undone.front());
   }
-  while (view.canUndo())
-    QTest::keyClick(&view, Qt::Key_Z, Qt::ControlModifier);
-  EXPECT_EQ(view.text(), undone.front());
+}
+
+TEST(TextStore, GivesBackItsUtf8AndOnlyAddsWhereTheNewTextBeginsWithTheOldOne) {
+  std::mt19937 random(5);
+  const std::string large = toUtf8(randomText(random, 700000) + allTreacherousTexts());
+  TextStore store(TextStore::Lines::many);
+  for (const auto& [utf8, adds] : {std::pair<std::string, bool>{"one\r", false},
+                                   {"one\r\ntwo", true},
+                                   {"one\r\ntwo", true},
+                                   {"one\r\ntw", false},
+                                   {"One\r\ntwo three", false},
+                                   {large, false},
+                                   {large + "x", true},
+                                   {"", false}}) {
+    EXPECT_EQ(store.set(utf8), adds);
+    expectSound(store, toQString(utf8));
+    EXPECT_EQ(store.utf8(0), utf8);
+    EXPECT_EQ(store.utf8(1), toUtf8(toQString(utf8).mid(1)));
+  }
 }
 
 }  // namespace tarn::test
