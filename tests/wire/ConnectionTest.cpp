@@ -23,7 +23,7 @@ protected:
   }
 };
 
-// System calls of which a test makes one fail, or waits for one. Whatever is sent goes three bytes at a time.
+// System calls of which a test makes one fail, or waits for one.
 class TamperedCalls final : public SocketCalls {
 public:
   int numericName(const sockaddr* address, socklen_t length, std::string& host, std::string& port) override {
@@ -58,7 +58,7 @@ public:
   ssize_t send(int descriptor, const void* bytes, std::size_t count, int flags) override {
     EXPECT_TRUE(flags & MSG_NOSIGNAL);
     if (fails("send") || (++sends_ % 2 == 0 && fails("every other send"))) return -1;
-    return SocketCalls::send(descriptor, bytes, std::min<std::size_t>(count, 3), flags);
+    return SocketCalls::send(descriptor, bytes, failing.empty() ? count : std::min<std::size_t>(count, 3), flags);
   }
   ssize_t receive(int descriptor, void* bytes, std::size_t count, int flags) override {
     ++receives;
