@@ -127,7 +127,7 @@ TEST_F(Outline, AsksAboutWhatTheUserDoes) {
        {"allow; key Up; allow all", "select 1", "Ra01[b]"},
        {"click a; ctrl b", "select a, select b", "R[a]01[b]"},
        {"ctrl a", "", "Ra01[b]"},
-       {"menu a; menu", "there, chosen, 32,119, chosen", "Ra01[b]"},
+       {"right a; menu a; menu", "there, chosen, 32,119, chosen", "Ra01[b]"},
        {"shift 0", "select 0", "Ra[0][1][b]"},
        {"key Shift+Down", "select 1", "Ra0[1][b]"},
        {"click 0; collapse a", "select 0", "Rab"},

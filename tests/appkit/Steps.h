@@ -64,6 +64,7 @@ protected:
     verbs["ctrl"] = clicking(Qt::ControlModifier);
     verbs["shift"] = clicking(Qt::ShiftModifier);
     verbs["again"] = [this](auto& what) { QTest::mouseDClick(&area(), Qt::LeftButton, {}, at(what)); };
+    verbs["right"] = [this](auto& what) { QTest::mousePress(&area(), Qt::RightButton, {}, at(what)); };
     verbs["focus"] = [this](auto&) { widget->setFocus(); };
     verbs["bottom"] = [this](auto&) { widget->verticalScrollBar()->setValue(widget->verticalScrollBar()->maximum()); };
     verbs["say"] = [this](auto& text) { view.setPlaceholderString(text); };
@@ -83,7 +84,6 @@ protected:
   // At something by the mouse, else by the menu key.
   void chooseInMenu(const std::string& what) {
     const QPoint point = what.empty() ? QPoint() : at(what);
-    if (!what.empty()) QTest::mousePress(&area(), Qt::RightButton, {}, point);
     QContextMenuEvent event(what.empty() ? QContextMenuEvent::Keyboard : QContextMenuEvent::Mouse, point,
                             area().mapToGlobal(point));
     QApplication::sendEvent(&area(), &event);

@@ -53,6 +53,7 @@ TEST_F(Table, MakesAndRecyclesCellsForTheRowsInSightOnly) {
 
 TEST_F(Table, SaysEachChangeOfTheSelectionOnceAndAReloadSaysNone) {
   const std::string page = std::to_string(area().height() / NSTableView::rowHeight - 1);
+  const std::string last = "0," + std::to_string(area().height() - 1);
   texts[{2, 0}] = "model's";
   // clang-format off
   run({{"select 3", "changed 3", "3 other 2/0=name2"},
@@ -63,8 +64,9 @@ TEST_F(Table, SaysEachChangeOfTheSelectionOnceAndAReloadSaysNone) {
        {"ctrl 2/0", "changing, changed -1, mouse 2/0", "-1 table"},
        {"key Down Down Up Up", "changing, changed 0, changing, changed 1, changing, changed 0", "0 table"},
        {"key PgDown", "changing, changed " + page, page + " table"},
-       {"key PgUp End Down", "changing, changed 0, changing, changed 99", "99 table"},
+       {"key PgUp End Down; menu", "changing, changed 0, changing, changed 99, " + last + ", chosen", "99 table"},
        {"select -1; key Up Home", "changed -1, changing, changed 99, changing, changed 0", "0 table"},
+       {"right 2/0", "changing, changed 2", "2 table"},
        {"menu 3/0", "changing, changed 3, there, chosen", "3 table"},
        {"menu", "0,71, chosen", "3 table"},
        {"bottom; menu", "there, chosen", "3 table"},
