@@ -4,25 +4,11 @@
 
 #include <QApplication>
 #include <QHelpEvent>
-#include <QKeySequence>
-#include <QStringList>
 #include <QToolTip>
 
 #include <utility>
 
 namespace tarn::test {
-
-// Presses one key after the other: names as menus show them ("Ctrl+Shift+Left"), or text to type behind an apostrophe.
-inline void keys(const char* script) {
-  for (const QString& key : QString::fromUtf8(script).split(u' ', Qt::SkipEmptyParts)) {
-    if (key.startsWith(u'\'')) {
-      type(key.mid(1).toStdString());
-    } else {
-      const QKeyCombination chord = QKeySequence(key)[0];
-      press(chord.key(), chord.keyboardModifiers());
-    }
-  }
-}
 
 // The tool tip that shows at a point of the widget; empty where none does.
 inline QString toolTipOf(QWidget& widget, const QPoint& at = QPoint(5, 5)) {

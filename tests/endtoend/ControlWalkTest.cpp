@@ -2,7 +2,6 @@
 #include "platform/appkit/text/TextViewWidget.h"
 #include "platform/foundation/NSAlert.h"
 #include "tests/support/RedisServer.h"
-#include "tests/support/RespPeer.h"
 #include "tests/support/program/ProgramTest.h"
 
 #include <QAccessible>
@@ -10,7 +9,6 @@
 
 #include <functional>
 #include <set>
-#include <string>
 
 namespace tarn::test {
 
@@ -23,16 +21,16 @@ protected:
   static int expectNames(QAccessibleInterface* thing, const std::string& path) {
     if (!thing || !thing->isValid() || thing->state().invisible) return 0;
     using Role = QAccessible::Role;
-    static const std::set<Role> tellable = {Role::PushButton, Role::CheckBox,     Role::ComboBox, Role::EditableText,
-                                            Role::StaticText, Role::Table,        Role::Tree,     Role::TreeItem,
-                                            Role::Cell,       Role::ColumnHeader, Role::PageTab,  Role::MenuItem,
-                                            Role::Dialog,     Role::ProgressBar};
-    const std::string name = thing->text(QAccessible::Name).toStdString();
-    const std::string place = path + "/" + (thing->object() ? thing->object()->objectName().toStdString() : "") + "(" +
-                              std::to_string(thing->role()) + ")";
+    // clang-format off
+    static const std::set<Role> tellable = {
+        Role::PushButton, Role::CheckBox, Role::ComboBox, Role::EditableText, Role::StaticText, Role::Table, Role::Tree,
+        Role::TreeItem, Role::Cell, Role::ColumnHeader, Role::PageTab, Role::MenuItem, Role::Dialog, Role::ProgressBar};
+    // clang-format on
+    const QString object = thing->object() ? thing->object()->objectName() : QString();
+    const std::string place = path + "/" + object.toStdString() + "(" + std::to_string(thing->role()) + ")";
     int count = 0;
     if (tellable.contains(thing->role()) || (thing->state().focusable && thing->role() != Role::Client)) {
-      EXPECT_NE(name, "") << place;
+      EXPECT_NE(thing->text(QAccessible::Name), QString()) << place;
       ++count;
     }
     for (int child = 0; child < thing->childCount(); ++child)
@@ -50,8 +48,7 @@ protected:
     }
     for (const QWidget* widget : window.findChildren<QWidget*>()) {
       if (!widget->isVisible() || !(widget->focusPolicy() & Qt::TabFocus) || widget->focusProxy()) continue;
-      EXPECT_TRUE(reached.contains(widget))
-          << widget->metaObject()->className() << " " << widget->objectName().toStdString();
+      EXPECT_TRUE(reached.contains(widget)) << widget->objectName().toStdString();
     }
   }
 
@@ -66,28 +63,27 @@ protected:
 
 TEST_F(ControlWalk, EachControlHasANameAndTheKeyboardReachesIt) {
   const RedisServer redis({"--databases", "2"});
-  RespClient(redis.port())
-      .pipeline({{"SET", "String", "text"},
-                 {"RPUSH", "List", "element"},
-                 {"HSET", "Hash", "field", "value"},
-                 {"ZADD", "SortedSet", "1", "member"}});
+  redis.command({"SET", "String", "text"});
+  redis.command({"RPUSH", "List", "element"});
+  redis.command({"HSET", "Hash", "field", "value"});
+  redis.command({"ZADD", "SortedSet", "1", "member"});
   openWindow();
   QWidget& main = *window().window.widget();
   walk(main, "first-start", 9);
   openForm(window().btnNew);
   walk(*form().window.widget(), "form", 15);
-  retype(form().txtCnnName, "lake");
-  retype(form().txtPort, std::to_string(redis.port()));
-  retype(form().txtIp, "127.0.0.1");
+  click(form().txtCnnName);
+  fillIn({"lake", "127.0.0.1", std::to_string(redis.port())});
   press(Qt::Key_Return);
   toFront();
   openDatabase("lake", "db0(4)");
   waitForKeys({"Hash", "List", "SortedSet", "String"});
-  for (const auto& [type, dataSize] : {std::pair{"String", "Data Size: 4byte(s)"},
-                                       {"List", "Data Size: 7byte(s) Data Count:1"},
-                                       {"Hash", "Data Size: 10byte(s) Data Count:1"},
-                                       {"SortedSet", "Data Size: 7byte(s) Data Count:2"}}) {
-    readKey(type, dataSize);
+  const std::pair<std::string, std::string> sizes[] = {{"String", "4byte(s)"},
+                                                       {"List", "7byte(s) Data Count:1"},
+                                                       {"Hash", "10byte(s) Data Count:1"},
+                                                       {"SortedSet", "7byte(s) Data Count:2"}};
+  for (const auto& [type, size] : sizes) {
+    readKey(type, "Data Size: " + size);
     walk(main, type, 40);
   }
   // Among its cells one is open.
@@ -96,19 +92,16 @@ TEST_F(ControlWalk, EachControlHasANameAndTheKeyboardReachesIt) {
   expectNames(QAccessible::queryAccessibleInterface(&main), "open cell");
   press(Qt::Key_Escape);
 
+  const auto walkAndLeave = [&](QWidget& window, const std::string& name, int atLeast) {
+    ASSERT_TRUE(waitUntil([&] { return window.isActiveWindow(); }));
+    walk(window, name, atLeast);
+    press(Qt::Key_Escape);
+    toFront();
+  };
   click(tab().btnNew);
-  auto* dialog = content().newKeyValueTypeSelectWindowController()->dialog().outlets().window.widget();
-  ASSERT_TRUE(waitUntil([&] { return dialog->isActiveWindow(); }));
-  walk(*dialog, "type-dialog", 4);
-  press(Qt::Key_Escape);
-  toFront();
-
+  walkAndLeave(*typeDialog().window.widget(), "type-dialog", 4);
   chooseInMainMenu("Help", "Sponsor Tarn");
-  QWidget* const sponsor = AppDelegate::shared()->sponsorWC()->window().widget();
-  ASSERT_TRUE(waitUntil([&] { return sponsor->isActiveWindow(); }));
-  walk(*sponsor, "sponsor", 6);
-  press(Qt::Key_Escape);
-  toFront();
+  walkAndLeave(*AppDelegate::shared()->sponsorWC()->window().widget(), "sponsor", 6);
 
   const NSAlert::Presenter recorder = NSAlert::setPresenter(runAlertPanel);
   whenModal([&](QWidget& alert) {

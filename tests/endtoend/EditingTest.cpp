@@ -2,13 +2,12 @@
 #include "tests/support/RespPeer.h"
 #include "tests/support/program/ProgramTest.h"
 
-#include <string>
+#include <sstream>
 
 namespace tarn::test {
 
 namespace {
 
-constexpr int confirm = 1000;
 constexpr int otherwise = 1001;
 constexpr int cancel = 1002;
 
@@ -27,17 +26,14 @@ protected:
     waitForKeys({"hash", "list", "set", "text", "zset"});
   }
 
-  // A row at the table's end or behind the selected one; its first cell is open then.
-  void addRow(std::string_view text) {
-    click(tab().btnAddRow);
-    type(text);
-  }
-
-  // A reply of several words, as the server sends it.
-  testing::AssertionResult holds(const std::vector<std::string>& command, const Texts& words) {
-    const std::string reply = client.command(command);
-    if (reply == encodedRequest(words)) return testing::AssertionSuccess();
-    return testing::AssertionFailure() << reply;
+  // The server's answer to a command, its words between commas.
+  std::string said(const std::string& command) {
+    std::istringstream words(command);
+    std::istringstream lines(client.command({std::istream_iterator<std::string>(words), {}}));
+    std::string all;
+    for (std::string line; std::getline(lines, line, '\r'); lines.ignore())
+      if (!line.starts_with('*') && !line.starts_with('$')) all += (all.empty() ? "" : ",") + line;
+    return all;
   }
 
   RedisServer redis{{"--databases", "2"}};
@@ -46,93 +42,33 @@ protected:
 
 }  // namespace
 
-TEST_F(Editing, ChangesAddsAndDeletesRowsOfEachType) {
+TEST_F(Editing, SavesWhatIsTypedByMouseAndByKeyboard) {
   // A text, from the middle of which a line is typed over; its time to live becomes another.
   readKey("text", "Data Size: 6byte(s)");
   click(tab().valueDataStringTxtView);
-  press(Qt::Key_Home, Qt::ControlModifier);
-  press(Qt::Key_Right);
-  type(" longer");
-  press(Qt::Key_Return);
+  keys("Ctrl+Home Right Space 'longer Return");
   retype(tab().txtTTL, "-1");
-  saveByKey();
-  EXPECT_EQ(client.command({"GET", "text"}), "$14\r\na longer\n text\r\n");
-  EXPECT_EQ(client.command({"TTL", "text"}), ":-1\r\n");
-
-  // A list by mouse: a cell, a row out by the menu, a row in behind the selected one, an element in its editor.
-  readKey("list", "Data Size: 16byte(s) Data Count:3");
-  NSTableView& list = tab().valueDataSetTable;
-  typeInCell(list, "second", 0, "2nd \\n line");
-  press(Qt::Key_Return);
-  chooseInMenu(list, "third", "Delete Selected Row(s)");
-  clickRow(list, "first");
-  addRow("behind the first");
-  press(Qt::Key_Return);
-  EXPECT_EQ(texts(list), (Texts{"first", "behind the first", "2nd \\n line"}));
-  clickRow(list, "first");
-  retype(tab().setValueTextView, "in the editor");
-  save();
-  EXPECT_TRUE(holds({"LRANGE", "list", "0", "-1"}, {"in the editor", "behind the first", "2nd \n line"}));
+  save({}, true);
+  EXPECT_EQ(said("GET text"), "a longer\n text");
+  EXPECT_EQ(said("TTL text"), ":-1");
 
   // A set by keyboard alone.
   readKey("set", "Data Size: 3byte(s) Data Count:3");
   tab().valueDataSetTable.widget()->setFocus(Qt::TabFocusReason);
-  press(Qt::Key_Home);
-  press(Qt::Key_F2);
-  press(Qt::Key_A, Qt::ControlModifier);
-  type("one");
-  press(Qt::Key_Return);
-  press(Qt::Key_Down);
-  press(Qt::Key_Return);
-  press(Qt::Key_End);
-  type("5");
-  press(Qt::Key_Tab);
-  press(Qt::Key_Escape);
-  saveByKey();
-  EXPECT_EQ(client.command({"SMISMEMBER", "set", "one", "25", "3", "1", "2"}), "*5\r\n:1\r\n:1\r\n:1\r\n:0\r\n:0\r\n");
+  keys("Home F2 Ctrl+A 'one Return Down Return End '5 Tab Escape");
+  save({}, true);
+  EXPECT_EQ(said("SMISMEMBER set one 25 3 1 2"), ":1,:1,:1,:0,:0");
 
   // A hash: from field to value by Tab, and a save over a cell that is still open.
   readKey("hash", "Data Size: 25byte(s) Data Count:3");
   NSTableView& hash = tab().valueDataHashTable;
   typeInCell(hash, "city", 0, "town");
-  press(Qt::Key_Tab);
-  type("Ockham");
-  press(Qt::Key_Return);
-  clickRow(hash, "born");
-  click(tab().btnDeleteSelectedRows);
+  keys("Tab 'Ockham Return");
+  chooseInMenu(hash, "born", "Delete Selected Row(s)");
   chooseInMenu(hash, "name", "Add Row");
-  type("\\Byv4=");
-  press(Qt::Key_Tab);
-  type("字段的值");
+  keys("'\\Byv4= Tab '字段的值");
   save();
-  EXPECT_TRUE(holds({"HGETALL", "hash"}, {"name", "Ada", "town", "Ockham", "\xCA\xFE", "字段的值"}));
-
-  // Scores, of which an untouched one stays as the server wrote it.
-  readKey("zset", "Data Size: 23byte(s) Data Count:6");
-  NSTableView& zset = tab().valueDataSortedSetTable;
-  typeInCell(zset, "1.5", 1, "2.5");
-  press(Qt::Key_Return);
-  typeInCell(zset, "low", 0, "lower");
-  press(Qt::Key_Return);
-  clickRow(zset, "lowest");
-  click(tab().btnDeleteSelectedRows);
-  addRow("without a score");
-  press(Qt::Key_Return);
-  click(tab().btnSave);
-  EXPECT_EQ(alerts.messages(), Texts{"All 'SortedSet Value Score' must be set."});
-  alerts.clear();
-  clickRow(zset, "without a score");
-  retype(tab().sortedSetScoreTextField, "7x");
-  save();
-  EXPECT_TRUE(
-      holds({"ZRANGE", "zset", "0", "-1", "WITHSCORES"}, {"lower", "2.5", "without a score", "7", "high", "1e+21"}));
-
-  // What is read back is what was typed.
-  click(tab().btnReload);
-  waitForIdle();
-  EXPECT_EQ(texts(zset, 0), (Texts{"lower", "without a score", "high"}));
-  EXPECT_EQ(texts(zset, 1), (Texts{"2.5", "7", "1e+21"}));
-  EXPECT_EQ(alerts.messages(), Texts{});
+  EXPECT_EQ(said("HGETALL hash"), "name,Ada,town,Ockham,\xCA\xFE,字段的值");
 }
 
 TEST_F(Editing, ARenamedKeyStaysMovesOrGetsABrother) {
@@ -144,42 +80,32 @@ TEST_F(Editing, ARenamedKeyStaysMovesOrGetsABrother) {
   click(tab().btnSave);
   EXPECT_EQ(alerts.messages(), Texts{question + "'brother'?"});
   alerts.clear();
-  EXPECT_EQ(client.command({"EXISTS", "brother"}), ":0\r\n");
-  EXPECT_EQ(client.command({"HGET", "hash", "name"}), "$3\r\nAda\r\n");
-
+  EXPECT_EQ(said("EXISTS brother"), ":0");
   alerts.answerNext(otherwise);
   save({question + "'brother'?"});
-  EXPECT_EQ(client.command({"HGET", "hash", "name"}), "$3\r\nAda\r\n");
-  EXPECT_EQ(client.command({"HGET", "brother", "name"}), "$9\r\nAda Byron\r\n");
+  EXPECT_EQ(said("HGETALL hash"), "name,Ada,city,London,born,1815");
+  EXPECT_EQ(said("HGETALL brother"), "name,Ada Byron,city,London,born,1815");
   waitForKeys({"brother", "hash", "list", "set", "text", "zset"});
 
   readKey("list", "Data Size: 16byte(s) Data Count:3");
   readKey("hash", "Data Size: 25byte(s) Data Count:3");
   retype(tab().txtKey, "moved");
   retype(tab().txtTTL, "5000");
-  alerts.answerNext(confirm);
   save({question + "'moved'?"});
-  EXPECT_EQ(client.command({"EXISTS", "hash"}), ":0\r\n");
-  EXPECT_EQ(client.command({"HLEN", "moved"}), ":3\r\n");
-  EXPECT_TRUE(client.command({"TTL", "moved"}).starts_with(":4999") ||
-              client.command({"TTL", "moved"}).starts_with(":5000"));
+  EXPECT_EQ(said("HGETALL moved"), "name,Ada,city,London,born,1815");
+  EXPECT_GE(std::stoi(said("TTL moved").substr(1)), 4900);
   waitForKeys({"brother", "list", "moved", "set", "text", "zset"});
+  EXPECT_EQ(said("EXISTS hash"), ":0");
 }
 
 // Another client changes the key's type between the load and the save: what the form shows is what comes to be.
 TEST_F(Editing, ASaveWritesTheValueAlsoOverAnotherType) {
   readKey("hash", "Data Size: 25byte(s) Data Count:3");
   typeInCell(tab().valueDataHashTable, "Ada", 1, "Ada Byron");
-  press(Qt::Key_Return);
+  keys("Return");
   client.pipeline({{"DEL", "hash"}, {"SADD", "hash", "no field"}});
   save();
-  EXPECT_TRUE(holds({"HGETALL", "hash"}, {"name", "Ada Byron", "city", "London", "born", "1815"}));
-
-  readKey("text", "Data Size: 6byte(s)");
-  retype(tab().valueDataStringTxtView, "typed");
-  client.pipeline({{"DEL", "text"}, {"RPUSH", "text", "no text"}});
-  save();
-  EXPECT_EQ(client.command({"GET", "text"}), "$5\r\ntyped\r\n");
+  EXPECT_EQ(said("HGETALL hash"), "name,Ada Byron,city,London,born,1815");
 }
 
 TEST_F(Editing, MakesAKeyOfEachTypeAndDeletesOne) {
@@ -187,73 +113,61 @@ TEST_F(Editing, MakesAKeyOfEachTypeAndDeletesOne) {
   retype(tab().txtKey, "new:String");
   retype(tab().valueDataStringTxtView, "值");
   save();
-  EXPECT_EQ(client.command({"GET", "new:String"}), "$3\r\n值\r\n");
-  const std::pair<std::string, std::string> kinds[] = {{"List", "Data Size: 1byte(s) Data Count:1"},
-                                                       {"Set", "Data Size: 1byte(s) Data Count:1"},
-                                                       {"Hash", "Data Size: 2byte(s) Data Count:1"},
-                                                       {"SortedSet", "Data Size: 2byte(s) Data Count:2"}};
-  for (const auto& [kind, dataSize] : kinds) {
+  EXPECT_EQ(said("GET new:String"), "值");
+  const std::tuple<std::string, const char*, const char*> kinds[] = {
+      {"List", "LRANGE new:List 0 -1", "a"},
+      {"Set", "SMEMBERS new:Set", "a"},
+      {"Hash", "HGETALL new:Hash", "a,1"},
+      {"SortedSet", "ZRANGE new:SortedSet 0 -1 WITHSCORES", "a,1"}};
+  for (const auto& [kind, command, value] : kinds) {
     newKey(kind);
     retype(tab().txtKey, "new:" + kind);
-    click(tab().btnSave);
-    ASSERT_EQ(alerts.shown().size(), 1U);
-    EXPECT_TRUE(alerts.shown()[0].message.starts_with(kind + " Can Not be Empty."));
-    alerts.clear();
-    addRow("a");
-    if (kind == "Hash" || kind == "SortedSet") {
-      press(Qt::Key_Tab);
-      type("1");
+    const auto refused = [&](const std::string& why) {
+      click(tab().btnSave);
+      EXPECT_TRUE(alerts.shown().size() == 1 && alerts.messages()[0].starts_with(why));
+      alerts.clear();
+    };
+    refused(kind + " Can Not be Empty.");
+    click(tab().btnAddRow);
+    keys("'a");
+    if (kind == "Hash") keys("Tab '1");
+    if (kind == "SortedSet") {
+      refused("All 'SortedSet Value Score' must be set.");
+      clickRow(tab().valueDataSortedSetTable, "a");
+      retype(tab().sortedSetScoreTextField, "1x");
     }
     save();
-    waitForText(tab().labDataSize, dataSize);
-    EXPECT_EQ(tab().labType.stringValue(), "Type: " + kind);
+    waitForText(tab().labType, "Type: " + kind);
+    EXPECT_EQ(said(command), value);
   }
-  EXPECT_TRUE(holds({"LRANGE", "new:List", "0", "-1"}, {"a"}));
-  EXPECT_TRUE(holds({"SMEMBERS", "new:Set"}, {"a"}));
-  EXPECT_TRUE(holds({"HGETALL", "new:Hash"}, {"a", "1"}));
-  EXPECT_TRUE(holds({"ZRANGE", "new:SortedSet", "0", "-1", "WITHSCORES"}, {"a", "1"}));
 
   readKey("new:Hash", "Data Size: 2byte(s) Data Count:1");
+  const std::string question = "Are you sure to Delete the kev-value with key:'new:Hash'?";
   alerts.answerNext(otherwise);
   click(tab().btnDelete);
-  EXPECT_EQ(client.command({"EXISTS", "new:Hash"}), ":1\r\n");
+  EXPECT_EQ(said("EXISTS new:Hash"), ":1");
   click(tab().btnDelete);
   waitForKeys({"hash", "list", "new:List", "new:Set", "new:SortedSet", "new:String", "set", "text", "zset"});
-  EXPECT_EQ(client.command({"EXISTS", "new:Hash"}), ":0\r\n");
-  const std::string question = "Are you sure to Delete the kev-value with key:'new:Hash'?";
+  EXPECT_EQ(said("EXISTS new:Hash"), ":0");
   EXPECT_EQ(alerts.messages(), (Texts{question, question}));
-  EXPECT_EQ(tab().txtKey.stringValue(), "");
-  EXPECT_EQ(tab().tableKeys.selectedRow(), -1);
 }
 
-// Between GBK and Base64: a text that was typed and not saved goes with the switch, a cell that was changed too.
+// Between GBK and Base64: a text that was typed and not saved goes with the switch.
 TEST_F(Editing, AChangeOfCharsetKeepsWhatWasTyped) {
   const std::string hello = "\xC4\xE3\xBA\xC3";
-  client.pipeline({{"SET", "text", hello}, {"DEL", "list"}, {"RPUSH", "list", hello, "ASCII"}});
+  client.command({"SET", "text", hello});
   readKey("text", "Data Size: 4byte(s)");
-  EXPECT_EQ(tab().valueDataStringTxtView.string(), "");
+  NSTextView& text = tab().valueDataStringTxtView;
   choose(tab().popValueDataCharset, "GBK");
-  EXPECT_EQ(tab().valueDataStringTxtView.string(), "你好");
-  click(tab().valueDataStringTxtView);
-  press(Qt::Key_End, Qt::ControlModifier);
-  type("吗");
-  choose(tab().popValueDataCharset, "Base64");
-  EXPECT_EQ(tab().valueDataStringTxtView.string(), "xOO6w8Lw");
-  choose(tab().popValueDataCharset, "GBK");
-  EXPECT_EQ(tab().valueDataStringTxtView.string(), "你好吗");
+  EXPECT_EQ(text.string(), "你好");
+  click(text);
+  keys("Ctrl+End '吗");
+  for (const auto& [charset, shown] : {std::pair("Base64", "xOO6w8Lw"), std::pair("GBK", "你好吗")}) {
+    choose(tab().popValueDataCharset, charset);
+    EXPECT_EQ(text.string(), shown);
+  }
   save();
-  EXPECT_EQ(client.command({"GET", "text"}), "$6\r\n" + hello + "\xC2\xF0\r\n");
-
-  readKey("list", "Data Size: 9byte(s) Data Count:2");
-  NSTableView& list = tab().valueDataSetTable;
-  typeInCell(list, "ASCII", 0, "吗");
-  press(Qt::Key_Return);
-  choose(tab().popValueDataCharset, "Base64");
-  EXPECT_EQ(texts(list), (Texts{"\\BxOO6ww==", "\\BwvA="}));
-  choose(tab().popValueDataCharset, "GBK");
-  EXPECT_EQ(texts(list), (Texts{"你好", "吗"}));
-  save();
-  EXPECT_TRUE(holds({"LRANGE", "list", "0", "-1"}, {hello, "\xC2\xF0"}));
+  EXPECT_EQ(said("GET text"), hello + "\xC2\xF0");
 }
 
 }  // namespace tarn::test

@@ -2,47 +2,42 @@
 #include "tests/support/RespPeer.h"
 #include "tests/support/program/ProgramTest.h"
 
-#include <string>
-
 namespace tarn::test {
 
 namespace {
 
-using std::string_literals::operator""s;
-
 class Reading : public ProgramTest {
 protected:
   static void fill(const RedisServer& redis) {
-    RespClient client(redis.port());
-    client.pipeline({{"SET", "text",
-                      "Gr\xC3\xBC\xC3\x9F"
-                      "e\nfrom two lines",
-                      "EX", "5000"},
-                     {"RPUSH", "list", "first", "second", "\xFF\xFE"},
-                     {"SADD", "set", "only"},
-                     {"HSET", "hash", "name", "Ada", "city", "London", "\xCA\xFE", "bytes"},
-                     {"ZADD", "zset", "1.5", "low", "1e21", "high", "-3", "lowest"},
-                     {"XADD", "stream", "*", "field", "value"},
-                     {"SET", "\xFF\x01key", "a key that is no text"},
-                     {"SET", "user:1", "one"},
-                     {"SET", "user:12", "twelve"},
-                     {"SET", "superuser", "root"},
-                     {"SELECT", "2"},
-                     // The GBK bytes of two Chinese words.
-                     {"SET", "\xBC\xFC\xC3\xFB", "\xC4\xE3\xBA\xC3"},
-                     {"SET", "plain", "ASCII"}});
+    RespClient(redis.port())
+        .pipeline({{"SET", "text", "Grüße\nfrom two lines", "EX", "5000"},
+                   {"RPUSH", "list", "first", "second", "\xFF\xFE"},
+                   {"SADD", "set", "only"},
+                   {"HSET", "hash", "name", "Ada", "city", "London", "\xCA\xFE", "bytes"},
+                   {"ZADD", "zset", "1.5", "low", "1e21", "high", "-3", "lowest"},
+                   {"SET", "\xFF\x01key", "a key that is no text"},
+                   {"MSET", "user:1", "one", "user:12", "twelve"},
+                   {"SELECT", "2"},
+                   // The GBK bytes of two Chinese words.
+                   {"MSET", "\xBC\xFC\xC3\xFB", "\xC4\xE3\xBA\xC3", "plain", "ASCII"}});
   }
 
-  // What a load leaves around every value.
-  void expectKey(const std::string& key, const std::string& type, const std::string& ttl, const std::string& ttlToolTip,
-                 int keySize) {
-    EXPECT_EQ(tab().txtKey.stringValue(), key);
-    EXPECT_EQ(tab().labType.stringValue(), "Type: " + type);
-    EXPECT_EQ(tab().txtTTL.stringValue(), ttl);
-    EXPECT_EQ(tab().txtTTL.toolTip(), ttlToolTip);
-    EXPECT_EQ(tab().labKeySize.stringValue(), "Key Size: " + std::to_string(keySize) + "byte(s)");
-    EXPECT_TRUE(tab().labDealingQueue.stringValue().starts_with("Dealing Queue:"));
+  // Clicks the key and waits for its load; then what the form shows.
+  std::string read(const std::string& key, const std::string& dataSize) {
+    readKey(key, dataSize);
+    OperationTabLayout& form = tab();
+    const std::string& ttl = form.txtTTL.stringValue();
+    std::string all = form.txtKey.stringValue() + ", " + form.labType.stringValue() + ", " +
+                      (ttl == "-1" ? ttl : std::to_string(std::stoi(ttl) / 1000) + "...") + form.txtTTL.toolTip() +
+                      ", " + form.labKeySize.stringValue() + ":";
+    if (!form.valueDataStringScrollView.isHidden()) all += " " + form.valueDataStringTxtView.string();
+    for (NSTableView* table : {&form.valueDataSetTable, &form.valueDataHashTable, &form.valueDataSortedSetTable}) {
+      for (int column = 0; column < table->numberOfColumns() && table->widget()->isVisible(); ++column)
+        for (const std::string& text : texts(*table, column))
+          all += " " + text;
+    }
     EXPECT_EQ(alerts.messages(), Texts{});
+    return all;
   }
 };
 
@@ -53,32 +48,13 @@ TEST_F(Reading, TheWholeRoadFromAFavouriteToValuesAndBack) {
   fill(redis);
   store("lake", redis.port());
   openWindow();
-  EXPECT_EQ(rows(), (Texts{"My Favourite", "lake"}));
-
-  // Expand and wait for the counts.
   clickTriangle("lake");
-  const Texts counted = {"My Favourite", "lake", "db0(10)", "db1(0)", "db2(2)", "db3(0)"};
-  ASSERT_TRUE(waitUntil([&] { return rows() == counted; })) << testing::PrintToString(rows());
-  EXPECT_FALSE(tabOf());
-
-  // Click a database.
-  clickRow("db0(10)");
-  ASSERT_TRUE(tabOf());
-  const Texts all = {"\\B/wFrZXk=", "hash", "list", "set", "stream", "superuser", "text", "user:1", "user:12", "zset"};
-  waitForKeys(all);
+  see("lake db0(8) db1(0) db2(2) db3(0)");
+  clickRow("db0(8)");
+  see("lake *db0(8) db1(0) db2(2) db3(0) | [lake] | Connected 4 db0 \\B/wFrZXk= hash list set text "
+      "user:1 user:12 zset queue");
   EXPECT_EQ(tab().labServerName.stringValue(), "Name:lake Server:127.0.0.1 Port:" + std::to_string(redis.port()));
-  EXPECT_EQ(tab().labStatus.stringValue(), "Status:Connected");
-  EXPECT_EQ(tab().labKey.stringValue(), "Key(utf8):");
-  EXPECT_EQ(tab().popDatabase.titleOfSelectedItem(), "db0");
-  EXPECT_EQ(itemCount(tab().popDatabase), 4);
-  EXPECT_EQ(tab().tableKeys.tableColumn(0).headerToolTip(), "Count Shown:10");
-  EXPECT_EQ(tab().labKeySize.stringValue(), "Key Size:");
-  EXPECT_EQ(tab().labDataSize.stringValue(), "Data Size:");
-
-  // Search.
-  searchFor("user");
-  waitForKeys({"superuser", "user:1", "user:12"});
-  EXPECT_EQ(tab().tableKeys.tableColumn(0).headerToolTip(), "Count Shown:3");
+  // A search, and a key of each type.
   searchFor("u*r:1");
   waitForKeys({"user:1", "user:12"});
   click(tab().chkExactly);
@@ -87,97 +63,49 @@ TEST_F(Reading, TheWholeRoadFromAFavouriteToValuesAndBack) {
   waitForKeys({"\\B/wFrZXk="});
   click(tab().btnSearchKeyClear);
   click(tab().chkExactly);
-  waitForKeys(all);
-
-  // A key of each type.
-  readKey("text", "Data Size: 22byte(s)");
-  EXPECT_GT(std::stoi(tab().txtTTL.stringValue()), 4000);
-  expectKey("text", "String", tab().txtTTL.stringValue(), "Second(s)", 4);
-  EXPECT_EQ(tab().valueDataStringTxtView.string(),
-            "Gr\xC3\xBC\xC3\x9F"
-            "e\nfrom two lines");
-
-  readKey("list", "Data Size: 13byte(s) Data Count:3");
-  expectKey("list", "List", "-1", "(Persist)", 4);
-  EXPECT_EQ(texts(tab().valueDataSetTable), (Texts{"first", "second", "\\B//4="}));
-  EXPECT_TRUE(tab().valueDataStringScrollView.isHidden());
-  clickRow(tab().valueDataSetTable, "second");
-  EXPECT_EQ(tab().setValueTextView.string(), "second");
-
-  readKey("set", "Data Size: 4byte(s) Data Count:1");
-  expectKey("set", "Set", "-1", "(Persist)", 3);
-  EXPECT_EQ(texts(tab().valueDataSetTable), Texts{"only"});
-  EXPECT_EQ(tab().setValueTextView.string(), "");
-
-  readKey("hash", "Data Size: 24byte(s) Data Count:3");
-  expectKey("hash", "Hash", "-1", "(Persist)", 4);
-  EXPECT_EQ(texts(tab().valueDataHashTable, 0), (Texts{"name", "city", "\\Byv4="}));
-  EXPECT_EQ(texts(tab().valueDataHashTable, 1), (Texts{"Ada", "London", "bytes"}));
-  clickRow(tab().valueDataHashTable, "city");
-  EXPECT_EQ(tab().hashKeyTextView.string(), "city");
-  EXPECT_EQ(tab().hashValueTextView.string(), "London");
+  waitForKeys(8);
+  EXPECT_EQ(read("text", "Data Size: 22byte(s)"),
+            "text, Type: String, 4...Second(s), Key Size: 4byte(s): Grüße\nfrom two lines");
+  EXPECT_EQ(read("list", "Data Size: 13byte(s) Data Count:3"),
+            "list, Type: List, -1(Persist), Key Size: 4byte(s): first second \\B//4=");
+  EXPECT_EQ(read("set", "Data Size: 4byte(s) Data Count:1"), "set, Type: Set, -1(Persist), Key Size: 3byte(s): only");
+  EXPECT_EQ(read("hash", "Data Size: 24byte(s) Data Count:3"),
+            "hash, Type: Hash, -1(Persist), Key Size: 4byte(s): name city \\Byv4= Ada London bytes");
   useDarkPalette(true);
   useDarkPalette(false);
-
-  readKey("zset", "Data Size: 23byte(s) Data Count:6");
-  expectKey("zset", "SortedSet", "-1", "(Persist)", 4);
-  EXPECT_EQ(texts(tab().valueDataSortedSetTable, 1), (Texts{"-3", "1.5", "1e+21"}));
-  EXPECT_EQ(texts(tab().valueDataSortedSetTable, 0), (Texts{"lowest", "low", "high"}));
-
-  readKey("\\B/wFrZXk=", "Data Size: 21byte(s)");
-  expectKey("\\B/wFrZXk=", "String", "-1", "(Persist)", 5);
-
-  clickRow(tab().tableKeys, "stream");
-  waitForText(tab().labType, "Type:stream (Unsupported Type)");
-  ASSERT_TRUE(waitUntil([&] { return !alerts.shown().empty(); }));
-  EXPECT_EQ(alerts.messages(), Texts{"No Data found on the Server for the key 'stream'."});
-  alerts.clear();
-
+  EXPECT_EQ(read("zset", "Data Size: 23byte(s) Data Count:6"),
+            "zset, Type: SortedSet, -1(Persist), Key Size: 4byte(s): lowest low high -3 1.5 1e+21");
+  EXPECT_EQ(read("\\B/wFrZXk=", "Data Size: 21byte(s)"),
+            "\\B/wFrZXk=, Type: String, -1(Persist), Key Size: 5byte(s): a key that is no text");
   // Another database, another character set.
   choose(tab().popDatabase, "db2");
   waitForKeys({"\\BvPzD+w==", "plain"});
   choose(tab().popKeyDataCharset, "GBK");
-  waitForKeys({"plain", "\xE9\x94\xAE\xE5\x90\x8D"});
+  waitForKeys({"plain", "键名"});
   EXPECT_EQ(tab().labKey.stringValue(), "Key(GBK):");
   choose(tab().popValueDataCharset, "GBK");
-  readKey("\xE9\x94\xAE\xE5\x90\x8D", "Data Size: 4byte(s)");
-  expectKey("\xE9\x94\xAE\xE5\x90\x8D", "String", "-1", "(Persist)", 4);
-  EXPECT_EQ(tab().valueDataStringTxtView.string(), "\xE4\xBD\xA0\xE5\xA5\xBD");
-
-  // Reload shows what is there now.
-  redis.command({"SET", "plain", "changed behind our back"}, 2);
-  clickRow(tab().tableKeys, "plain");
-  waitForText(tab().labDataSize, "Data Size: 23byte(s)");
-  redis.command({"SET", "plain", "and again"}, 2);
-  click(tab().btnReload);
-  waitForText(tab().labDataSize, "Data Size: 9byte(s)");
-  EXPECT_EQ(tab().valueDataStringTxtView.string(), "and again");
+  EXPECT_EQ(read("键名", "Data Size: 4byte(s)"), "键名, Type: String, -1(Persist), Key Size: 4byte(s): 你好");
 
   // Lose the server, and come back to the same database.
   redis.kill();
   click(tab().btnReload);
-  waitForText(tab().labStatus, "Status:DisConnected");
-  ASSERT_TRUE(waitUntil([&] { return !alerts.shown().empty(); }));
-  EXPECT_EQ(alerts.shown().size(), 1U) << testing::PrintToString(alerts.messages());
-  EXPECT_EQ(tab().labType.stringValue(), "Type:");
+  const std::string lost = "db2(2) db3(0) | [lake] | DisConnected 4 db2 plain 键名 queue | ";
+  EXPECT_TRUE(waitUntil([&] { return screen().find(lost) != std::string::npos; })) << screen();
+  EXPECT_EQ(alerts.shown().size(), 1U);
   EXPECT_EQ(tab().txtTTL.toolTip(), "(DisConnected)");
   alerts.clear();
   redis.start();
   fill(redis);
   click(tab().btnReconnect);
-  waitForText(tab().labStatus, "Status:Connected");
-  ASSERT_TRUE(waitUntil([&] { return tab().popDatabase.titleOfSelectedItem() == "db2"; }));
+  see("lake db0(8) db1(0) db2(2) db3(0) | [lake] | Connected 4 db2 plain 键名 queue");
   searchFor("plain");
   waitForKeys({"plain"});
-  readKey("plain", "Data Size: 5byte(s)");
-  EXPECT_EQ(alerts.messages(), Texts{});
+  read("plain", "Data Size: 5byte(s)");
 
   // Close the tab.
   click(tab().btnClose);
-  ASSERT_TRUE(waitUntil([&] { return !tabOf(); }));
-  EXPECT_TRUE(window().mainTab.tabViewItems().empty());
+  see("lake");
   EXPECT_EQ(server()->connectionStatus(), ConnectionStatus::notConnected);
-  EXPECT_EQ(rows(), (Texts{"My Favourite", "lake"}));
 }
 
 TEST_F(Reading, AClusterIsSearchedReadAndSavedToAsOneServer) {
@@ -194,11 +122,9 @@ TEST_F(Reading, AClusterIsSearchedReadAndSavedToAsOneServer) {
   openDatabase("three masters", "db0(");
   waitForKeys(keys);
   int savedElsewhere = 0;
-  for (const char* key : {"key:100", "key:123", "key:150", "key:177", "key:199"}) {
-    readKey(key, "Data Size: 9byte(s) Data Count:1");
-    EXPECT_EQ(texts(tab().valueDataHashTable, 1), Texts{key});
-    expectKey(key, "Hash", "-1", "(Persist)", 7);
-
+  for (const std::string key : {"key:100", "key:123", "key:150", "key:177", "key:199"}) {
+    EXPECT_EQ(read(key, "Data Size: 9byte(s) Data Count:1"),
+              key + ", Type: Hash, -1(Persist), Key Size: 7byte(s): of " + key);
     // The key's own node takes the new value, and its time to live.
     typeInCell(tab().valueDataHashTable, key, 1, "saved");
     press(Qt::Key_Return);
@@ -207,37 +133,13 @@ TEST_F(Reading, AClusterIsSearchedReadAndSavedToAsOneServer) {
     int owners = 0;
     for (int node = 0; node < 3; ++node) {
       if (cluster.master(node).command({"HGETALL", key}) != encodedRequest({"of", "saved"})) continue;
-      EXPECT_TRUE(cluster.master(node).command({"TTL", key}).starts_with(":"));
-      EXPECT_NE(cluster.master(node).command({"TTL", key}), ":-1\r\n");
+      EXPECT_GE(std::stoi(cluster.master(node).command({"TTL", key}).substr(1)), 4900);
       ++owners;
       savedElsewhere += node > 0 ? 1 : 0;
     }
     EXPECT_EQ(owners, 1) << key;
   }
   EXPECT_GT(savedElsewhere, 0);
-}
-
-TEST_F(Reading, ASecondFavouriteWithAPasswordHasATabOfItsOwn) {
-  RedisServer open;
-  RedisServer guarded({"--requirepass", "secret"});
-  open.command({"SET", "here", "1"});
-  guarded.command({"SET", "there", "2"});
-  store("guarded", guarded.port(), "secret");
-  store("open", open.port());
-  openWindow();
-  for (const char* name : {"open", "guarded"}) {
-    clickTriangle(name);
-    clickRow(name);
-  }
-  for (std::size_t index : {0U, 1U}) {
-    ASSERT_TRUE(waitUntil([&] { return server(index)->connectionStatus() == ConnectionStatus::connected; }));
-  }
-  EXPECT_EQ(tabLabels(), (Texts{"open", "guarded"}));
-  EXPECT_EQ(window().mainTab.selectedTabViewItem()->label(), "guarded");
-  waitForText(tab().labStatus, "Status:Connected");
-  searchFor("");
-  waitForKeys({"there"});
-  EXPECT_EQ(alerts.messages(), Texts{});
 }
 
 }  // namespace tarn::test

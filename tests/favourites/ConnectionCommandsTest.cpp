@@ -1,225 +1,192 @@
-#include "favourites/ConnectionCommands.h"
 #include "tests/support/LoopbackPort.h"
 #include "tests/support/RedisServer.h"
-#include "tests/support/ScriptedServer.h"
 #include "tests/support/program/ProgramTest.h"
 
 namespace tarn::test {
 
-namespace {
+using ConnectionCommandsTest = ProgramTest;
 
-class ConnectionCommandsTest : public ProgramTest {
-protected:
-  std::string status() { return tab().labStatus.stringValue(); }
-  int databases() { return itemCount(tab().popDatabase); }
-};
+TEST_F(ConnectionCommandsTest, ARowShowsOneTabAndAClosedTabThatOfTheOneInItsPlace) {
+  for (const char* name : {"a", "b", "c"})
+    store(name, 1);
+  openWindow();
+  for (const char* name : {"a", "c", "b", "c"})
+    clickRow(name);
+  see("a b *c | a | [c] | b | NotConnected 0 db0 queue");
+  const auto item = window().mainTab.selectedTabViewItem();
+  EXPECT_EQ(item->toolTip(), "c");
+  EXPECT_EQ(item->sizeOfLabel(true), 0.0);
+  EXPECT_GT(item->sizeOfLabel(false), 0.0);
+  for (const auto& [closed, left] : {std::pair(2U, "a *b c | a | [b] | NotConnected 0 db0"),
+                                     {1U, "*a b c | [a] | NotConnected 0 db0"},
+                                     {0U, "*a b c"}}) {
+    click(tab(closed).btnClose);
+    see(left);
+  }
+  // Without a tab nothing is closed.
+  content().closeSelectedTab();
+  see("*a b c");
+}
 
-}  // namespace
-
-TEST_F(ConnectionCommandsTest, AConnectionThatIsUpIsLeftAsItIs) {
+TEST_F(ConnectionCommandsTest, AConnectionThatIsUpIsLeftAsItIsAndADeadServerTriedAgainByEveryWay) {
   const RedisServer redis({"--databases", "2"});
-  store("local", redis.port());
-  openWindow();
-  clickRow("local");
-  EXPECT_EQ(status(), "Status:NotConnected");
-  EXPECT_EQ(databases(), 0);
-  connect();
-  EXPECT_EQ(databases(), 2);
-  clickTriangle("local");
-  clickTriangle("local");
-  content().clickConnect();
-  waitForIdle();
-  EXPECT_EQ(redis.command({"client", "kill", "type", "normal", "skipme", "yes"}), ":1\r\n");
-  EXPECT_EQ(alerts.messages(), Texts());
-}
-
-TEST_F(ConnectionCommandsTest, ARefusedPasswordLeavesTheConnectionUpAndSaysSo) {
-  const RedisServer redis({"--requirepass", "secret"});
-  store("local", redis.port(), "wrong");
-  openWindow();
-  clickRow("local");
-  clickTriangle("local");
-  waitForIdle();
-  ASSERT_EQ(alerts.shown().size(), 1U);
-  EXPECT_NE(alerts.messages()[0].find("WRONGPASS"), std::string::npos);
-  EXPECT_EQ(server()->connectionStatus(), ConnectionStatus::connected);
-  EXPECT_EQ(status(), "Status:DisConnected");
-  EXPECT_EQ(databases(), 0);
-  EXPECT_EQ(rows(), (Texts{"My Favourite", "local"}));
-
-  // The way out is the tab's own button.
-  server()->setAuth("secret");
-  click(tab().btnReconnect);
-  waitForText(tab().labStatus, "Status:Connected");
-  EXPECT_EQ(databases(), 16);
-}
-
-TEST_F(ConnectionCommandsTest, ADeadServerIsTriedAgainByEveryWayToConnect) {
   const LoopbackPort dead;
   store("dead", dead.number());
+  store("up", redis.port());
   openWindow();
-  clickRow("dead");
-  const std::function<void()> ways[] = {[&] { clickTriangle("dead"); },
+  const std::function<void()> ways[] = {[&] { clickTriangle("up"), clickTriangle("dead"); },
+                                        [&] { clickTriangle("dead"), clickTriangle("dead"); },
                                         [&] {
-                                          clickTriangle("dead");
-                                          clickTriangle("dead");
+                                          selectRows({0, 1, 2, 3, 4}), click(window().btnConn);
                                         },
-                                        [&] { content().clickConnect(); }, [&] { click(tab().btnReconnect); }};
+                                        [&] { click(tab().btnReconnect); }};
+  clickRow("dead");
+  clickTriangle("up");
+  see("*dead up db0(0) db1(0) | [dead] | NotConnected 0 db0 queue");
   for (const auto& connectAgain : ways) {
     connectAgain();
     waitForIdle();
     EXPECT_EQ(alerts.messages(), Texts{"Can not connect to Server(dead)."});
-    EXPECT_EQ(status(), "Status:DisConnected");
+    EXPECT_EQ(tab().labStatus.stringValue(), "Status:DisConnected");
     EXPECT_EQ(server()->connectionStatus(), ConnectionStatus::disConnected);
     alerts.clear();
   }
+  waitForIdle(1);
+  EXPECT_EQ(redis.command({"client", "kill", "type", "normal", "skipme", "yes"}), ":1\r\n");
 }
 
-TEST_F(ConnectionCommandsTest, ManyServersConnectSideBySide) {
-  const RedisServer first({"--databases", "1"});
-  RedisServer frozen;
-  const RedisServer last({"--databases", "1"});
-  frozen.freeze();
-  store("first", first.port());
-  store("frozen", frozen.port(), "password");
-  store("last", last.port());
+TEST_F(ConnectionCommandsTest, ARefusedPasswordLeavesTheConnectionUpAndSaysSo) {
+  const RedisServer redis({"--requirepass", "secret", "--databases", "1"});
+  store("local", redis.port(), "wrong");
   openWindow();
-  selectRows({0, 1, 2, 3});
+  clickRow("local");
+  clickTriangle("local");
+  see("*local | [local] | DisConnected 0 db0 queue | WRONGPASS invalid username-password pair or user is disabled.");
+  EXPECT_EQ(server()->connectionStatus(), ConnectionStatus::connected);
+
+  // The way out is the tab's own button.
+  server()->setAuth("secret");
+  click(tab().btnReconnect);
+  see("*local db0(0) | [local] | Connected 1 db0 queue");
+}
+
+TEST_F(ConnectionCommandsTest, AConnectUnderWayHoldsNoOtherUpAndEndsWithoutAWordWhenItIsClosed) {
+  const RedisServer redis({"--databases", "1"});
+  RedisServer slow({"--requirepass", "password", "--databases", "1"});
+  slow.freeze();
+  store("slow", slow.port(), "password");
+  store("other", redis.port());
+  openWindow();
+  clickRow("slow");
+  selectRows({0, 1, 2});
   click(window().btnConn);
-  const Texts connected{"My Favourite", "first", "db0(0)", "frozen", "last", "db0(0)"};
-  EXPECT_TRUE(waitUntil([&] { return rows() == connected; }));
-  EXPECT_EQ(alerts.messages(), Texts());
-}
-
-TEST_F(ConnectionCommandsTest, AConnectUnderWayEndsWithoutAWordWhenItIsClosed) {
-  // Takes the connection and never answers the password.
-  ScriptedServer silent([](ScriptedServer::Peer& peer, int) {
-    while (!peer.readRequest().empty()) {
-    }
-  });
-  store("silent", silent.port(), "password");
-  openWindow();
+  see("*slow *other db0(0) | [slow] | Connecting 0 db0 queue");
+  click(window().btnClose);
+  see("*slow *other | [slow] | NotConnected 0 db0 queue");
   const std::shared_ptr<ServerItem> item = server();
-  const auto openTabAndConnect = [&](int connections) {
-    clickRow("silent");
+  const auto connect = [&] {
+    clickRow("slow");
     content().clickConnect();
-    return waitUntil([&] { return silent.connections() == connections; });
+    see("*slow other | [slow] | Connecting 0 db0 queue");
   };
   const auto isClosed = [&] {
     return waitUntil([&] { return item->operationQueue().operationCount() == 0; }) &&
            item->connectionStatus() == ConnectionStatus::notConnected;
   };
-
-  ASSERT_TRUE(openTabAndConnect(1));
-  waitForText(tab().labStatus, "Status:Connecting");
-  EXPECT_EQ(tab().labDealingQueue.stringValue(), "Dealing Queue:1");
-  content().clickCloseConnections();
-  EXPECT_TRUE(isClosed());
-  settle();
-  EXPECT_EQ(status(), "Status:NotConnected");
-
-  ASSERT_TRUE(openTabAndConnect(2));
+  connect();
   click(tab().btnReconnect);
-  ASSERT_TRUE(waitUntil([&] { return silent.connections() == 3; }));
+  see("*slow other | [slow] | Connecting 0 db0 queue");
   content().closeSelectedTab();
   EXPECT_TRUE(isClosed());
-  EXPECT_EQ(rows(), (Texts{"My Favourite", "silent"}));
+  see("*slow other");
 
-  ASSERT_TRUE(openTabAndConnect(4));
+  // An end by the server isn't without a word.
+  connect();
+  slow.kill();
+  see("*slow other | [slow] | DisConnected 0 db0 queue | Can not connect to server");
+  slow.start();
+  slow.freeze();
+  connect();
   content().clickRemoveSelectedConnections();
   EXPECT_TRUE(isClosed());
-  EXPECT_EQ(rows(), Texts{"My Favourite"});
-  EXPECT_EQ(alerts.messages(), Texts());
+  see("other");
 }
 
 TEST_F(ConnectionCommandsTest, ClosingKeepsTheTabAndReconnectingGoesBackToItsDatabase) {
-  RedisServer redis({"--databases", "4"});
-  redis.command({"set", "here", "1"}, 2);
+  RedisServer redis({"--databases", "3"});
+  redis.command({"set", "zero", "1"}, 0);
+  redis.command({"set", "a", "1"}, 2);
   store("local", redis.port());
   openWindow();
-  connect();
+  clickTriangle("local");
+  see("local db0(1) db1(0) db2(1)");
+  // The first click makes the tab, the same one again lists its keys anew; counts follow, and the selection stays.
   clickRow("db2(");
-  waitForKeys(1);
+  see("local db0(1) db1(0) *db2(1) | [local] | Connected 3 db2 a queue");
+  EXPECT_EQ(server()->currentDbIdx(), 2);
+  redis.command({"set", "b", "2"}, 2);
+  tab().txtSearchKey.setStringValue("b");
+  clickRow("db2(");
+  see("local db0(1) db1(0) *db2(2) | [local] | Connected 3 db2 b queue");
+  // Another one starts with an empty search.
+  clickRow("db0(");
+  see("local *db0(1) db1(0) db2(2) | [local] | Connected 3 db0 zero queue");
+  clickRow("db2(");
+  waitForKeys({"a", "b"});
+  see("local db0(1) db1(0) *db2(2) | [local] | Connected 3 db2 a b queue");
 
   selectRows({1});
   click(window().btnClose);
-  EXPECT_EQ(rows(), (Texts{"My Favourite", "local"}));
-  EXPECT_EQ(status(), "Status:NotConnected");
-  EXPECT_EQ(databases(), 0);
-
+  see("*local | [local] | NotConnected 0 db2 a b");
   // A failed attempt between the two forgets nothing, and neither does the form.
   redis.kill();
   content().clickConnect();
-  waitForIdle();
-  EXPECT_EQ(alerts.messages(), Texts{"Can not connect to Server(local)."});
+  see("*local | [local] | DisConnected 0 db2 a b queue | Can not connect to Server(local).");
   redis.start();
   content().clickConnect();
-  ASSERT_TRUE(waitUntil([&] { return databases() == 4 && server()->currentDbIdx() == 2; }));
-  waitForIdle();
-  EXPECT_EQ(tab().popDatabase.indexOfSelectedItem(), 2);
-  EXPECT_EQ(tab().tableKeys.numberOfRows(), 1);
+  see("*local db0(0) db1(0) db2(0) | [local] | Connected 3 db2 a b queue");
+  EXPECT_TRUE(waitUntil([&] { return server()->currentDbIdx() == 2; }));
 
   // Lost, and made anew, without anyone asking.
+  waitForIdle();
   content().bringDatabasesUpToDate(server(), false);
-  EXPECT_EQ(rows(), (Texts{"My Favourite", "local"}));
-  EXPECT_EQ(status(), "Status:DisConnected");
-  EXPECT_EQ(databases(), 0);
+  see("*local | [local] | DisConnected 0 db2 a b queue");
   content().bringDatabasesUpToDate(server(), true);
-  EXPECT_EQ(rows().size(), 6U);
-  EXPECT_EQ(status(), "Status:Connected");
-  EXPECT_EQ(databases(), 4);
-}
+  see("*local db0(0) db1(0) db2(0) | [local] | Connected 3 db2 a b queue");
 
-// First by fewer databases, then by a server that refuses the one that was shown.
-TEST_F(ConnectionCommandsTest, AReconnectThatCannotGoBackStartsAnewOnTheFirst) {
-  const RedisServer redis({"--databases", "4"});
+  // Where it can't go back it starts anew on the first: fewer databases, then a server that refuses the one on show.
+  waitForIdle();
   const RedisServer smaller({"--databases", "2"});
-  redis.command({"set", "here", "1"}, 3);
   smaller.command({"set", "there", "1"}, 1);
-  store("local", redis.port());
-  openWindow();
-  connect();
-  const auto startsAnew = [&] {
-    click(tab().btnReconnect);
-    const bool isAnew =
-        waitUntil([&] { return status() == "Status:Connected" && databases() == 2 && tabOf()->shownDatabase() == 0; });
-    waitForIdle();
-    return isAnew && tab().tableKeys.numberOfRows() == 0;
-  };
-  clickRow("db3(");
-  waitForKeys(1);
   server()->setServerPort(smaller.port());
-  EXPECT_TRUE(startsAnew());
-  EXPECT_EQ(alerts.messages(), Texts());
-
+  click(tab().btnReconnect);
+  see("*local db0(0) db1(1) | [local] | Connected 2 db0 queue");
   clickRow("db1(");
-  waitForKeys(1);
+  see("local db0(0) *db1(1) | [local] | Connected 2 db1 there queue");
   smaller.command({"acl", "setuser", "default", "-select"});
-  EXPECT_TRUE(startsAnew());
-  ASSERT_EQ(alerts.shown().size(), 1U);
-  EXPECT_NE(alerts.messages()[0].find("NOPERM"), std::string::npos);
+  click(tab().btnReconnect);
+  see("local db0(0) db1(1) | [local] | Connected 2 db0 queue | NOPERM this user has no permissions to run the 'select' "
+      "command");
 }
 
 TEST_F(ConnectionCommandsTest, RemovingTakesConnectionTabAndRecordAwayByTheIdAlone) {
-  const RedisServer redis;
+  const RedisServer redis({"--databases", "1"});
   store("twin", redis.port());
   store("twin", redis.port());
   openWindow();
   clickRow("twin");
-  connect();
+  clickTriangle("twin");
+  see("*twin db0(0) twin | [twin] | Connected 1 db0 queue");
   const std::weak_ptr<OperationTabViewController> tab = tabOf();
   const std::weak_ptr<ServerItem> removed = server();
   const NSUUID staying = server(1)->serverId();
-
-  selectRows({1});
   click(window().btnRem);
-  EXPECT_EQ(rows(), (Texts{"My Favourite", "twin"}));
-  EXPECT_EQ(tabLabels(), Texts{});
+  see("twin");
   EXPECT_TRUE(tab.expired());
   EXPECT_TRUE(waitUntil([&] { return removed.expired(); }));
   EXPECT_EQ(redis.command({"client", "kill", "type", "normal", "skipme", "yes"}), ":0\r\n");
   restart();
-  EXPECT_EQ(rows(), (Texts{"My Favourite", "twin"}));
+  see("twin");
   EXPECT_EQ(server()->serverId(), staying);
 }
 

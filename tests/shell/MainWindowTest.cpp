@@ -3,66 +3,29 @@
 #include "tests/support/RedisServer.h"
 #include "tests/support/program/ProgramTest.h"
 
-#include <unistd.h>
-
 namespace tarn::test {
 
-namespace {
-
-class MainWindow : public ProgramTest {
-protected:
-  // With the tab of a favourite on show.
-  void open() {
-    store("local", 1);
-    openWindow();
-    clickRow("local");
-  }
-};
-
-using MainWindowDeathTest = MainWindow;
-
-}  // namespace
+using MainWindow = ProgramTest;
+using MainWindowDeathTest = ProgramTest;
 
 TEST_F(MainWindowDeathTest, ClosingItEndsTheProcessAlsoWithAnOpenConnection) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
   EXPECT_EXIT(
       {
-        const RedisServer redis;
+        const RedisServer redis({"--databases", "1"});
         store("local", redis.port());
         openWindow();
-        connect();
+        openDatabase("local", "db0(");
         window().window.widget()->close();
-        _exit(3);
       },
       testing::ExitedWithCode(0), "");
 }
 
-TEST_F(MainWindow, AChangeOfSizeReachesTheTab) {
-  open();
-  for (const int width : {1000, 1300, 950, 1200}) {
-    window().window.widget()->resize(width, 700);
-    settle();
-  }
-  EXPECT_TRUE(waitUntil([&] {
-    return tab().valueDataSetTable.tableColumn(0).width() == tab().valueDataSetScrollView.frame().width - 8.0;
-  }));
-}
-
-TEST_F(MainWindow, TheMenusKeysCloseTheTabAndQuit) {
-  open();
-  for (int times = 0; times < 2; ++times) {
-    press(Qt::Key_W, Qt::ControlModifier);
-    EXPECT_FALSE(tabOf());
-  }
-  NSApplication::shared().setShouldTerminate([] { return AppDelegate::shared()->applicationShouldTerminate(); });
-  NSOperationQueue::mainQueue().addOperationWithBlock([] { press(Qt::Key_Q, Qt::ControlModifier); });
-  EXPECT_EQ(NSApplication::shared().run(), 0);
-  NSApplication::shared().setShouldTerminate({});
-}
-
 // The menu of the bar takes the keyboard while it is open.
-TEST_F(MainWindow, TheEditMenuActsOnTheTextThatHadTheKeyboard) {
-  open();
+TEST_F(MainWindow, ActsByMenuAndMenuKeyAndTakesItsTabsAlong) {
+  store("local", 1);
+  openWindow();
+  clickRow("local");
   tab().txtKey.becomeFirstResponder();
   type("name");
   chooseInMainMenu("Edit", "Select All");
@@ -75,11 +38,23 @@ TEST_F(MainWindow, TheEditMenuActsOnTheTextThatHadTheKeyboard) {
     EXPECT_EQ(tab().txtKey.stringValue(), text) << item;
   }
   EXPECT_TRUE(tab().txtKey.isFirstResponder());
-
   // Where no text has the keyboard nothing happens.
   window().serverSelection.becomeFirstResponder();
   chooseInMainMenu("Edit", "Paste");
   EXPECT_EQ(tab().txtKey.stringValue(), "name");
+
+  // A change of size reaches the tab.
+  window().window.widget()->resize(1300, 700);
+  EXPECT_TRUE(waitUntil([&] {
+    return tab().valueDataSetTable.tableColumn(0).width() == tab().valueDataSetScrollView.frame().width - 8.0;
+  }));
+
+  press(Qt::Key_W, Qt::ControlModifier);
+  EXPECT_FALSE(tabOf());
+  NSApplication::shared().setShouldTerminate([] { return AppDelegate::shared()->applicationShouldTerminate(); });
+  NSOperationQueue::mainQueue().addOperationWithBlock([] { press(Qt::Key_Q, Qt::ControlModifier); });
+  EXPECT_EQ(NSApplication::shared().run(), 0);
+  NSApplication::shared().setShouldTerminate({});
 }
 
 }  // namespace tarn::test

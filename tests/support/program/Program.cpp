@@ -10,7 +10,9 @@
 #include <QMenuBar>
 
 #include <algorithm>
+#include <iterator>
 #include <stdexcept>
+#include <utility>
 
 namespace tarn::test {
 
@@ -25,21 +27,26 @@ std::string joined(const Program::Texts& texts) {
   return all;
 }
 
+// A search has no order.
+Program::Texts sortedKeys(OperationTabLayout& tab) {
+  Program::Texts keys = texts(tab.tableKeys);
+  std::ranges::sort(keys);
+  return keys;
+}
+
 void waitUntilActive(const NSView& window) {
   Program::waitFor([&] { return window.widget()->isActiveWindow(); }, [] { return "a window without the keyboard"s; });
 }
 
-QPoint cellCentre(NSTableView& table, const std::string& text, int column) {
+// What takes the clicks, and where: the first row with this text in the column, brought into sight.
+std::pair<QWidget&, QPoint> cell(NSTableView& table, const std::string& text, int column) {
   const Program::Texts shown = texts(table, column);
   const auto found = std::ranges::find(shown, text);
   if (found == shown.end()) throw std::runtime_error("no cell \"" + text + "\" among " + joined(shown));
   const int row = static_cast<int>(found - shown.begin());
   table.scrollRowToVisible(row);
-  return dynamic_cast<TableViewWidget&>(*table.widget()).cellRect(row, column).center();
-}
-
-QWidget& cellsOf(NSTableView& table) {
-  return *dynamic_cast<TableViewWidget&>(*table.widget()).viewport();
+  auto& widget = dynamic_cast<TableViewWidget&>(*table.widget());
+  return {*widget.viewport(), widget.cellRect(row, column).center()};
 }
 
 template <typename Menu>
@@ -62,12 +69,10 @@ Program::~Program() {
   }
   dropWindow();
   // What still runs would tell the next test of its failures.
-  waitUntil([this] {
-    return std::ranges::all_of(servers_, [](const auto& held) {
-      const auto server = held.lock();
-      return !server || server->operationQueue().operationCount() == 0;
-    });
-  });
+  for (const auto& held : servers_) {
+    const auto isOver = [](const auto& server) { return !server || server->operationQueue().operationCount() == 0; };
+    waitUntil([&] { return isOver(held.lock()); });
+  }
   settle();
 }
 
@@ -84,8 +89,7 @@ void Program::store(const std::string& name, int port, const std::string& passwo
 
 void Program::openWindow(QSize size) {
   content_.emplace();
-  for (const auto& server : content_->myFavourite()->servers)
-    servers_.push_back(server);
+  std::ranges::copy(content_->myFavourite()->servers, std::back_inserter(servers_));
   controller_.emplace(*content_);
   controller_->showWindow();
   show(*content_->window().widget(), size);
@@ -103,25 +107,9 @@ void Program::restart() {
   openWindow();
 }
 
-void Program::toFront() {
-  show(*content_->window().widget());
-}
-
-Program::Texts Program::tabLabels() {
-  Texts labels;
-  for (const auto& item : window().mainTab.tabViewItems())
-    labels.push_back(item->label());
-  return labels;
-}
-
 void Program::openForm(const NSButton& button) {
   click(button);
   waitUntilActive(form().window);
-}
-
-void Program::openTypeDialog() {
-  content_->openTypeDialog();
-  waitUntilActive(typeDialog().window);
 }
 
 void Program::newKey(const std::string& type) {
@@ -160,6 +148,30 @@ QModelIndex Program::treeIndex(const std::string& text) {
   return row;
 }
 
+std::string Program::screen() {
+  std::string all;
+  const Texts names = rows();
+  const std::vector<int> selected = window().serverSelection.selectedRowIndexes();
+  for (int row = 1; row < static_cast<int>(names.size()); ++row)
+    all += (row > 1 ? " " : "") + std::string(std::ranges::count(selected, row) ? "*" : "") +
+           names[static_cast<std::size_t>(row)];
+  const auto front = window().mainTab.selectedTabViewItem();
+  for (const auto& item : window().mainTab.tabViewItems())
+    all += item == front ? " | [" + item->label() + "]" : " | " + item->label();
+  if (front) {
+    const auto tab = std::dynamic_pointer_cast<OperationTabViewController>(front->viewController());
+    OperationTabLayout& shown = tab->outlets();
+    all += " | " + shown.labStatus.stringValue().substr(std::string_view("Status:").size()) + " " +
+           std::to_string(itemCount(shown.popDatabase)) + " db" + std::to_string(tab->shownDatabase());
+    for (const std::string& key : sortedKeys(shown))
+      all += " " + key;
+    if (!shown.labDealingQueue.stringValue().empty()) all += " queue";
+  }
+  for (const std::string& message : alerts.messages())
+    all += " | " + message;
+  return all;
+}
+
 void Program::clickRow(const std::string& text) {
   click(*tree().viewport(), tree().visualRect(treeIndex(text)).center());
 }
@@ -167,13 +179,6 @@ void Program::clickRow(const std::string& text) {
 void Program::clickTriangle(const std::string& text) {
   const QRect row = tree().visualRect(treeIndex(text));
   click(*tree().viewport(), QPoint(row.left() - tree().indentation() / 2, row.center().y()));
-}
-
-void Program::connect(std::size_t index) {
-  clickTriangle(server(index)->connectionName());
-  waitFor([&] { return server(index)->connectionStatus() == ConnectionStatus::connected; },
-          [&] { return joined(alerts.messages()); });
-  waitForIdle(index);
 }
 
 void Program::openDatabase(const std::string& favourite, const std::string& text) {
@@ -191,20 +196,19 @@ void Program::waitForIdle(std::size_t index) {
 }
 
 void Program::clickRow(NSTableView& table, const std::string& text) {
-  const QPoint centre = cellCentre(table, text, 0);
-  click(cellsOf(table), centre);
+  const auto [cells, centre] = cell(table, text, 0);
+  click(cells, centre);
 }
 
 void Program::typeInCell(NSTableView& table, const std::string& text, int column, std::string_view typed) {
-  const QPoint centre = cellCentre(table, text, column);
-  doubleClick(cellsOf(table), centre);
+  const auto [cells, centre] = cell(table, text, column);
+  doubleClick(cells, centre);
   press(Qt::Key_A, Qt::ControlModifier);
   type(typed);
 }
 
 void Program::chooseInMenu(NSTableView& table, const std::string& rowText, const std::string& item) {
-  const QPoint centre = cellCentre(table, rowText, 0);
-  QWidget& cells = cellsOf(table);
+  const auto [cells, centre] = cell(table, rowText, 0);
   click(cells, centre, Qt::RightButton);
   QContextMenuEvent event(QContextMenuEvent::Mouse, centre, cells.mapToGlobal(centre));
   QApplication::sendEvent(&cells, &event);
@@ -231,12 +235,7 @@ void Program::searchFor(std::string_view text) {
 }
 
 void Program::waitForKeys(const Texts& keys) {
-  const auto shown = [&] {
-    Texts texts = test::texts(tab().tableKeys);
-    std::ranges::sort(texts);
-    return texts;
-  };
-  waitFor([&] { return shown() == keys; }, [&] { return joined(shown()); });
+  waitFor([&] { return sortedKeys(tab()) == keys; }, [&] { return joined(sortedKeys(tab())); });
 }
 
 void Program::waitForKeys(int count) {
@@ -249,21 +248,11 @@ void Program::readKey(const std::string& key, const std::string& dataSize) {
   waitForText(tab().labDataSize, dataSize);
 }
 
-void Program::save(Texts messages) {
-  click(tab().btnSave);
-  takeSaved(std::move(messages));
-}
-
-void Program::saveByKey() {
-  press(Qt::Key_S, Qt::ControlModifier);
-  // A button that is pressed by its chord shows it for a moment first.
-  waitUntil([&] { return !alerts.shown().empty(); });
-  takeSaved({});
-}
-
-void Program::takeSaved(Texts messages) {
+void Program::save(Texts messages, bool byKey) {
+  byKey ? press(Qt::Key_S, Qt::ControlModifier) : click(tab().btnSave);
   messages.push_back("Saved.");
-  if (alerts.messages() != messages) throw std::runtime_error("a save says " + joined(alerts.messages()));
+  // A button that is pressed by its chord shows it for a moment first.
+  waitFor([&] { return alerts.messages() == messages; }, [&] { return joined(alerts.messages()); });
   alerts.clear();
 }
 

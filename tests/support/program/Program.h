@@ -39,7 +39,7 @@ public:
   // Quits and starts again, over the same store.
   void restart();
   // Offscreen no window manager gives the keyboard back when a window in front closes.
-  void toFront();
+  void toFront() { show(*content_->window().widget()); }
 
   MainViewController& content() { return *content_; }
   MainLayout& window() { return content_->outlets(); }
@@ -47,17 +47,16 @@ public:
   std::shared_ptr<ServerItem> server(std::size_t index = 0) { return content_->myFavourite()->servers.at(index); }
   ConnectionTabs::Tab tabOf(std::size_t index = 0) { return content_->tabForServer(*server(index)); }
   OperationTabLayout& tab(std::size_t index = 0) { return tabOf(index)->outlets(); }
-  Texts tabLabels();
+  // The rows below the root, a selected one behind "*"; the tabs, the one in front in brackets; of that one the status,
+  // how many databases are offered, the one on show, the keys, and whether the queue label says anything; the messages.
+  std::string screen();
 
   // Opens the connection form by a click on the button, or chooses a type for a new key in the dialog behind "New".
   void openForm(const NSButton& button);
-  void openTypeDialog();
   void newKey(const std::string& type);
   // What is open.
   NewConnectionLayout& form() { return content_->newConnectionWindowController()->form().outlets(); }
-  NewKeyValueTypeSelectLayout& typeDialog() {
-    return content_->newKeyValueTypeSelectWindowController()->dialog().outlets();
-  }
+  auto& typeDialog() { return content_->newKeyValueTypeSelectWindowController()->dialog().outlets(); }
   // Types each text and presses Tab, from the field that has the keyboard on.
   static void fillIn(const Texts& texts);
 
@@ -67,8 +66,6 @@ public:
   void clickTriangle(const std::string& text);
   // By code, so that no tab opens.
   void selectRows(const std::vector<int>& rows) { window().serverSelection.selectRowIndexes(rows); }
-  // Opens the favourite's row and waits for its databases.
-  void connect(std::size_t index = 0);
   // Opens the favourite's row, waits until there is such a row, and clicks it.
   void openDatabase(const std::string& favourite, const std::string& text);
   // Until nothing runs or waits on the server's queue, and what it posted has run.
@@ -92,8 +89,7 @@ public:
   // Clicks the key and waits until its load has ended.
   void readKey(const std::string& key, const std::string& dataSize);
   // By a click, or by the keyboard. Succeeds, after these messages, each of which was answered.
-  void save(Texts messages = {});
-  void saveByKey();
+  void save(Texts messages = {}, bool byKey = false);
 
   static void waitForText(const NSControl& control, const std::string& text);
   static void waitFor(const std::function<bool()>& done, const std::function<std::string()>& elseSays);
@@ -104,7 +100,6 @@ public:
 private:
   QTreeView& tree();
   QModelIndex treeIndex(const std::string& text);
-  void takeSaved(Texts messages);
 
   std::optional<AppDelegate> delegate_{std::in_place};
   std::optional<MainViewController> content_;

@@ -8,6 +8,8 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QElapsedTimer>
+#include <QKeySequence>
+#include <QStringList>
 #include <QStyle>
 #include <QTest>
 #include <QTimer>
@@ -57,6 +59,13 @@ void press(Qt::Key key, Qt::KeyboardModifiers modifiers) {
   settle();
 }
 
+void keys(const char* script) {
+  for (const QString& key : QString::fromUtf8(script).split(u' ', Qt::SkipEmptyParts)) {
+    const QKeyCombination chord = QKeySequence(key)[0];
+    key.startsWith(u'\'') ? type(key.mid(1).toStdString()) : press(chord.key(), chord.keyboardModifiers());
+  }
+}
+
 void choose(QWidget& popUp, int index) {
   auto& box = dynamic_cast<QComboBox&>(popUp);
   // The list ignores a release that comes sooner than a double click after the press that opened it.
@@ -95,11 +104,11 @@ void settle() {
   }
 }
 
-bool waitUntil(const std::function<bool()>& done, std::chrono::milliseconds limit) {
+bool waitUntil(const std::function<bool()>& done) {
   QElapsedTimer timer;
   timer.start();
   while (!done()) {
-    if (timer.elapsed() > limit.count()) return false;
+    if (timer.elapsed() > 10'000) return false;
     QApplication::processEvents(QEventLoop::AllEvents, 20);
     QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QTest::qSleep(1);
@@ -132,36 +141,8 @@ void whenModal(std::function<void(QWidget& modal)> action) {
 }
 
 void useDarkPalette(bool dark) {
-  if (!dark) {
-    QApplication::setPalette(QApplication::style()->standardPalette());
-    return;
-  }
-  const QColor text(0xe6, 0xe6, 0xe6);
-  const std::pair<QPalette::ColorRole, QColor> colours[] = {{QPalette::Window, {0x2a, 0x2c, 0x30}},
-                                                            {QPalette::Base, {0x1f, 0x21, 0x24}},
-                                                            {QPalette::AlternateBase, {0x26, 0x28, 0x2c}},
-                                                            {QPalette::Button, {0x36, 0x39, 0x3e}},
-                                                            {QPalette::ToolTipBase, {0x36, 0x39, 0x3e}},
-                                                            {QPalette::WindowText, text},
-                                                            {QPalette::Text, text},
-                                                            {QPalette::ButtonText, text},
-                                                            {QPalette::ToolTipText, text},
-                                                            {QPalette::PlaceholderText, {0x8c, 0x8f, 0x94}},
-                                                            {QPalette::BrightText, Qt::white},
-                                                            {QPalette::Highlight, {0x3d, 0x7e, 0xc8}},
-                                                            {QPalette::HighlightedText, Qt::white},
-                                                            {QPalette::Link, {0x6c, 0xa8, 0xe8}},
-                                                            {QPalette::Light, {0x4a, 0x4d, 0x53}},
-                                                            {QPalette::Midlight, {0x40, 0x43, 0x48}},
-                                                            {QPalette::Mid, {0x22, 0x24, 0x27}},
-                                                            {QPalette::Dark, {0x18, 0x19, 0x1b}},
-                                                            {QPalette::Shadow, Qt::black}};
-  QPalette palette;
-  for (const auto& [role, colour] : colours) {
-    palette.setColor(role, colour);
-    if (colour == text) palette.setColor(QPalette::Disabled, role, QColor(0x8c, 0x8f, 0x94));
-  }
-  QApplication::setPalette(palette);
+  QApplication::setPalette(dark ? QPalette(QColor(0x36, 0x39, 0x3e), QColor(0x1f, 0x21, 0x24))
+                                : QApplication::style()->standardPalette());
 }
 
 }  // namespace tarn::test

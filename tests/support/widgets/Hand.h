@@ -4,7 +4,6 @@
 #include <QString>
 #include <QWidget>
 
-#include <chrono>
 #include <functional>
 #include <optional>
 #include <string>
@@ -31,6 +30,8 @@ void doubleClick(QWidget& widget, std::optional<QPoint> at = {});
 // Keys go to whatever has the keyboard.
 void type(std::string_view text);
 void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
+// One after the other: names as menus show them ("Ctrl+Shift+Left"), or text to type behind an apostrophe.
+void keys(const char* script);
 
 // Opens the pop-up's list by a click and chooses the item by another.
 void choose(QWidget& popUp, int index);
@@ -43,8 +44,8 @@ std::vector<std::string> texts(NSTableView& table, int column = 0);
 
 // Handles what waits: posted blocks, events, layout and painting.
 void settle();
-// Handles events until `done` answers true; false if it never does within the limit.
-bool waitUntil(const std::function<bool()>& done, std::chrono::milliseconds limit = std::chrono::seconds(10));
+// Handles events until `done` answers true; false if it never does within ten seconds.
+bool waitUntil(const std::function<bool()>& done);
 
 // Shows a widget as a window of this size, and waits until it has the keyboard.
 void show(QWidget& widget, QSize size = {});
@@ -55,7 +56,7 @@ QWidget* openPopUp();
 // Runs once, as soon as a modal window is up: call it before the code that raises one and waits for it.
 void whenModal(std::function<void(QWidget& modal)> action);
 
-// The dark palette of the pictures and tests, or the light one, for the whole program.
+// A dark palette, or the usual light one, for the whole program.
 void useDarkPalette(bool dark);
 
 }  // namespace tarn::test
