@@ -116,6 +116,7 @@ TEST(ValueRows, TextsAndScoresMoveWithTheirRows) {
   ValueRows rows = rowsOf(ValueType::sortedSet, reply, "Base64");
   rows.takeCellText(0, 0, "..YQ==", formNamed("Base64"));
   rows.takeCellText(0, 2, "..Yw==", formNamed("Base64"));
+  const int revision = rows.revision();
   rows.insertRow(1);
   rows.insertRow(4);
   EXPECT_FALSE(rows.hasRow(-1) || rows.hasRow(5) || !rows.hasRow(4));
@@ -126,6 +127,7 @@ TEST(ValueRows, TextsAndScoresMoveWithTheirRows) {
   EXPECT_EQ(textsOf(rows), (Strings{"\\BYg==", "..Yw==", ""}));
   EXPECT_EQ(rows.columns()[0].data(), (Rows{"b"_bytes, "c"_bytes, ""_bytes}));
   EXPECT_EQ(rows.scores(), (Strings{"2", "3", "5"}));
+  EXPECT_EQ(rows.revision(), revision + 4);
 }
 
 // Row, bytes and reason of each change.
