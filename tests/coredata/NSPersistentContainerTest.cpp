@@ -166,7 +166,8 @@ TEST_F(PersistentContainer, WaitsForAnotherProgramThatHoldsTheFileAndThenReports
     fputs(statement, other.get());
     fflush(other.get());
   };
-  run("BEGIN EXCLUSIVE;\n");
+  // It asks again where the reader below is at it.
+  run(".timeout 60000\nBEGIN EXCLUSIVE;\n");
   while (sql("SELECT count(*) FROM UseCounter") == "0") {
   }
   auto opening = std::async([] { openStore("database is locked"); });
