@@ -140,6 +140,10 @@ void whenModal(std::function<void(QWidget& modal)> action) {
   timer->start(1);
 }
 
+bool takePicture(QWidget& widget, const std::string& file) {
+  return widget.grab().save(QString::fromStdString(file));
+}
+
 void useDarkPalette(bool dark) {
   QApplication::setPalette(dark ? QPalette(QColor(0x36, 0x39, 0x3e), QColor(0x1f, 0x21, 0x24))
                                 : QApplication::style()->standardPalette());

@@ -56,6 +56,9 @@ QWidget* openPopUp();
 // Runs once, as soon as a modal window is up: call it before the code that raises one and waits for it.
 void whenModal(std::function<void(QWidget& modal)> action);
 
+// Writes how the widget looks now into a PNG file; false if that failed.
+bool takePicture(QWidget& widget, const std::string& file);
+
 // A dark palette, or the usual light one, for the whole program.
 void useDarkPalette(bool dark);
 
