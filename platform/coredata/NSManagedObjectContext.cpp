@@ -72,8 +72,10 @@ bool NSManagedObjectContext::write(const NSManagedObject& object, std::optional<
   if (!object.hasChanges()) return true;
   const std::string table = object.entity_.name;
   if (object.isDeleted_) return !rowId || store_->run("DELETE FROM " + table + " WHERE rowid = ?", {*rowId});
-  const NSManagedValue known = rowId ? NSManagedValue(*rowId) : NSManagedValue();
-  auto rows = store_->run("SELECT rowid FROM " + table + " WHERE rowid = ?", {known});
+  // A new one has no number, which no row has.
+  std::vector<NSManagedValue> known(1);
+  if (rowId) known.front() = *rowId;
+  auto rows = store_->run("SELECT rowid FROM " + table + " WHERE rowid = ?", known);
   // New, or removed by another running program while it was changed here: the change wins.
   const bool isNew = rows && rows->empty();
   if (isNew) rows = store_->run("INSERT INTO " + table + " DEFAULT VALUES RETURNING rowid");
