@@ -10,6 +10,7 @@ std::string charsetName(CharsetEnum charset) {
 
 std::vector<std::string> charsetNames() {
   std::vector<std::string> names;
+  names.reserve(std::size(charsetTable));
   for (const CharsetRow& row : charsetTable)
     names.emplace_back(row.name);
   return names;

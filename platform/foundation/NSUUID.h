@@ -21,7 +21,8 @@ public:
   // The upper-case text of 36 characters.
   std::string uuidString() const;
 
-  friend auto operator<=>(const NSUUID&, const NSUUID&) = default;
+  // clang-tidy takes the zero that the compiler compares with for a pointer.
+  friend auto operator<=>(const NSUUID&, const NSUUID&) = default;  // NOLINT(modernize-use-nullptr)
 
 private:
   explicit NSUUID(std::array<std::uint8_t, 16> bytes) : bytes_(bytes) {}
