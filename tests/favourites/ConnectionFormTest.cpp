@@ -114,13 +114,13 @@ TEST_F(ConnectionFormTest, AnOpenFormIsTakenOverAndKeepsNothingWhenItIsLeft) {
   click(form().btnShowAuth);
   openEdit(2);
   EXPECT_EQ(shown(), "Edit Connection: +other|+127.0.0.1|+2|+||utf8");
+  EXPECT_FALSE(form().btnShowAuth.state());
   // A new connection doesn't take the password of another one along.
   openEdit(1);
   click(form().btnShowAuth);
   openForm(window().btnNew);
   EXPECT_EQ(content().newConnectionWindowController(), first);
   EXPECT_EQ(shown(), "New Connection: +|+|+|+||utf8");
-  EXPECT_FALSE(form().btnShowAuth.state());
   EXPECT_TRUE(form().txtCnnName.isFirstResponder());
 
   const std::function<void()> ways[] = {[this] { click(form().btnCancel); }, [] { press(Qt::Key_Escape); },

@@ -44,10 +44,15 @@ TEST_F(MainWindow, ActsByMenuAndMenuKeyAndTakesItsTabsAlong) {
   EXPECT_EQ(tab().txtKey.stringValue(), "name");
 
   // A change of size reaches the tab.
-  window().window.widget()->resize(1300, 700);
-  EXPECT_TRUE(waitUntil([&] {
-    return tab().valueDataSetTable.tableColumn(0).width() == tab().valueDataSetScrollView.frame().width - 8.0;
-  }));
+  newKey("List");
+  auto& column = tab().valueDataSetTable.tableColumn(0);
+  // More than once, since the tab fits itself a moment later to a new key too.
+  for (const int width : {1200, 1300, 1250}) {
+    window().window.widget()->resize(width, 700);
+    settle();
+    column.setWidth(10);
+    EXPECT_TRUE(waitUntil([&] { return column.width() == tab().valueDataSetScrollView.frame().width - 8.0; }));
+  }
 
   press(Qt::Key_W, Qt::ControlModifier);
   EXPECT_FALSE(tabOf());
