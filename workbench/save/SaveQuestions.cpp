@@ -3,7 +3,7 @@
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSLocalizedString.h"
 
-#include <set>
+#include <algorithm>
 #include <utility>
 
 namespace tarn {
@@ -31,11 +31,12 @@ BytesAnswer askAboutBytes(std::string message, std::string reasons) {
 
 // Those for one reason, or for any.
 std::size_t rowCount(const std::vector<ConvertedRow>& changes, std::optional<ConversionReason> reason = {}) {
-  std::set<std::size_t> rows;
+  std::vector<std::size_t> rows;
   for (const ConvertedRow& change : changes) {
-    if (!reason || change.reason == *reason) rows.insert(change.row);
+    if (!reason || change.reason == *reason) rows.push_back(change.row);
   }
-  return rows.size();
+  std::ranges::sort(rows);
+  return static_cast<std::size_t>(std::ranges::unique(rows).begin() - rows.begin());
 }
 
 // One line, where there is such a row.
