@@ -225,6 +225,7 @@ TEST_F(TextInput, MovesDeletesAsksAndNotifies) {
        {"text ab^c|; key Ctrl+X Ctrl+Z Ctrl+Shift+Z", "2+1>?, 2+0>c?, 2+1>?", "ab|*"},
        {"text a|; key 'b; refuse; key 'z Return Backspace Ctrl+Z", "1+0>b?, 2+0>z?, 2+0>\n?, 1+1>?, 1+1>?", "ab|*"},
        {"field |1; compose ni", "", "|1"},
+       {"text ab|; drop 1", "1+0>p\r\n?", "ap\r\n|b*"},
        // An edit begins and ends once.
        {"field |; key 'ab Tab", "a?, begin 7, ab?, end 7 ab", "ab|*"},
        {"field ab|; key Tab Shift+Backtab", "", "^ab|"},

@@ -238,14 +238,11 @@ TEST(TextStore, GivesBackItsUtf8AndOnlyAddsWhereTheNewTextBeginsWithTheOldOne) {
   std::mt19937 random(5);
   const std::string large = toUtf8(randomText(random, 700000) + allTreacherousTexts());
   TextStore store(TextStore::Lines::many);
-  for (const auto& [utf8, adds] : {std::pair<std::string, bool>{"one\r", false},
-                                   {"one\r\ntwo", true},
-                                   {"one\r\ntwo", true},
-                                   {"one\r\ntw", false},
-                                   {"One\r\ntwo three", false},
-                                   {large, false},
-                                   {large + "x", true},
-                                   {"", false}}) {
+  // clang-format off
+  for (const auto& [utf8, adds] : std::vector<std::pair<std::string, bool>>{
+           {"one\r", false}, {"one\r\ntwo", true}, {"one\r\ntwo", true}, {"one\r\ntw", false},
+           {"One\r\ntwo three", false}, {large, false}, {large + "x", true}, {"", false}}) {
+    // clang-format on
     EXPECT_EQ(store.set(utf8), adds);
     expectSound(store, toQString(utf8));
     EXPECT_EQ(store.utf8(0), utf8);
