@@ -1,6 +1,6 @@
 #include "tests/support/RedisServer.h"
 #include "tests/support/RespPeer.h"
-#include "tests/support/program/ProgramTest.h"
+#include "tests/support/program/Program.h"
 
 namespace tarn::test {
 
@@ -48,8 +48,7 @@ TEST_F(Reading, TheWholeRoadFromAFavouriteToValuesAndBack) {
   fill(redis);
   store("lake", redis.port());
   openWindow();
-  clickTriangle("lake");
-  see("lake db0(8) db1(0) db2(2) db3(0)");
+  see([&] { clickTriangle("lake"); }, "lake db0(8) db1(0) db2(2) db3(0)");
   clickRow("db0(8)");
   see("lake *db0(8) db1(0) db2(2) db3(0) | [lake] | Connected 4 db0 \\B/wFrZXk= hash list set text "
       "user:1 user:12 zset queue");
@@ -64,19 +63,19 @@ TEST_F(Reading, TheWholeRoadFromAFavouriteToValuesAndBack) {
   click(tab().btnSearchKeyClear);
   click(tab().chkExactly);
   waitForKeys(8);
-  EXPECT_EQ(read("text", "Data Size: 22byte(s)"),
-            "text, Type: String, 4...Second(s), Key Size: 4byte(s): Grüße\nfrom two lines");
-  EXPECT_EQ(read("list", "Data Size: 13byte(s) Data Count:3"),
-            "list, Type: List, -1(Persist), Key Size: 4byte(s): first second \\B//4=");
-  EXPECT_EQ(read("set", "Data Size: 4byte(s) Data Count:1"), "set, Type: Set, -1(Persist), Key Size: 3byte(s): only");
-  EXPECT_EQ(read("hash", "Data Size: 24byte(s) Data Count:3"),
-            "hash, Type: Hash, -1(Persist), Key Size: 4byte(s): name city \\Byv4= Ada London bytes");
-  useDarkPalette(true);
-  useDarkPalette(false);
-  EXPECT_EQ(read("zset", "Data Size: 23byte(s) Data Count:6"),
-            "zset, Type: SortedSet, -1(Persist), Key Size: 4byte(s): lowest low high -3 1.5 1e+21");
-  EXPECT_EQ(read("\\B/wFrZXk=", "Data Size: 21byte(s)"),
-            "\\B/wFrZXk=, Type: String, -1(Persist), Key Size: 5byte(s): a key that is no text");
+  // clang-format off
+  const std::array<std::string, 3> values[] = {
+      {"text", "22byte(s)", "String, 4...Second(s), Key Size: 4byte(s): Grüße\nfrom two lines"},
+      {"list", "13byte(s) Data Count:3", "List, -1(Persist), Key Size: 4byte(s): first second \\B//4="},
+      {"set", "4byte(s) Data Count:1", "Set, -1(Persist), Key Size: 3byte(s): only"},
+      {"hash", "24byte(s) Data Count:3", "Hash, -1(Persist), Key Size: 4byte(s): name city \\Byv4= Ada London bytes"},
+      {"zset", "23byte(s) Data Count:6", "SortedSet, -1(Persist), Key Size: 4byte(s): lowest low high -3 1.5 1e+21"},
+      {"\\B/wFrZXk=", "21byte(s)", "String, -1(Persist), Key Size: 5byte(s): a key that is no text"}};
+  // clang-format on
+  for (const auto& [key, size, shown] : values) {
+    EXPECT_EQ(read(key, "Data Size: " + size), key + ", Type: " + shown);
+    useDarkPalette(key == "hash");
+  }
   // Another database, another character set.
   choose(tab().popDatabase, "db2");
   waitForKeys({"\\BvPzD+w==", "plain"});
@@ -140,6 +139,43 @@ TEST_F(Reading, AClusterIsSearchedReadAndSavedToAsOneServer) {
     EXPECT_EQ(owners, 1) << key;
   }
   EXPECT_GT(savedElsewhere, 0);
+}
+
+// Tabs and windows go at every stage of the work under them, which runs on without a view to show it in.
+TEST_F(Reading, ATabOrTheWindowGoesAwayAtAnyMoment) {
+  const RedisServer redis;
+  redis.command({"EVAL",
+                 "for i = 1, 20000 do redis.call('HSET', 'key:hash', i, 'value') end "
+                 "for i = 1, 3000 do redis.call('SET', 'key:' .. i, 'value') end",
+                 "0"});
+  store("lake", redis.port());
+  openWindow();
+  // Connects, opens the first database and starts a search and a load of the large hash.
+  const auto startWork = [&] {
+    openDatabase("lake", "db0(");
+    tab().txtSearchKey.setStringValue("key");
+    click(tab().chkExactly);
+    click(tab().chkExactly);
+    tab().txtKey.setStringValue("key:hash");
+    click(tab().btnReload);
+  };
+  for (int round = 0; round < 200; ++round) {
+    startWork();
+    for (int turn = 0; turn < round / 2 % 12; ++turn)
+      settle();
+    if (round % 2 == 0) {
+      click(tab().btnClose);
+      ASSERT_FALSE(tabOf());
+    } else {
+      dropWindow();
+      settle();
+      openWindow();
+    }
+  }
+  // All of it still works.
+  startWork();
+  waitForText(tab().labStatus, "Status:Connected");
+  EXPECT_TRUE(waitUntil([&] { return tab().valueDataHashTable.numberOfRows() == 20000; }));
 }
 
 }  // namespace tarn::test

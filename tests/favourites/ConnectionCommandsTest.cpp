@@ -1,6 +1,6 @@
 #include "tests/support/LoopbackPort.h"
 #include "tests/support/RedisServer.h"
-#include "tests/support/program/ProgramTest.h"
+#include "tests/support/program/Program.h"
 
 namespace tarn::test {
 
@@ -13,19 +13,12 @@ TEST_F(ConnectionCommandsTest, ARowShowsOneTabAndAClosedTabThatOfTheOneInItsPlac
   for (const char* name : {"a", "c", "b", "c"})
     clickRow(name);
   see("a b *c | a | [c] | b | NotConnected 0 db0 queue");
-  const auto item = window().mainTab.selectedTabViewItem();
-  EXPECT_EQ(item->toolTip(), "c");
-  EXPECT_EQ(item->sizeOfLabel(true), 0.0);
-  EXPECT_GT(item->sizeOfLabel(false), 0.0);
-  for (const auto& [closed, left] : {std::pair(2U, "a *b c | a | [b] | NotConnected 0 db0"),
-                                     {1U, "*a b c | [a] | NotConnected 0 db0"},
-                                     {0U, "*a b c"}}) {
-    click(tab(closed).btnClose);
-    see(left);
-  }
-  // Without a tab nothing is closed.
-  content().closeSelectedTab();
-  see("*a b c");
+  EXPECT_EQ(window().mainTab.selectedTabViewItem()->toolTip(), "c");
+  EXPECT_EQ(window().mainTab.selectedTabViewItem()->sizeOfLabel(true), 0.0);
+  see([&] { click(tab(2).btnClose); }, "a *b c | a | [b] | NotConnected 0 db0");
+  see([&] { click(tab(1).btnClose); }, "*a b c | [a] | NotConnected 0 db0");
+  see([&] { click(tab(0).btnClose); }, "*a b c");
+  see([&] { content().closeSelectedTab(); }, "*a b c");
 }
 
 TEST_F(ConnectionCommandsTest, ADeadServerIsTriedAgainByEveryWayToConnect) {
@@ -35,14 +28,9 @@ TEST_F(ConnectionCommandsTest, ADeadServerIsTriedAgainByEveryWayToConnect) {
   clickRow("dead");
   const std::function<void()> ways[] = {[&] { clickTriangle("dead"); },
                                         [&] { clickTriangle("dead"), clickTriangle("dead"); },
-                                        [&] {
-                                          selectRows({0, 1}), click(window().btnConn);
-                                        },
-                                        [&] { click(tab().btnReconnect); }};
-  for (const auto& connectAgain : ways) {
-    connectAgain();
-    see("*dead | [dead] | DisConnected 0 db0 queue | Can not connect to Server(dead).");
-  }
+                                        [&] { click(window().btnConn); }, [&] { click(tab().btnReconnect); }};
+  for (const auto& way : ways)
+    see(way, "*dead | [dead] | DisConnected 0 db0 queue | Can not connect to Server(dead).");
 }
 
 TEST_F(ConnectionCommandsTest, ARefusedPasswordLeavesTheConnectionUpAndSaysSo) {
@@ -53,7 +41,6 @@ TEST_F(ConnectionCommandsTest, ARefusedPasswordLeavesTheConnectionUpAndSaysSo) {
   clickTriangle("local");
   see("*local | [local] | DisConnected 0 db0 queue | WRONGPASS invalid username-password pair or user is disabled.");
   EXPECT_EQ(server()->connectionStatus(), ConnectionStatus::connected);
-
   // The way out is the tab's own button.
   server()->setAuth("secret");
   click(tab().btnReconnect);
@@ -69,29 +56,23 @@ TEST_F(ConnectionCommandsTest, AConnectUnderWayHoldsNoOtherUpAndEndsWithoutAWord
   openWindow();
   clickRow("slow");
   selectRows({0, 1, 2});
-  click(window().btnConn);
-  see("*slow *other db0(0) | [slow] | Connecting 0 db0 queue");
-  click(window().btnClose);
-  see("*slow *other | [slow] | NotConnected 0 db0 queue");
+  see([&] { click(window().btnConn); }, "*slow *other db0(0) | [slow] | Connecting 0 db0 queue");
+  see([&] { click(window().btnClose); }, "*slow *other | [slow] | NotConnected 0 db0 queue");
   // Or before it has shown that it began.
   content().clickConnect();
   content().clickCloseConnections();
   see("*slow *other | [slow] | NotConnected 0 db0 queue");
-  const std::shared_ptr<ServerItem> item = server();
+  const auto isClosed = [item = server()] {
+    return item->operationQueue().operationCount() == 0 && item->connectionStatus() == ConnectionStatus::notConnected;
+  };
   const auto connect = [&] {
     clickRow("slow");
-    content().clickConnect();
-    see("*slow other | [slow] | Connecting 0 db0 queue");
-  };
-  const auto isClosed = [&] {
-    return waitUntil([&] { return item->operationQueue().operationCount() == 0; }) &&
-           item->connectionStatus() == ConnectionStatus::notConnected;
+    see([&] { content().clickConnect(); }, "*slow other | [slow] | Connecting 0 db0 queue");
   };
   connect();
-  click(tab().btnReconnect);
-  see("*slow other | [slow] | Connecting 0 db0 queue");
+  see([&] { click(tab().btnReconnect); }, "*slow other | [slow] | Connecting 0 db0 queue");
   content().closeSelectedTab();
-  EXPECT_TRUE(isClosed());
+  EXPECT_TRUE(waitUntil(isClosed));
   see("*slow other");
 
   // An end by the server isn't without a word.
@@ -102,7 +83,7 @@ TEST_F(ConnectionCommandsTest, AConnectUnderWayHoldsNoOtherUpAndEndsWithoutAWord
   slow.freeze();
   connect();
   content().clickRemoveSelectedConnections();
-  EXPECT_TRUE(isClosed());
+  EXPECT_TRUE(waitUntil(isClosed));
   see("other");
 }
 
@@ -112,43 +93,32 @@ TEST_F(ConnectionCommandsTest, ClosingKeepsTheTabAndReconnectingGoesBackToItsDat
   redis.command({"set", "a", "1"}, 2);
   store("local", redis.port());
   openWindow();
-  clickTriangle("local");
-  see("local db0(1) db1(0) db2(1)");
   // The first click makes the tab, the same one again lists its keys anew; counts follow, and the selection stays.
-  clickRow("db2(");
-  see("local db0(1) db1(0) *db2(1) | [local] | Connected 3 db2 a queue");
+  see([&] { clickTriangle("local"); }, "local db0(1) db1(0) db2(1)");
+  see([&] { clickRow("db2("); }, "local db0(1) db1(0) *db2(1) | [local] | Connected 3 db2 a queue");
   EXPECT_EQ(server()->currentDbIdx(), 2);
   redis.command({"set", "b", "2"}, 2);
   tab().txtSearchKey.setStringValue("b");
-  clickRow("db2(");
-  see("local db0(1) db1(0) *db2(2) | [local] | Connected 3 db2 b queue");
   // Another one starts with an empty search.
-  clickRow("db0(");
-  see("local *db0(1) db1(0) db2(2) | [local] | Connected 3 db0 zero queue");
-  clickRow("db2(");
-  waitForKeys({"a", "b"});
-  see("local db0(1) db1(0) *db2(2) | [local] | Connected 3 db2 a b queue");
+  see([&] { clickRow("db2("); }, "local db0(1) db1(0) *db2(2) | [local] | Connected 3 db2 b queue");
+  see([&] { clickRow("db0("); }, "local *db0(1) db1(0) db2(2) | [local] | Connected 3 db0 zero queue");
+  see([&] { clickRow("db2("); }, "local db0(1) db1(0) *db2(2) | [local] | Connected 3 db2 a b queue");
 
   selectRows({1});
-  click(window().btnClose);
-  see("*local | [local] | NotConnected 0 db2 a b");
+  see([&] { click(window().btnClose); }, "*local | [local] | NotConnected 0 db2 a b");
   // A failed attempt between the two forgets nothing, and neither does the form.
+  const auto connect = [&] { content().clickConnect(); };
   redis.kill();
-  content().clickConnect();
-  see("*local | [local] | DisConnected 0 db2 a b queue | Can not connect to Server(local).");
+  see(connect, "*local | [local] | DisConnected 0 db2 a b queue | Can not connect to Server(local).");
   redis.start();
-  content().clickConnect();
-  see("*local db0(0) db1(0) db2(0) | [local] | Connected 3 db2 a b queue");
+  see(connect, "*local db0(0) db1(0) db2(0) | [local] | Connected 3 db2 a b queue");
   EXPECT_TRUE(waitUntil([&] { return server()->currentDbIdx() == 2; }));
 
-  // Lost, and made anew, without anyone asking.
+  // Lost, and made anew, without anyone asking; and one that is up is left as it is.
   waitForIdle();
-  content().bringDatabasesUpToDate(server(), false);
-  see("*local | [local] | DisConnected 0 db2 a b queue");
-  content().bringDatabasesUpToDate(server(), true);
-  see("*local db0(0) db1(0) db2(0) | [local] | Connected 3 db2 a b queue");
-
-  // A connection that is up is left as it is.
+  see([&] { content().bringDatabasesUpToDate(server(), false); }, "*local | [local] | DisConnected 0 db2 a b queue");
+  see([&] { content().bringDatabasesUpToDate(server(), true); },
+      "*local db0(0) db1(0) db2(0) | [local] | Connected 3 db2 a b queue");
   clickTriangle("local"), clickTriangle("local");
   content().clickConnect();
   waitForIdle();
@@ -158,14 +128,13 @@ TEST_F(ConnectionCommandsTest, ClosingKeepsTheTabAndReconnectingGoesBackToItsDat
   const RedisServer smaller({"--databases", "2"});
   smaller.command({"set", "there", "1"}, 1);
   server()->setServerPort(smaller.port());
-  click(tab().btnReconnect);
-  see("*local db0(0) db1(1) | [local] | Connected 2 db0 queue");
-  clickRow("db1(");
-  see("local db0(0) *db1(1) | [local] | Connected 2 db1 there queue");
+  const auto reconnect = [&] { click(tab().btnReconnect); };
+  see(reconnect, "*local db0(0) db1(1) | [local] | Connected 2 db0 queue");
+  see([&] { clickRow("db1("); }, "local db0(0) *db1(1) | [local] | Connected 2 db1 there queue");
   smaller.command({"acl", "setuser", "default", "-select"});
-  click(tab().btnReconnect);
-  see("local db0(0) db1(1) | [local] | Connected 2 db0 queue | NOPERM this user has no permissions to run the 'select' "
-      "command");
+  see(reconnect,
+      "local db0(0) db1(1) | [local] | Connected 2 db0 queue | NOPERM this user has no permissions to run "
+      "the 'select' command");
 }
 
 TEST_F(ConnectionCommandsTest, RemovingTakesConnectionTabAndRecordAwayByTheIdAlone) {
@@ -174,18 +143,15 @@ TEST_F(ConnectionCommandsTest, RemovingTakesConnectionTabAndRecordAwayByTheIdAlo
   store("twin", redis.port());
   openWindow();
   clickRow("twin");
-  clickTriangle("twin");
-  see("*twin db0(0) twin | [twin] | Connected 1 db0 queue");
+  see([&] { clickTriangle("twin"); }, "*twin db0(0) twin | [twin] | Connected 1 db0 queue");
   const std::weak_ptr<OperationTabViewController> tab = tabOf();
   const std::weak_ptr<ServerItem> removed = server();
   const NSUUID staying = server(1)->serverId();
-  click(window().btnRem);
-  see("twin");
+  see([&] { click(window().btnRem); }, "twin");
   EXPECT_TRUE(tab.expired());
   EXPECT_TRUE(waitUntil([&] { return removed.expired(); }));
   EXPECT_EQ(redis.command({"client", "kill", "type", "normal", "skipme", "yes"}), ":0\r\n");
-  restart();
-  see("twin");
+  see([&] { restart(); }, "twin");
   EXPECT_EQ(server()->serverId(), staying);
 }
 

@@ -1,6 +1,6 @@
 #include "favourites/FavouritesTree.h"
 #include "platform/foundation/NSAlert.h"
-#include "tests/support/program/ProgramTest.h"
+#include "tests/support/program/Program.h"
 
 namespace tarn::test {
 
@@ -42,11 +42,9 @@ TEST_F(FavouritesTreeTest, ACommandWithoutTheServersThatItNeedsSaysSo) {
   store("local", 1);
   store("other", 2);
   openWindow();
-  const std::string many =
-      " Selected Connection, you should choose one or more than one connection(s) In the 'My Favourite' list. And not "
-      "db.";
-  const std::string one =
-      "To Edit Connection, you should choose one and only one connection In the 'My Favourite' list. And not db.";
+  const std::string inList = " In the 'My Favourite' list. And not db.";
+  const std::string many = " Selected Connection, you should choose one or more than one connection(s)" + inList;
+  const std::string one = "To Edit Connection, you should choose one and only one connection" + inList;
   MainLayout& w = window();
   // The root doesn't count beside a server.
   // clang-format off

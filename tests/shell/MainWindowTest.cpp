@@ -1,12 +1,14 @@
 #include "platform/appkit/NSApplication.h"
 #include "platform/foundation/NSOperationQueue.h"
 #include "tests/support/RedisServer.h"
-#include "tests/support/program/ProgramTest.h"
+#include "tests/support/StandInStore.h"
+#include "tests/support/program/Program.h"
 
 namespace tarn::test {
 
 using MainWindow = ProgramTest;
 using MainWindowDeathTest = ProgramTest;
+using Sponsoring = ProgramTest;
 
 TEST_F(MainWindowDeathTest, ClosingItEndsTheProcessAlsoWithAnOpenConnection) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
@@ -30,8 +32,8 @@ TEST_F(MainWindow, ActsByMenuAndMenuKeyAndTakesItsTabsAlong) {
   type("name");
   chooseInMainMenu("Edit", "Select All");
   // To "Cut", past "Undo" and "Redo".
-  for (const Qt::Key key : {Qt::Key_Alt, Qt::Key_Right, Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Return})
-    press(key);
+  press(Qt::Key_Alt);
+  keys("Right Down Down Down Return");
   EXPECT_EQ(tab().txtKey.stringValue(), "");
   for (const auto& [item, text] : {std::pair("Undo", "name"), std::pair("Redo", ""), std::pair("Paste", "name")}) {
     chooseInMainMenu("Edit", item);
@@ -60,6 +62,34 @@ TEST_F(MainWindow, ActsByMenuAndMenuKeyAndTakesItsTabsAlong) {
   NSOperationQueue::mainQueue().addOperationWithBlock([] { press(Qt::Key_Q, Qt::ControlModifier); });
   EXPECT_EQ(NSApplication::shared().run(), 0);
   NSApplication::shared().setShouldTerminate({});
+}
+
+TEST_F(Sponsoring, AButtonPaysTheProductOfItsNumberAndTheLastWindowAloneSaysWhatFailed) {
+  StandInStore store;
+  const auto open = [] {
+    AppDelegate::shared()->clickedSponsor();
+    settle();
+  };
+  open();
+  const SponsorLayout& form = AppDelegate::shared()->sponsorWC()->content().outlets();
+  EXPECT_EQ(store.requested.size(), 5U);
+  click(form.btnSponsor2);
+  EXPECT_TRUE(store.payments.empty());
+  const auto first = store.answer;
+  first(SKProductsResponse{{{"tarn_sponsor5"}, {"tarn_sponsor2"}, {"tarn_sponsor1"}}});
+  settle();
+  for (const NSButton* button : {&form.btnSponsor1, &form.btnSponsor2, &form.btnSponsor3, &form.btnSponsor5})
+    click(*button);
+  EXPECT_EQ(store.payments, (Texts{"tarn_sponsor1", "tarn_sponsor2", "tarn_sponsor5"}));
+  using enum SKPaymentTransaction::State;
+  SKPaymentQueue::defaultQueue().updateTransactions(
+      {{"1", purchasing}, {"2", purchased}, {"3", failed}, {"4", restored}, {"5", deferred}});
+  EXPECT_EQ(store.finished, (Texts{"2", "3", "4"}));
+  open();
+  first(SKError{"It is too late."});
+  store.answer(SKError{"The shop is closed."});
+  settle();
+  EXPECT_EQ(alerts.messages(), Texts{"The shop is closed."});
 }
 
 }  // namespace tarn::test

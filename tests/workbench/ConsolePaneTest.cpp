@@ -27,7 +27,7 @@ public:
 
 class Console : public TabFixture {
 protected:
-  void open() {
+  Console() {
     openTab(redis.port());
     server->setConnectionName("local");
     host.tab = tab;
@@ -37,15 +37,12 @@ protected:
 
   NSTextView& console() { return outlets().txtViewCli; }
 
-  static void paste(const std::string& text) {
-    QGuiApplication::clipboard()->setText(QString::fromStdString(text));
-    press(Qt::Key_V, Qt::ControlModifier);
-  }
-  // What the console says behind what it said before; a line that is typed ends with a "!", which stands for Enter.
-  std::string said(std::string text) {
+  // Pastes the text, or types it where it ends with a "!", which stands for Enter. What the console says behind that.
+  std::string said(const std::string& text) {
     const std::size_t before = console().string().size();
+    QGuiApplication::clipboard()->setText(QString::fromStdString(text));
     const bool isTyped = text.ends_with('!');
-    isTyped ? type(text.substr(0, text.size() - 1)) : paste(text);
+    isTyped ? type(text.substr(0, text.size() - 1)) : press(Qt::Key_V, Qt::ControlModifier);
     if (isTyped) press(Qt::Key_Return);
     return console().string().substr(before);
   }
@@ -56,7 +53,6 @@ protected:
 
 // A CRLF is two line ends, so the open line runs behind what was pasted.
 TEST_F(Console, RunsTypedLinesAndPastedOnesAndLeavesTheLastOneOpen) {
-  open();
   EXPECT_EQ(console().string(), "Welcome: ");
   type("set k 12");
   press(Qt::Key_Backspace);
@@ -74,7 +70,6 @@ TEST_F(Console, RunsTypedLinesAndPastedOnesAndLeavesTheLastOneOpen) {
 }
 
 TEST_F(Console, ProtectsWhatWasSaidAndKeepsTheOpenLineInSight) {
-  open();
   redis.command({"SET", "k", "值 😀"});
   EXPECT_EQ(said("get k!"), "get k\nlocal: 值 😀\nlocal: ");
   const std::string shown = console().string();
@@ -89,15 +84,14 @@ TEST_F(Console, ProtectsWhatWasSaidAndKeepsTheOpenLineInSight) {
   press(Qt::Key_End, Qt::ControlModifier);
   EXPECT_EQ(said("get \"k\"!"), "get \"k\"\nlocal: 值 😀\nlocal: ");
   for (int i = 0; i < 50; ++i)
-    paste("echo " + std::to_string(i) + "\n");
+    said("echo " + std::to_string(i) + "\n");
   const QRect caret = console().widget()->inputMethodQuery(Qt::ImCursorRectangle).toRect();
   EXPECT_TRUE(console().widget()->rect().contains(caret)) << caret.y();
 }
 
 TEST_F(Console, ActsOnTheDatabaseOnShowAndCarriesItAlongAlsoOverANewConnection) {
-  open();
   tab->selectDatabase(2);
-  paste("set here 1\nselect 3\nset there 1\n");
+  said("set here 1\nselect 3\nset there 1\n");
   EXPECT_EQ(redis.command({"GET", "here"}, 2), "$1\r\n1\r\n");
   EXPECT_EQ(redis.command({"GET", "there"}, 3), "$1\r\n1\r\n");
   EXPECT_EQ(tab->shownDatabase(), 3);
@@ -113,7 +107,7 @@ TEST_F(Console, ActsOnTheDatabaseOnShowAndCarriesItAlongAlsoOverANewConnection) 
   settle();
   EXPECT_EQ(alerts.messages().back(), "Can not connect to server");
   EXPECT_EQ(outlets().labStatus.stringValue(), "Status:Connected");
-  paste("set k w\n");
+  said("set k w\n");
   EXPECT_EQ(redis.command({"GET", "k"}, 1), "$1\r\nw\r\n");
 }
 

@@ -1,14 +1,89 @@
 // What a load, a save and a delete send, in which order, and what they leave behind where something fails.
 
+#include "tests/support/ScriptedServer.h"
 #include "tests/workbench/TabFixture.h"
 
+#include <QAbstractEventDispatcher>
+#include <QTimerEvent>
+
 #include <map>
+#include <mutex>
+#include <set>
+#include <utility>
 
 namespace tarn::test {
 namespace {
 
-class RequestsTest : public RecordedTab {
+// A server of four databases that takes everything, lists the keys "a", "b" and "c", which are strings of their names
+// or of one type and value, and remembers each request of a tab's own as one line of words.
+class RecordingServer final {
+public:
+  int port() const { return peer_.port(); }
+
+  // What TYPE says of every key, and the reply to the command that reads its value.
+  void hold(const std::string& type, const std::string& value) {
+    const std::lock_guard lock(mutex_);
+    usual_["type"] = "+" + type + "\r\n";
+    for (const char* reader : {"get", "lrange", "sscan", "hscan", "zrange"})
+      usual_[reader] = value;
+  }
+
+  // To each command of this name, until all is allowed again; an empty reply is the end of the connection.
+  void reply(const std::string& command, const std::string& reply) {
+    const std::lock_guard lock(mutex_);
+    special_[command] = reply;
+  }
+  void allow() {
+    const std::lock_guard lock(mutex_);
+    special_.clear();
+  }
+
+  // All since the last call.
+  Texts sent() {
+    const std::lock_guard lock(mutex_);
+    return std::exchange(sent_, {});
+  }
+
+  // No scan is answered while a test holds it.
+  std::mutex scans;
+
+private:
+  std::string take(const Texts& words) {
+    const std::lock_guard lock(mutex_);
+    const std::string& command = words.front();
+    if (!std::set<std::string>{"info", "cluster", "config"}.contains(command)) sent_.push_back(joined(words, " "));
+    if (special_.contains(command)) return special_.at(command);
+    if (usual_.contains(command)) return usual_.at(command);
+    return command == "get" ? "$1\r\n" + words.at(1) + "\r\n" : "+OK\r\n";
+  }
+
+  void serve(ScriptedServer::Peer& at) {
+    for (Texts words = at.readRequest(); !words.empty(); words = at.readRequest()) {
+      const std::string reply = take(words);
+      if (reply.empty()) return;
+      if (words.front() == "scan") const std::lock_guard wait(scans);
+      at.send(reply);
+    }
+  }
+
+  std::mutex mutex_;
+  std::map<std::string, std::string> special_;
+  std::map<std::string, std::string> usual_{{"config", "*2\r\n$9\r\ndatabases\r\n$1\r\n4\r\n"},
+                                            {"cluster", "-ERR This instance has cluster support disabled\r\n"},
+                                            {"scan", "*2\r\n$1\r\n0\r\n*3\r\n$1\r\na\r\n$1\r\nb\r\n$1\r\nc\r\n"},
+                                            {"type", "+string\r\n"},
+                                            {"ttl", ":-1\r\n"}};
+  Texts sent_;
+  ScriptedServer peer_{[this](ScriptedServer::Peer& at, int) { serve(at); }};
+};
+
+class RequestsTest : public TabFixture {
 protected:
+  RequestsTest() {
+    openTab(peer.port());
+    peer.sent();
+  }
+
   // Steps with "; " between them: a word, and what it is done to. "behind" runs its own, which end in ",", while the
   // next alert is up. Returns what was sent since the last "open", and the alerts.
   std::string run(const std::string& script, const std::string& separator = "; ") {
@@ -38,6 +113,8 @@ protected:
     if (const int row = outlets().tableKeys.selectedRow(); row >= 0) shown.at(static_cast<std::size_t>(row)) += '*';
     return joined(shown, " ");
   }
+
+  RecordingServer peer;
 
 private:
   void take(const std::string& word, const std::string& rest) {
@@ -101,7 +178,6 @@ TEST_F(RequestsTest, FollowEachOtherAsTheyShouldAndLeaveTheFormAsItShouldBe) {
       {"hold zset; reply zrange *4\r\n$1\r\na\r\n$1\r\n1\r\n$1\r\nb\r\n$1\r\n\xFF; key b", "type b|ttl b|zrange b 0 -1 withscores|!The return of 'zrange' is not correct(2199)", "Type: SortedSet b -1(Persist) Key Size: 1byte(s) Data Size: ", "a b* c"},
       {"hold none; key b", "type b|!No Data found on the Server for the key 'b'.", "Type:none (Unsupported Type)   Key Size: Data Size:", "a b* c"}};
   // clang-format on
-  openKeys();
   for (const auto& [script, log, shown, list] : cases) {
     SCOPED_TRACE(script);
     run("allow; db 0; search; open a");
@@ -115,7 +191,6 @@ TEST_F(RequestsTest, FollowEachOtherAsTheyShouldAndLeaveTheFormAsItShouldBe) {
 
 // Refused, or cut off with the connection, on which a new one goes on where the tab is.
 TEST_F(RequestsTest, OfASaveEndWithTheFirstThatFailsAndTheFormStaysToBeSavedAgain) {
-  openKeys();
   run("hold hash; open b; save; ttl 60; save");
   const std::string shown = form();
   const Texts all{"select 1", "del b", "hmset b f v g w", "expire b 60"};
@@ -136,7 +211,6 @@ TEST_F(RequestsTest, OfASaveEndWithTheFirstThatFailsAndTheFormStaysToBeSavedAgai
 TEST_F(RequestsTest, OfASaveAreNoneWhileSomethingIsMissing) {
   const std::string noTtl = "Please Enter the TTL.";
   const std::string badTtl = "TTL must be -1 or >0. -1 is eternal, >0 is the specified expire time in seconds.";
-  openKeys();
   EXPECT_EQ(run("save"), "!To Create a Key-Value Data, you need click 'New' and Choose A Value Type First.");
   run("new String");
   EXPECT_EQ(form(), "Type: String (New)  -1(Persist) Key Size: Data Size:");
@@ -149,6 +223,58 @@ TEST_F(RequestsTest, OfASaveAreNoneWhileSomethingIsMissing) {
   }
   EXPECT_EQ(run("ttl 9223372036854775807; save"), "set k  EX 9223372036854775807|type k|ttl k|get k|!Saved.");
   EXPECT_EQ(list(), "k* a b c");
+}
+
+TEST_F(RequestsTest, ListNoKeysOfADatabaseThatWasLeft) {
+  EXPECT_EQ(keys().size(), 3U);
+  std::unique_lock hold(peer.scans);
+  tab->search();
+  ASSERT_TRUE(waitUntil([&] { return peer.sent().size() == 1; }));
+  peer.reply("select", "-ERR no\r\n");
+  choose(outlets().popDatabase, "db1");
+  hold.unlock();
+  waitUntilIdle();
+  EXPECT_EQ(peer.sent(), Texts{"select 1"});
+  EXPECT_EQ(keys(), Texts{});
+}
+
+TEST_F(RequestsTest, MoveTheActivityBarFrom300MillisecondsOnUntilTheWorkEndsOrIsCancelled) {
+  QWidget& bar = *outlets().activityBar.widget();
+  const auto timers = [&] { return QAbstractEventDispatcher::instance()->registeredTimers(&bar); };
+  ASSERT_TRUE(waitUntil([&] { return timers().isEmpty(); }));
+  const QImage empty = bar.grab().toImage();
+  for (const bool isCancelled : {false, true}) {
+    std::unique_lock hold(peer.scans);
+    // Two run at once, the third waits.
+    for (int i = 0; i < 3; ++i)
+      tab->search();
+    ASSERT_EQ(timers().size(), 1);
+    EXPECT_EQ(timers().front().interval, 300);
+    EXPECT_EQ(bar.grab().toImage(), empty);
+    QTimerEvent timeIsOver(timers().front().timerId);
+    QCoreApplication::sendEvent(&bar, &timeIsOver);
+    EXPECT_NE(bar.grab().toImage(), empty);
+    if (isCancelled) server->closeConnection();
+    hold.unlock();
+    EXPECT_TRUE(waitUntil([&] { return timers().isEmpty(); }));
+    EXPECT_EQ(bar.grab().toImage(), empty);
+  }
+}
+
+TEST_F(RequestsTest, OfAnOlderLoadRunOnButFillNothing) {
+  outlets().tableKeys.selectRow(0);
+  outlets().tableKeys.selectRow(1);
+  waitUntilIdle();
+  EXPECT_EQ(outlets().txtKey.stringValue(), "b");
+  EXPECT_EQ(outlets().valueDataStringTxtView.string(), "b");
+  Texts requests = peer.sent();
+  std::sort(requests.begin(), requests.end());
+  EXPECT_EQ(requests, (Texts{"get a", "get b", "ttl a", "ttl b", "type a", "type b"}));
+  outlets().tableKeys.selectRow(0);
+  tab->resetWorkbenchView();
+  waitUntilIdle();
+  choose(outlets().popValueDataCharset, "Base64");
+  EXPECT_EQ(outlets().txtKey.stringValue() + outlets().valueDataStringTxtView.string(), "");
 }
 
 }  // namespace

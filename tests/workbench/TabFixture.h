@@ -1,7 +1,6 @@
 #pragma once
 
 #include "tests/support/AlertRecorder.h"
-#include "tests/support/ScriptedServer.h"
 #include "tests/support/widgets/Hand.h"
 #include "wire/ServerItem.h"
 #include "workbench/OperationTabViewController.h"
@@ -9,13 +8,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <map>
 #include <memory>
-#include <mutex>
-#include <set>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace tarn::test {
@@ -103,80 +98,6 @@ protected:
   AlertRecorder alerts;
   std::shared_ptr<ServerItem> server;
   std::shared_ptr<OperationTabViewController> tab;
-};
-
-// A server of four databases that takes everything, lists the keys "a", "b" and "c", which are strings of their names
-// or of one type and value, and remembers each request of a tab's own as one line of words.
-class RecordingServer final {
-public:
-  int port() const { return peer_.port(); }
-
-  // What TYPE says of every key, and the reply to the command that reads its value.
-  void hold(const std::string& type, const std::string& value) {
-    const std::lock_guard lock(mutex_);
-    usual_["type"] = "+" + type + "\r\n";
-    for (const char* reader : {"get", "lrange", "sscan", "hscan", "zrange"})
-      usual_[reader] = value;
-  }
-
-  // To each command of this name, until all is allowed again; an empty reply is the end of the connection.
-  void reply(const std::string& command, const std::string& reply) {
-    const std::lock_guard lock(mutex_);
-    special_[command] = reply;
-  }
-  void allow() {
-    const std::lock_guard lock(mutex_);
-    special_.clear();
-  }
-
-  // All since the last call.
-  Texts sent() {
-    const std::lock_guard lock(mutex_);
-    return std::exchange(sent_, {});
-  }
-
-  // No scan is answered while a test holds it.
-  std::mutex scans;
-
-private:
-  std::string take(const Texts& words) {
-    const std::lock_guard lock(mutex_);
-    const std::string& command = words.front();
-    if (!std::set<std::string>{"info", "cluster", "config"}.contains(command)) sent_.push_back(joined(words, " "));
-    if (special_.contains(command)) return special_.at(command);
-    if (usual_.contains(command)) return usual_.at(command);
-    return command == "get" ? "$1\r\n" + words.at(1) + "\r\n" : "+OK\r\n";
-  }
-
-  void serve(ScriptedServer::Peer& at) {
-    for (Texts words = at.readRequest(); !words.empty(); words = at.readRequest()) {
-      const std::string reply = take(words);
-      if (reply.empty()) return;
-      if (words.front() == "scan") const std::lock_guard wait(scans);
-      at.send(reply);
-    }
-  }
-
-  std::mutex mutex_;
-  std::map<std::string, std::string> special_;
-  std::map<std::string, std::string> usual_{{"config", "*2\r\n$9\r\ndatabases\r\n$1\r\n4\r\n"},
-                                            {"cluster", "-ERR This instance has cluster support disabled\r\n"},
-                                            {"scan", "*2\r\n$1\r\n0\r\n*3\r\n$1\r\na\r\n$1\r\nb\r\n$1\r\nc\r\n"},
-                                            {"type", "+string\r\n"},
-                                            {"ttl", ":-1\r\n"}};
-  Texts sent_;
-  ScriptedServer peer_{[this](ScriptedServer::Peer& at, int) { serve(at); }};
-};
-
-// A tab of a server that remembers what the tab sends, and says what a real one wouldn't.
-class RecordedTab : public TabFixture {
-protected:
-  void openKeys() {
-    openTab(peer.port());
-    peer.sent();
-  }
-
-  RecordingServer peer;
 };
 
 }  // namespace tarn::test

@@ -1,5 +1,5 @@
 #include "favourites/FavouritesStore.h"
-#include "tests/support/program/ProgramTest.h"
+#include "tests/support/program/Program.h"
 
 namespace tarn::test {
 
@@ -30,13 +30,14 @@ protected:
   // The rows of the tree, and what the next start would show.
   std::string stored() {
     std::string all = screen() + ":";
-    for (const auto& favourite : FavouritesStore().loadFavourites()) {
-      all += " " + favourite->connectionName() + "|" + favourite->serverIp() + "|" +
-             std::to_string(favourite->serverPort()) + "|" + favourite->auth() + "|" + favourite->defaultCharset();
-    }
+    for (const auto& each : FavouritesStore().loadFavourites())
+      all += " " + each->connectionName() + "|" + each->serverIp() + "|" + std::to_string(each->serverPort()) + "|" +
+             each->auth() + "|" + each->defaultCharset();
     return all;
   }
 };
+
+using TypeDialogTest = ProgramTest;
 
 }  // namespace
 
@@ -101,8 +102,7 @@ TEST_F(ConnectionFormTest, AnEditReachesStoreListTreeAndTheOpenTab) {
   EXPECT_EQ(server()->serverId(), id);
   EXPECT_EQ(window().mainTab.selectedTabViewItem()->toolTip(), "renamed");
   EXPECT_EQ(tab().labServerName.stringValue(), "Name:renamed server:example.org port:7000");
-  EXPECT_EQ(tab().popKeyDataCharset.titleOfSelectedItem(), "big5");
-  EXPECT_EQ(tab().txtSearchKey.stringValue(), "");
+  EXPECT_EQ(tab().popKeyDataCharset.titleOfSelectedItem() + tab().txtSearchKey.stringValue(), "big5");
 }
 
 TEST_F(ConnectionFormTest, AnOpenFormIsTakenOverAndKeepsNothingWhenItIsLeft) {
@@ -123,8 +123,8 @@ TEST_F(ConnectionFormTest, AnOpenFormIsTakenOverAndKeepsNothingWhenItIsLeft) {
   EXPECT_EQ(shown(), "New Connection: +|+|+|+||utf8");
   EXPECT_TRUE(form().txtCnnName.isFirstResponder());
 
-  const std::function<void()> ways[] = {[this] { click(form().btnCancel); }, [] { press(Qt::Key_Escape); },
-                                        [this] { form().window.widget()->close(); }};
+  const std::function<void()> ways[] = {[&] { click(form().btnCancel); }, [] { press(Qt::Key_Escape); },
+                                        [&] { form().window.widget()->close(); }};
   for (const auto& end : ways) {
     openForm(window().btnNew);
     fillIn({"name", "host", "1"});
@@ -140,6 +140,43 @@ TEST_F(ConnectionFormTest, AnOpenFormIsTakenOverAndKeepsNothingWhenItIsLeft) {
   click(form().btnSave);
   EXPECT_EQ(shown(), "");
   EXPECT_EQ(stored(), "local: local|127.0.0.1|1|secret|utf8");
+}
+
+TEST_F(TypeDialogTest, IsOneDialogThatStartsAnewEachTimeAndEndsInEveryWay) {
+  for (const char* name : {"local", "other"})
+    store(name, 1);
+  openWindow();
+  clickRow("other");
+  clickRow("local");
+  const std::string before = tab().labType.stringValue();
+  const std::function<void()> ways[] = {[&] { click(typeDialog().btnCancel); }, [] { press(Qt::Key_Escape); },
+                                        [&] { typeDialog().window.widget()->close(); }};
+  for (const auto& end : ways) {
+    click(tab().btnNew);
+    end();
+    EXPECT_FALSE(content().newKeyValueTypeSelectWindowController());
+    settle();
+  }
+  click(tab().btnNew);
+  const auto* const first = content().newKeyValueTypeSelectWindowController();
+  EXPECT_EQ(itemCount(typeDialog().popValueType), 5);
+  choose(typeDialog().popValueType, "Hash");
+  click(tab().btnNew);
+  EXPECT_EQ(content().newKeyValueTypeSelectWindowController(), first);
+  EXPECT_EQ(typeDialog().popValueType.titleOfSelectedItem(), "String");
+  EXPECT_TRUE(typeDialog().popValueType.isFirstResponder());
+
+  // It acts on the tab on show, not on that where it was opened, and without a tab it only closes; here by Enter.
+  clickRow("other");
+  click(typeDialog().btnConfirm);
+  EXPECT_EQ(tab(1).labType.stringValue(), "Type: String (New)");
+  EXPECT_EQ(tab().labType.stringValue(), before);
+  click(tab().btnNew);
+  content().closeSelectedTab();
+  content().closeSelectedTab();
+  keys("Down Return");
+  EXPECT_FALSE(typeDialog().window.isVisible());
+  EXPECT_EQ(content().newKeyValueTypeSelectWindowController(), first);
 }
 
 }  // namespace tarn::test

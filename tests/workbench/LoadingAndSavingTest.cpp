@@ -1,5 +1,5 @@
-// What a save leaves on a real server, byte for byte. What text stands for is worked out anew here, over the C library
-// and the toolkit.
+// What a load shows of a real server, and what a save leaves on it, byte for byte. What text stands for is worked out
+// anew here, over the C library and the toolkit.
 
 #include "tests/support/RedisServer.h"
 #include "tests/support/RespPeer.h"
@@ -51,15 +51,84 @@ protected:
   }
 
   // A hash keeps its order.
-  RedisServer redis{{"--save", "", "--hash-max-listpack-value", "1000"}};
+  RedisServer redis{{"--save", "", "--hash-max-listpack-value", "1000", "--enable-debug-command", "yes"}};
   RespClient client{redis.port()};
 };
+using Loading = SavingBytesTest;
+
+TEST_F(Loading, ListsKeysUpToTheLimitAndThoseOfAnotherCharsetOverABlankForm) {
+  client.command({"DEBUG", "POPULATE", "3000"});
+  openTab(redis.port());
+  EXPECT_EQ(keys().size(), 1000U);
+  client.command({"SET", "\xD6\xD0\n", "v"});
+  search("\\n");
+  EXPECT_EQ(outlets().tableKeys.tableColumn(0).headerToolTip(), "Count Shown:1");
+  selectKey("\\B1tAK");
+  EXPECT_EQ(outlets().txtKey.stringValue(), "\\B1tAK");
+  choose(outlets().popKeyDataCharset, "GBK");
+  waitUntilIdle();
+  EXPECT_EQ(keys(), Texts{"中\\n"});
+  EXPECT_EQ(outlets().txtKey.stringValue() + outlets().txtTTL.stringValue() + outlets().txtTTL.toolTip(),
+            "-1(Persist)");
+  EXPECT_FALSE(outlets().chkTranslate.state());
+}
+
+TEST_F(Loading, RowsAreReadAsTheBoxSaidWhileTheyWereTypedAndALoadDropsWhatIsTyped) {
+  client.command({"RPUSH", "list", "a\nb", "\\Bqw==", "\xFF", "plain"});
+  openTab(redis.port());
+  selectKey("list");
+  NSTableView& table = outlets().valueDataSetTable;
+  const auto typeInRow = [&](int row, std::string_view text) {
+    table.selectRow(row);
+    table.becomeFirstResponder();
+    press(Qt::Key_F2);
+    replaceText(text);
+  };
+  EXPECT_EQ(texts(table), (Texts{"a\\nb", "\\Bqw==", "\\B/w==", "plain"}));
+  typeInRow(3, "x\\ty");
+  click(outlets().chkTranslate);
+  EXPECT_EQ(texts(table), (Texts{"a\nb", "\\Bqw==", "\\B/w==", "x\ty"}));
+  EXPECT_EQ(outlets().setValueTextView.string(), "x\ty");
+  typeInRow(3, "c\\nd");
+  click(outlets().chkTranslate);
+  EXPECT_EQ(texts(table).back(), "c\\\\nd");
+  typeInRow(3, "typed");
+  reload();
+  EXPECT_EQ(texts(table).back() + outlets().setValueTextView.string(), "plain");
+  typeInRow(2, "still open");
+  choose(outlets().popValueDataCharset, "iso_8859_1");
+  EXPECT_EQ(texts(table).at(2), "ÿ");
+}
+
+// An escape sequence that selects what is selected already: the text has another usual form than these bytes.
+TEST_F(Loading, ReloadsTheVeryKeyThatIsShownUntilItsTextIsChanged) {
+  client.command({"SET", "\x1B(Bkey", "unusual", "EX", "60000"});
+  openTab(redis.port());
+  choose(outlets().popKeyDataCharset, "ISO_2022_JP");
+  waitUntilIdle();
+  client.command({"SET", "key", "usual"});
+  selectKey("key");
+  EXPECT_EQ(outlets().labKeySize.stringValue(), "Key Size: 6byte(s)");
+  click(outlets().chkTranslate);
+  reload();
+  EXPECT_EQ(outlets().valueDataStringTxtView.string(), "unusual");
+  typeInto(outlets().txtTTL, "6x0");
+  EXPECT_EQ(outlets().txtTTL.stringValue() + outlets().txtTTL.toolTip(), "60");
+  outlets().txtKey.becomeFirstResponder();
+  EXPECT_EQ(outlets().txtTTL.toolTip(), "Second(s)");
+  press(Qt::Key_End);
+  type("x");
+  press(Qt::Key_Backspace);
+  reload();
+  EXPECT_EQ(outlets().valueDataStringTxtView.string(), "usual");
+  EXPECT_EQ(alerts.messages(), Texts{});
+  replaceText("\\B!");
+  reload();
+  EXPECT_EQ(alerts.messages(), Texts{"Can not decode Base64 Key '\\B!'"});
+}
 
 TEST_F(SavingBytesTest, RowsAreAskedAboutBeforeOtherBytesAreWrittenThanTheValueHolds) {
-  std::string allBytes;
-  for (int byte = 0; byte < 256; ++byte)
-    allBytes += static_cast<char>(byte);
-  const Texts rows{"plain", allBytes, "\\Bqw==", "\\B", "C:\\temp", "\x1B(Bkey"};
+  const Texts rows{"plain", "\xFF\\n", "\\Bqw==", "\\B", "C:\\temp", "\x1B(Bkey"};
   openKey("list", rows);
   alerts.answerNext(1002);
   save();
