@@ -1,11 +1,9 @@
 #pragma once
 
-#include "platform/foundation/NSOperationQueue.h"
 #include "platform/foundation/PostToMainQueue.h"
 #include "resources/OperationTabLayout.h"
 #include "wire/ServerItem.h"
 
-#include <cstddef>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -72,17 +70,7 @@ public:
   // The label shows how many operations the server's queue counts now.
   void updateDealingQueueLabel();
 
-  // Frees what holds many rows on another thread: those of a million take longer than an event should.
-  template <class Garbage>
-  void dispose(Garbage garbage, std::size_t rows) {
-    if (rows < manyRows) return;
-    auto shared = std::make_shared<Garbage>(std::move(garbage));
-    garbage_.addOperationWithBlock([shared = std::move(shared)]() mutable { shared.reset(); });
-  }
-
 private:
-  static constexpr std::size_t manyRows = 10'000;
-
   void endWork();
 
   OperationTabLayout& outlets_;
@@ -90,7 +78,6 @@ private:
   std::shared_ptr<ServerItem> server_;
   int database_ = 0;
   int working_ = 0;
-  NSOperationQueue garbage_{1};
 };
 
 }  // namespace tarn

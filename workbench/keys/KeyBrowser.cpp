@@ -1,5 +1,6 @@
 #include "workbench/keys/KeyBrowser.h"
 
+#include "platform/foundation/DisposeInBackground.h"
 #include "platform/foundation/NSAlert.h"
 #include "workbench/StatusTexts.h"
 #include "workbench/text/TypedText.h"
@@ -75,7 +76,7 @@ void KeyBrowser::changeDb() {
 void KeyBrowser::showKeys(std::vector<Bytes> keys) {
   std::vector<Bytes> before = keys_.assign(std::move(keys));
   const std::size_t count = before.size();
-  tab_.queue.dispose(std::move(before), count);
+  disposeInBackground(std::move(before), count);
   tab_.outlets.tableKeys.reloadData();
 }
 

@@ -2,6 +2,7 @@
 
 #include "formatters/RequiredCouldNegativeDoubleFormatter.h"
 #include "platform/appkit/NSMenu.h"
+#include "platform/foundation/DisposeInBackground.h"
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/NSTimer.h"
@@ -78,7 +79,7 @@ void RowsPane::fitColumns() {
 void RowsPane::setRows(LoadedRows rows) {
   const std::size_t before = rows_.rowCount();
   rows_.exchange(rows, tab_.valueForm());
-  tab_.queue.dispose(std::move(rows), before);
+  disposeInBackground(std::move(rows), before);
 }
 
 void RowsPane::empty() {
