@@ -1,15 +1,11 @@
 #include "workbench/ConsolePane.h"
 
-#include "platform/appkit/NSApplication.h"
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/SplitText.h"
 #include "wire/console/ConsoleTokeniser.h"
 
 #include <algorithm>
-#include <memory>
-#include <optional>
-#include <utility>
 
 namespace tarn {
 
@@ -83,25 +79,15 @@ void ConsolePane::runTypedLine() {
   scrollToOpenLine();
 }
 
-// The line acts on the database that the tab shows, and one that may choose another one runs alone: no block of the
-// queue finds itself in another database than it began in. Without a connection nothing is selected, since the line
-// makes a new one.
+// The line acts on the database that the tab shows. Without a connection nothing is selected, since the line makes a
+// new one.
 std::string ConsolePane::reply(const std::string& command) {
-  const WaitCursor cursor;
-  const std::shared_ptr<ServerItem> server = tab_.queue.server();
+  std::string result;
   const int database = tab_.queue.database();
-  std::optional<std::string> result;
-  const auto isThere = [&] { return server->currentDbIdx() == database || !server->isAlive(); };
-  if (!ServerItem::mayMoveDatabase(command)) {
-    server->operationQueue().performBesideOperations([&] {
-      if (isThere()) result = server->executeConsoleCommand(command);
-    });
-  }
-  if (result) return *std::move(result);
-  server->operationQueue().performAsBarrier([&] {
-    if (isThere() || server->selectDb(database)) result = server->executeConsoleCommand(command);
-  });
-  if (result) return *std::move(result);
+  const bool isSent = tab_.queue.performInDatabase(
+      database, [&](ServerItem& server) { result = server.executeConsoleCommand(command); },
+      {.runsAlone = ServerItem::mayMoveDatabase(command), .connects = true});
+  if (isSent) return result;
   return replacingPlaceholder(localizedString("(Err) Not sent, since db{0} can not be selected."), "{0}",
                               std::to_string(database));
 }

@@ -5,15 +5,6 @@
 
 namespace tarn {
 
-namespace {
-
-// False if the connection stands elsewhere, and the server didn't take the SELECT.
-bool goesTo(int database, ServerItem& server) {
-  return server.currentDbIdx() == database || server.selectDb(database);
-}
-
-}  // namespace
-
 void TabQueue::addInDatabase(int database, Work work) {
   if (!server_) return;
   const auto begin = [this, work = std::move(work)](ServerItem& server, const TabPoster& tab) {
@@ -24,26 +15,26 @@ void TabQueue::addInDatabase(int database, Work work) {
     // While this runs no SELECT can start, so the answer stays true until the work has ended.
     if (server->currentDbIdx() == database) return begin(*server, tab);
     server->operationQueue().addBarrierBlock([this, begin, server, database, tab, token] {
-      if (goesTo(database, *server)) return begin(*server, tab);
+      if (server->currentDbIdx() == database || server->selectDb(database)) return begin(*server, tab);
       tab.post([this] { updateDealingQueueLabel(); });
     });
   };
   server_->operationQueue().addOperationWithBlock(run);
 }
 
-void TabQueue::performInDatabase(int database, const std::function<void(ServerItem& server)>& work) {
+bool TabQueue::performInDatabase(int database, const std::function<void(ServerItem& server)>& work, WorkTraits traits) {
   const std::shared_ptr<ServerItem> server = server_;
-  if (!server) return;
+  if (!server) return false;
   const WaitCursor cursor;
-  bool isElsewhere = false;
-  server->operationQueue().performBesideOperations([&] {
-    isElsewhere = server->currentDbIdx() != database;
-    if (!isElsewhere) work(*server);
-  });
-  if (!isElsewhere) return;
-  server->operationQueue().performAsBarrier([&] {
-    if (goesTo(database, *server)) work(*server);
-  });
+  bool isDone = false;
+  const auto isThere = [&] { return server->currentDbIdx() == database || (traits.connects && !server->isAlive()); };
+  const auto workIf = [&](bool isInDatabase) {
+    if (isInDatabase) work(*server);
+    isDone = isInDatabase;
+  };
+  if (!traits.runsAlone) server->operationQueue().performBesideOperations([&] { workIf(isThere()); });
+  if (!isDone) server->operationQueue().performAsBarrier([&] { workIf(isThere() || server->selectDb(database)); });
+  return isDone;
 }
 
 void TabQueue::addSelect(int database, std::function<void(bool selected)> ended) {

@@ -25,6 +25,14 @@ private:
   std::weak_ptr<void> tab_;
 };
 
+// What sets some work that is done at once apart.
+struct WorkTraits {
+  // It may choose another database: no block of the queue may find itself in another one than it began in.
+  bool runsAlone = false;
+  // It makes a lost connection anew, which selects the database by itself.
+  bool connects = false;
+};
+
 // A tab's connection, and how the tab's work goes to its queue, on the right database, and comes back. Main queue only;
 // `Work` runs on the server's queue, where it touches no part of the tab but through the poster.
 class TabQueue final {
@@ -56,8 +64,8 @@ public:
 
   // Does such work here and now, between the queue's blocks, and under a wait cursor; no SELECT of theirs comes
   // between. Where the wire stands elsewhere, SELECT is sent first, when the running blocks have ended; if that fails,
-  // the work is dropped.
-  void performInDatabase(int database, const std::function<void(ServerItem& server)>& work);
+  // or without a server, the work is dropped, and the answer is false.
+  bool performInDatabase(int database, const std::function<void(ServerItem& server)>& work, WorkTraits traits = {});
 
   // Queues a SELECT of this database, behind the running blocks and before all others. Then, on the main queue, `ended`
   // is called with whether the server took it. The queue label follows. Without a server nothing happens.
