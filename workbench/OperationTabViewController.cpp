@@ -154,9 +154,7 @@ void OperationTabViewController::showDatabase(int index) {
 
 void OperationTabViewController::switchDatabase(int index) {
   showDatabase(index);
-  d_->tab.queue.addSelect(index, [browser = &d_->browser](bool selected) {
-    if (selected) browser->search();
-  });
+  d_->browser.selectAndSearch(index);
 }
 
 void OperationTabViewController::selectDatabase(int index) {

@@ -31,7 +31,7 @@ KeyBrowser::KeyBrowser(WorkbenchTab& tab) : tab_(tab) {
   outlets.chkExactly.setState(false);
   outlets.txtSearchKey.setAction([this] { search(); });
   outlets.chkExactly.setAction([this] { search(); });
-  outlets.btnSearchKeyClear.setAction([this] { clearSearchKey(); });
+  outlets.btnSearchKeyClear.setAction([this] { tab_.outlets.txtSearchKey.setStringValue(""); });
   outlets.popDatabase.setAction([this] { changeDb(); });
 }
 
@@ -60,14 +60,14 @@ void KeyBrowser::showFoundKeys(std::vector<Bytes> keys) {
   tab_.outlets.tableKeys.tableColumn(0).setHeaderToolTip(countShownText(keys_.size()));
 }
 
-void KeyBrowser::clearSearchKey() {
-  tab_.outlets.txtSearchKey.setStringValue("");
-}
-
 void KeyBrowser::changeDb() {
   const int database = tab_.outlets.popDatabase.indexOfSelectedItem();
   if (database != tab_.queue.database()) showKeys({});
   tab_.queue.setDatabase(database);
+  selectAndSearch(database);
+}
+
+void KeyBrowser::selectAndSearch(int database) {
   tab_.queue.addSelect(database, [this](bool selected) {
     if (selected) search();
   });

@@ -23,9 +23,8 @@ public:
   // Empties the list and asks the server for the keys that fit what the search field and its options say; an alert
   // where the text stands for no pattern.
   void search();
-  void clearSearchKey();
-  // Selects the database that popDatabase shows now, then searches.
-  void changeDb();
+  // Selects the database, then searches if the server took it.
+  void selectAndSearch(int database);
 
   void showKeys(std::vector<Bytes> keys);
 
@@ -41,6 +40,8 @@ public:
   void tableViewSelectionDidChange(NSTableView& table) override;
 
 private:
+  // Takes the database that popDatabase shows now.
+  void changeDb();
   void showFoundKeys(std::vector<Bytes> keys);
 
   WorkbenchTab& tab_;
