@@ -61,7 +61,7 @@ std::optional<std::string> alertOfRows(ValueType type, const ValueRows& rows) {
   return std::nullopt;
 }
 
-bool endsWith(std::string alert) {
+bool refuseWith(std::string alert) {
   showAlert(std::move(alert));
   return false;
 }
@@ -135,7 +135,7 @@ void KeySaver::save() {
 bool KeySaver::takeHead(Job& job) const {
   const std::string ttl = tab_.outlets.txtTTL.stringValue();
   auto alert = alertOfHead(tab_.type.has_value(), tab_.outlets.txtKey.stringValue(), ttl);
-  if (alert) return endsWith(*std::move(alert));
+  if (alert) return refuseWith(*std::move(alert));
   std::optional<Bytes> key = form_.keyDataFromForm();
   if (!key) return false;
   job.database = tab_.queue.database();
@@ -154,14 +154,14 @@ bool KeySaver::takeValue(Job& job) {
 
 bool KeySaver::takeString(Job& job) {
   BytesOrAlert value = stringFromText(panes_.string().text(), job.form);
-  if (!value.hasValue()) return endsWith(value.alert());
+  if (!value.hasValue()) return refuseWith(value.alert());
   job.value = value.value();
   return true;
 }
 
 bool KeySaver::takeRows(Job& job) {
   ValueRows& rows = panes_.rowsOf(job.type)->rows();
-  if (auto alert = alertOfRows(job.type, rows)) return endsWith(*std::move(alert));
+  if (auto alert = alertOfRows(job.type, rows)) return refuseWith(*std::move(alert));
   job.rows.emplace(rows, job.form);
   return true;
 }
