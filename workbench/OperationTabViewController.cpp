@@ -2,14 +2,14 @@
 
 #include "platform/foundation/NSTimer.h"
 #include "workbench/ConsolePane.h"
+#include "workbench/KeyDeleter.h"
 #include "workbench/StatusTexts.h"
+#include "workbench/ValueLoader.h"
 #include "workbench/WorkbenchHost.h"
 #include "workbench/WorkbenchTab.h"
 #include "workbench/keys/KeyBrowser.h"
-#include "workbench/keys/KeyDeleter.h"
 #include "workbench/keys/KeyForm.h"
 #include "workbench/save/KeySaver.h"
-#include "workbench/value/ValueLoader.h"
 #include "workbench/value/ValuePanes.h"
 
 #include <optional>
@@ -183,9 +183,7 @@ void OperationTabViewController::resetWorkbenchView() {
   d_->browser.showKeys({});
   d_->tab.type.reset();
   outlets.txtSearchKey.setStringValue("");
-  d_->form.emptyKey();
-  d_->form.showTtl("", "");
-  d_->form.showSizesUnknown();
+  d_->form.blank("", "");
   outlets.chkTranslate.setState(false);
   outlets.chkExactly.setState(false);
   d_->panes.string().empty();
@@ -194,12 +192,10 @@ void OperationTabViewController::resetWorkbenchView() {
 
 void OperationTabViewController::resetFormForNewKey() {
   d_->loader.dropRunningLoads();
-  d_->form.emptyKey();
-  d_->form.showTtl("-1", ttlToolTip("-1"));
+  d_->form.blank("-1", ttlToolTip("-1"));
   d_->panes.string().blank();
   d_->panes.emptyRows();
   doResizeLater();
-  d_->form.showSizesUnknown();
   d_->tab.outlets.chkTranslate.setState(false);
 }
 

@@ -46,14 +46,12 @@ public:
   // The database that all work of the tab reads: what popDatabase shows, or showed before it was emptied.
   int shownDatabase() const;
 
-  // Work that somebody waits for, and that isn't the tab's own, such as a connect: the activity bar counts it until the
+  // Work that a user waits for, and that isn't the tab's own, such as a connect: the activity bar counts it until the
   // last copy of the token goes, on whatever thread.
   std::shared_ptr<void> beginWork();
 
   // The state of a fresh connection.
   void resetWorkbenchView();
-  // Empties the key form and all value panes.
-  void resetFormForNewKey();
   // The type dialog was confirmed: an empty form of this type, for a key that comes to exist with its first save. A
   // title may carry "(Base64Key)", which is no part of the type.
   void newKeyTypeChosen(const std::string& title);
@@ -71,6 +69,8 @@ private:
   void fillDatabases();
   void selectShownDatabaseAgain();
   void startAnewOnFirstDatabase();
+  // Empties the key form and all value panes.
+  void resetFormForNewKey();
   void changeKeyDataCharset();
   void changeValueDataCharset();
   void translateSlash();

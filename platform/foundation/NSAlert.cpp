@@ -46,4 +46,13 @@ void postAlert(std::string message) {
   NSOperationQueue::mainQueue().addOperationWithBlock([message = std::move(message)] { showAlert(message); });
 }
 
+int askUser(std::string message, std::string informative, std::vector<std::string> buttons) {
+  NSAlert alert;
+  alert.setMessageText(std::move(message));
+  alert.setInformativeText(std::move(informative));
+  for (std::string& button : buttons)
+    alert.addButtonWithTitle(std::move(button));
+  return alert.runModal();
+}
+
 }  // namespace tarn

@@ -50,4 +50,7 @@ void showAlert(std::string message);
 // The same, later, on the main queue. Any thread.
 void postAlert(std::string message);
 
+// A question with these buttons: answers as runModal does.
+int askUser(std::string message, std::string informative, std::vector<std::string> buttons);
+
 }  // namespace tarn

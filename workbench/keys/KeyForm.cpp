@@ -32,6 +32,20 @@ std::optional<Bytes> KeyForm::keyDataFromForm() const {
   return std::nullopt;
 }
 
+void KeyForm::blank(std::string_view ttl, std::string_view toolTip) {
+  emptyKey();
+  showTtl(ttl, toolTip);
+  showSizesUnknown();
+}
+
+void KeyForm::showDeletedKey() {
+  emptyKey();
+  tab_.outlets.txtTTL.setStringValue("");
+  showType(typeText(""));
+  tab_.outlets.labKeySize.setStringValue(keySizeText(0));
+  showDataSize(dataSizeText(0));
+}
+
 void KeyForm::showKey(const Bytes& key) {
   tab_.outlets.chkTranslate.setState(true);
   tab_.outlets.txtKey.setStringValue(keyText(key.view(), tab_.keyForm()));
@@ -55,7 +69,7 @@ void KeyForm::showTtl(std::string_view ttl, std::string_view toolTip) {
 
 void KeyForm::showSizesUnknown() {
   tab_.outlets.labKeySize.setStringValue(unknownKeySizeText());
-  tab_.outlets.labDataSize.setStringValue(unknownDataSizeText());
+  showDataSize(unknownDataSizeText());
 }
 
 void KeyForm::showKeySize(const Bytes& key) {

@@ -4,6 +4,7 @@
 #include "workbench/WorkbenchTab.h"
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace tarn {
@@ -17,13 +18,24 @@ public:
   // else what the text stands for. Nothing, after an alert, where it stands for no bytes.
   std::optional<Bytes> keyDataFromForm() const;
 
+  // As typed, or as last shown.
+  std::string ttlText() const { return tab_.outlets.txtTTL.stringValue(); }
+
+  // No key, this TTL, and sizes that aren't known; the type stays.
+  void blank(std::string_view ttl, std::string_view toolTip);
+  // No key and no TTL, no type, and sizes of 0; the tool tip of the TTL stays.
+  void showDeletedKey();
+
   // Switches the escapes on and shows the key.
   void showKey(const Bytes& key);
-  void emptyKey();
   // Rewrites the key's text after a click on chkTranslate, so that it keeps its meaning.
   void translateKey();
 
+  // All show a text of StatusTexts as it is.
+  void showType(const std::string& text) { tab_.outlets.labType.setStringValue(text); }
+  void showDataSize(const std::string& text) { tab_.outlets.labDataSize.setStringValue(text); }
   void showTtl(std::string_view ttl, std::string_view toolTip);
+
   void showSizesUnknown();
   void showKeySize(const Bytes& key);
 
@@ -31,6 +43,8 @@ public:
   void controlTextDidEndEditing(const TextEdit& edit) override;
 
 private:
+  void emptyKey();
+
   WorkbenchTab& tab_;
   // What the text of txtKey was made from, until the user changes it.
   std::optional<Bytes> shownKey_;

@@ -133,7 +133,7 @@ void KeySaver::save() {
 // --- What is written -----------------------------------------------------------------------------------------------
 
 bool KeySaver::takeHead(Job& job) const {
-  const std::string ttl = tab_.outlets.txtTTL.stringValue();
+  const std::string ttl = form_.ttlText();
   auto alert = alertOfHead(tab_.type.has_value(), tab_.outlets.txtKey.stringValue(), ttl);
   if (alert) return refuseWith(*std::move(alert));
   std::optional<Bytes> key = form_.keyDataFromForm();
@@ -221,9 +221,9 @@ bool KeySaver::saveKeyValue(Job& job) {
 void KeySaver::finishSave(const Job& job, std::size_t keyPosition) {
   tab_.queue.poster().post(
       [this, database = job.database, key = job.key, type = job.type, dataSize = job.dataSize(), keyPosition] {
-        tab_.outlets.labType.setStringValue(typeText(valueTypeTitle(type)));
+        form_.showType(typeText(valueTypeTitle(type)));
         form_.showKeySize(key);
-        tab_.outlets.labDataSize.setStringValue(dataSizeText(dataSize));
+        form_.showDataSize(dataSizeText(dataSize));
         if (listShows(database)) browser_.showSavedKey(key, keyPosition);
         tab_.queue.updateDealingQueueLabel();
         showAlert(localizedString("Saved."));

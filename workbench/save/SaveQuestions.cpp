@@ -10,21 +10,12 @@ namespace tarn {
 
 namespace {
 
-int answerOf(std::string message, std::string informative, std::vector<std::string> buttons) {
-  NSAlert alert;
-  alert.setMessageText(std::move(message));
-  alert.setInformativeText(std::move(informative));
-  for (std::string& button : buttons)
-    alert.addButtonWithTitle(std::move(button));
-  return alert.runModal();
-}
-
 BytesAnswer askAboutBytes(std::string message, std::string reasons) {
   reasons +=
       localizedString("\"Keep Them\" writes the bytes as they are. \"Convert Them\" writes what the text stands for.");
   const int answer =
-      answerOf(std::move(message), std::move(reasons),
-               {localizedString("Keep Them"), localizedString("Convert Them"), localizedString("Cancel")});
+      askUser(std::move(message), std::move(reasons),
+              {localizedString("Keep Them"), localizedString("Convert Them"), localizedString("Cancel")});
   if (answer == NSAlert::firstButtonReturn) return BytesAnswer::keep;
   return answer == NSAlert::secondButtonReturn ? BytesAnswer::convert : BytesAnswer::cancel;
 }
@@ -71,23 +62,17 @@ bool askToReplaceHiddenString(std::optional<std::size_t> bytes) {
                   localizedString("The value isn't on show. Saving replaces its {0} byte(s) with the text shown."),
                   "{0}", std::to_string(*bytes))
             : localizedString("The value isn't on show. Saving replaces it with the text shown.");
-  return answerOf(message, {}, {localizedString("Cancel"), localizedString("Replace")}) == NSAlert::secondButtonReturn;
+  return askUser(message, {}, {localizedString("Cancel"), localizedString("Replace")}) == NSAlert::secondButtonReturn;
 }
 
 MoveAnswer askAboutMove(std::string_view oldKey, std::string_view newKey) {
   std::string message =
       replacingPlaceholders(localizedString("Are you sure to Move old key '{0}' to key '{1}'?"), oldKey, newKey);
   const int answer =
-      answerOf(std::move(message), {},
-               {localizedString("Sure To Move"), localizedString("Not Move But New"), localizedString("Cancel")});
+      askUser(std::move(message), {},
+              {localizedString("Sure To Move"), localizedString("Not Move But New"), localizedString("Cancel")});
   if (answer == NSAlert::firstButtonReturn) return MoveAnswer::move;
   return answer == NSAlert::secondButtonReturn ? MoveAnswer::keepOld : MoveAnswer::cancel;
-}
-
-bool askToDelete(std::string_view key) {
-  const std::string message = localizedString("Are you sure to Delete the kev-value with key:'{0}'?");
-  return answerOf(replacingPlaceholder(message, "{0}", key), {},
-                  {localizedString("Confirm"), localizedString("Cancel")}) == NSAlert::firstButtonReturn;
 }
 
 }  // namespace tarn

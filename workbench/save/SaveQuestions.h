@@ -25,7 +25,4 @@ bool askToReplaceHiddenString(std::optional<std::size_t> bytes);
 enum class MoveAnswer { move, keepOld, cancel };
 MoveAnswer askAboutMove(std::string_view oldKey, std::string_view newKey);
 
-// The last question before a delete.
-bool askToDelete(std::string_view key);
-
 }  // namespace tarn

@@ -22,8 +22,6 @@ public:
 
   // Blanks the form and loads the key of this row of tableKeys.
   void selectKey(const Bytes& key, int row);
-  // Loads the key that the form names.
-  void reloadKeyValue();
   // What running loads still bring is dropped.
   void dropRunningLoads() { ++newestLoad_; }
 
@@ -31,6 +29,8 @@ private:
   // Posts the stages of one load. Used on the server's queue.
   class Stages;
 
+  // Loads the key that the form names.
+  void reloadKeyValue();
   // `row` is that of the key in tableKeys, or -1 for the key of the form.
   void loadValue(const Bytes& key, int row);
   static void load(ServerItem& server, const Stages& stages, const Bytes& key, int row);

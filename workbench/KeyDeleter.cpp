@@ -1,12 +1,23 @@
-#include "workbench/keys/KeyDeleter.h"
+#include "workbench/KeyDeleter.h"
 
-#include "workbench/StatusTexts.h"
-#include "workbench/save/SaveQuestions.h"
+#include "platform/foundation/NSAlert.h"
+#include "platform/foundation/NSLocalizedString.h"
 #include "workbench/text/TypedText.h"
 
 #include <optional>
+#include <string_view>
 
 namespace tarn {
+
+namespace {
+
+bool askToDelete(std::string_view key) {
+  const std::string message = localizedString("Are you sure to Delete the kev-value with key:'{0}'?");
+  return askUser(replacingPlaceholder(message, "{0}", key), {},
+                 {localizedString("Confirm"), localizedString("Cancel")}) == NSAlert::firstButtonReturn;
+}
+
+}  // namespace
 
 KeyDeleter::KeyDeleter(WorkbenchTab& tab, KeyBrowser& browser, KeyForm& form, ValuePanes& panes)
     : tab_(tab), browser_(browser), form_(form), panes_(panes) {}
@@ -23,18 +34,13 @@ void KeyDeleter::deleteKey() {
 }
 
 void KeyDeleter::removeDeletedKey(const Bytes& key, int database) {
-  OperationTabLayout& outlets = tab_.outlets;
   // The list may be another database's by now.
   if (tab_.queue.database() == database) {
     browser_.removeKey(key);
     // The next key would look chosen over a blank form.
-    outlets.tableKeys.deselectAll();
+    tab_.outlets.tableKeys.deselectAll();
   }
-  form_.emptyKey();
-  outlets.txtTTL.setStringValue("");
-  outlets.labType.setStringValue(typeText(""));
-  outlets.labKeySize.setStringValue(keySizeText(0));
-  outlets.labDataSize.setStringValue(dataSizeText(0));
+  form_.showDeletedKey();
   panes_.showString();
   panes_.string().blank();
   tab_.queue.updateDealingQueueLabel();

@@ -1,4 +1,4 @@
-#include "workbench/value/ValueLoader.h"
+#include "workbench/ValueLoader.h"
 
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSAlert.h"
@@ -59,10 +59,8 @@ void ValueLoader::selectKey(const Bytes& key, int row) {
   dropRunningLoads();
   tab_.isNew = false;
   tab_.type.reset();
-  form_.emptyKey();
-  form_.showTtl("", "");
-  tab_.outlets.labType.setStringValue(unknownTypeText());
-  form_.showSizesUnknown();
+  form_.blank("", "");
+  form_.showType(unknownTypeText());
   panes_.string().empty();
   loadValue(key, row);
 }
@@ -123,7 +121,7 @@ void ValueLoader::showKeyType(const std::string& word) {
   const std::string shown(type ? valueTypeTitle(*type) : word);
   if (type) tab_.outlets.popType.selectItemWithTitle(shown);
   tab_.type = type;
-  tab_.outlets.labType.setStringValue(typeText(shown));
+  form_.showType(typeText(shown));
   panes_.show(type);
   if (RowsPane* const pane = panes_.rowsOf(type)) {
     pane->forgetEditedRow();
@@ -134,17 +132,17 @@ void ValueLoader::showKeyType(const std::string& word) {
 }
 
 void ValueLoader::showUnsupportedType(const std::string& word, const Bytes& key) {
-  tab_.outlets.labType.setStringValue(unsupportedTypeText(word));
+  form_.showType(unsupportedTypeText(word));
   form_.showTtl("", "");
+  form_.showSizesUnknown();
   showStringPane();
   const std::string message = localizedString("No Data found on the Server for the key '{0}'.");
   showAlert(replacingPlaceholder(message, "{0}", keyText(key.view(), tab_.keyForm())));
 }
 
 void ValueLoader::showBlankForm() {
-  tab_.outlets.labType.setStringValue(unknownTypeText());
-  form_.emptyKey();
-  form_.showTtl("", localizedString("(DisConnected)"));
+  form_.showType(unknownTypeText());
+  form_.blank("", localizedString("(DisConnected)"));
   showStringPane();
 }
 
@@ -158,14 +156,14 @@ void ValueLoader::showKeyTtl(const std::string& ttl, const Bytes& key, int row) 
 void ValueLoader::showStringValue(const Bytes& key, Bytes value) {
   logLine("string get success main operation");
   showValueKey(key);
-  tab_.outlets.labDataSize.setStringValue(dataSizeText(value.size()));
+  form_.showDataSize(dataSizeText(value.size()));
   panes_.string().showValue(std::move(value));
   tab_.queue.updateDealingQueueLabel();
   logLine("string get success main operation finished");
 }
 
 void ValueLoader::showNoString() {
-  tab_.outlets.labDataSize.setStringValue(noDataSizeText());
+  form_.showDataSize(noDataSizeText());
   panes_.string().empty();
   tab_.queue.updateDealingQueueLabel();
 }
@@ -177,7 +175,7 @@ void ValueLoader::showRows(const Bytes& key, ValueType type, LoadedRows rows) {
   RowsPane& pane = *panes_.rowsOf(type);
   pane.setRows(std::move(rows));
   if (!isComplete) return showAlert(localizedString("The return of 'zrange' is not correct(2199)"));
-  tab_.outlets.labDataSize.setStringValue(size);
+  form_.showDataSize(size);
   pane.reload();
   rowsShown_();
   tab_.queue.updateDealingQueueLabel();
@@ -189,7 +187,6 @@ void ValueLoader::showValueKey(const Bytes& key) {
 }
 
 void ValueLoader::showStringPane() {
-  form_.showSizesUnknown();
   panes_.string().empty();
   panes_.show(std::nullopt);
   tab_.queue.updateDealingQueueLabel();
