@@ -76,8 +76,8 @@ void MainViewController::clickEditConnection() {
   showConnectionForm(localizedString("Tarn - Edit Connection")).describe(*server);
 }
 
-void MainViewController::newKeyTypeChosen(const std::string& title) {
-  if (const auto tab = tabs_.selectedTab()) tab->newKeyTypeChosen(title);
+void MainViewController::newKeyTypeChosen(ValueType type) {
+  if (const auto tab = tabs_.selectedTab()) tab->newKeyTypeChosen(type);
 }
 
 void MainViewController::closeSelectedTab() {
@@ -118,7 +118,7 @@ void MainViewController::openTypeDialog() {
     const auto willClose = [this] { forget(newKeyValueTypeSelectWindowController_); };
     newKeyValueTypeSelectWindowController_ = std::make_shared<NewKeyValueTypeSelectWindowController>(
         std::make_shared<NewKeyValueTypeSelectViewController>(NewKeyValueTypeSelectViewController::Answers{
-            .chosen = [this](const std::string& title) { newKeyTypeChosen(title); }, .cancelled = willClose}),
+            .chosen = [this](ValueType type) { newKeyTypeChosen(type); }, .cancelled = willClose}),
         willClose);
   }
   newKeyValueTypeSelectWindowController_->showWindow();

@@ -54,7 +54,7 @@ public:
   void closeSelectedTab();
 
   // The type dialog was confirmed: an empty form of this type in the tab on show; nothing happens without one.
-  void newKeyTypeChosen(const std::string& title);
+  void newKeyTypeChosen(ValueType type);
 
   // --- ServerItemHost ---------------------------------------------------------------------------------------------
 

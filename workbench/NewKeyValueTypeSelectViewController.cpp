@@ -2,6 +2,8 @@
 
 #include "platform/foundation/Log.h"
 
+#include <optional>
+#include <string>
 #include <utility>
 
 namespace tarn {
@@ -21,7 +23,7 @@ void NewKeyValueTypeSelectViewController::startAnew() {
 void NewKeyValueTypeSelectViewController::clickConfirm() {
   const std::string title = layout_.popValueType.titleOfSelectedItem();
   logLine(title);
-  answers_.chosen(title);
+  if (const std::optional<ValueType> type = valueTypeOfTitle(title)) answers_.chosen(*type);
   layout_.window.close();
 }
 

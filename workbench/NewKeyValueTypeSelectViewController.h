@@ -2,9 +2,9 @@
 
 #include "platform/appkit/NSViewController.h"
 #include "resources/NewKeyValueTypeSelectLayout.h"
+#include "workbench/value/ValueType.h"
 
 #include <functional>
-#include <string>
 
 namespace tarn {
 
@@ -13,8 +13,8 @@ class NewKeyValueTypeSelectViewController final : public NSViewController {
 public:
   // What the dialog asks of the window that opened it.
   struct Answers {
-    // Confirmed, with the title chosen; the dialog closes behind it.
-    std::function<void(const std::string& title)> chosen;
+    // Confirmed, with the type chosen; the dialog closes behind it.
+    std::function<void(ValueType type)> chosen;
     // Cancelled; the dialog closes behind it.
     std::function<void()> cancelled;
   };

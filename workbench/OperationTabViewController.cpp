@@ -199,16 +199,13 @@ void OperationTabViewController::resetFormForNewKey() {
   d_->tab.outlets.chkTranslate.setState(false);
 }
 
-void OperationTabViewController::newKeyTypeChosen(const std::string& title) {
+void OperationTabViewController::newKeyTypeChosen(ValueType type) {
   WorkbenchTab& tab = d_->tab;
-  tab.outlets.labType.setStringValue(newTypeText(title));
-  d_->form.showSizesUnknown();
-  tab.type = valueTypeOfTitle(title);
-  if (tab.type) {
-    tab.outlets.tableKeys.deselectAll();
-    tab.loadedKey.reset();
-  }
-  d_->panes.show(tab.type);
+  d_->form.showType(newTypeText(valueTypeTitle(type)));
+  tab.type = type;
+  tab.outlets.tableKeys.deselectAll();
+  tab.loadedKey.reset();
+  d_->panes.show(type);
   tab.isNew = true;
   resetFormForNewKey();
 }

@@ -3,6 +3,7 @@
 #include "platform/appkit/NSViewController.h"
 #include "resources/OperationTabLayout.h"
 #include "wire/ServerItem.h"
+#include "workbench/value/ValueType.h"
 
 #include <memory>
 #include <string>
@@ -52,9 +53,8 @@ public:
 
   // The state of a fresh connection.
   void resetWorkbenchView();
-  // The type dialog was confirmed: an empty form of this type, for a key that comes to exist with its first save. A
-  // title may carry "(Base64Key)", which is no part of the type.
-  void newKeyTypeChosen(const std::string& title);
+  // The type dialog was confirmed: an empty form of this type, for a key that comes to exist with its first save.
+  void newKeyTypeChosen(ValueType type);
   // Starts the key search for what the form says.
   void search();
 

@@ -136,7 +136,7 @@ private:
     if (word == "whole") outlets().chkExactly.setState(rest == "on");
     if (word == "name") typeInto(outlets().txtKey, rest);
     if (word == "ttl") typeInto(outlets().txtTTL, rest);
-    if (word == "new") tab->newKeyTypeChosen(rest);
+    if (word == "new") tab->newKeyTypeChosen(*valueTypeOfTitle(rest));
     if (word == "answer") alerts.answerNext(std::stoi(rest));
     if (word == "behind") alerts.whileNextIsUp([this, rest] { run(rest, ","); });
     if (word == "save") click(outlets().btnSave);

@@ -33,8 +33,6 @@ std::optional<ValueType> valueTypeOfWord(std::string_view word) {
 }
 
 std::optional<ValueType> valueTypeOfTitle(std::string_view title) {
-  constexpr std::string_view base64Key = "(Base64Key)";
-  if (title.ends_with(base64Key)) title.remove_suffix(base64Key.size());
   return typeNamed(title, &NamedType::title);
 }
 

@@ -12,7 +12,7 @@ enum class ValueType { string, list, set, hash, sortedSet };
 // The type that the server calls by this word; nothing for a word that no pane shows.
 std::optional<ValueType> valueTypeOfWord(std::string_view word);
 
-// The type that an item of the type dialog stands for; "(Base64Key)" in it is no part of the type.
+// The type with this title; nothing for another text.
 std::optional<ValueType> valueTypeOfTitle(std::string_view title);
 
 // As labels and pop-ups show it.
