@@ -4,7 +4,7 @@
 #include "benchmarks/BenchmarkReport.h"
 #include "tests/support/RedisServer.h"
 #include "wire/ServerItem.h"
-#include "wire/socket/SocketCalls.h"
+#include "wire/socket/TcpConnect.h"
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -110,7 +110,7 @@ double microseconds(const std::function<void()>& work) {
 }
 
 std::shared_ptr<ServerItem> connected(int port, int database, SocketCalls& calls) {
-  auto server = std::make_shared<ServerItem>(ServerItem::Life::transient, calls);
+  auto server = std::make_shared<ServerItem>(ServerItem::Life::transient, tcpOpener(calls));
   server->setServerIp("127.0.0.1");
   server->setServerPort(port);
   require(server->connectToServer().ok && server->selectDb(database), "connect");

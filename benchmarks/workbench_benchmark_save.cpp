@@ -3,7 +3,7 @@
 #include "benchmarks/workbench_benchmark_tab.h"
 #include "tests/support/AlertRecorder.h"
 #include "tests/support/widgets/Hand.h"
-#include "wire/command/RequestEncoder.h"
+#include "wire/request/RequestEncoder.h"
 
 #include <arpa/inet.h>
 #include <sys/socket.h>

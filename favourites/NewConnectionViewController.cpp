@@ -3,9 +3,9 @@
 #include "codec/CharsetEnum.h"
 #include "formatters/PositiveIntegerValueFormatter.h"
 #include "platform/appkit/NSApplication.h"
+#include "platform/foundation/DecimalNumber.h"
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSLocalizedString.h"
-#include "wire/DecimalNumber.h"
 
 #include <algorithm>
 #include <utility>

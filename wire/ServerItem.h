@@ -5,23 +5,22 @@
 #include "platform/foundation/NSOperationQueue.h"
 #include "platform/foundation/NSTimer.h"
 #include "platform/foundation/NSUUID.h"
-#include "wire/ConnectionStatus.h"
 #include "wire/DbItem.h"
 #include "wire/ServerRecord.h"
 #include "wire/command/ServerCommands.h"
 #include "wire/connection/Connection.h"
+#include "wire/stream/ConnectionStatus.h"
 
-#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 namespace tarn {
 
 class ServerItemHost;
-class SocketCalls;
 
 // One Redis server: a node of the favourites tree, and the owner of its record, its connection, the list of its
 // databases and the queue on which all work with it runs. Made with std::make_shared; the favourites own it, background
@@ -35,13 +34,13 @@ public:
   // An item of the tree, or one that lives for a single connect and needs no timer.
   enum class Life { favourite, transient };
 
-  using Databases = ServerRecord::Databases;
+  using Databases = std::vector<std::shared_ptr<DbItem>>;
   using Epoch = Connection::Epoch;
   using Outcome = Connection::Outcome;
 
   explicit ServerItem(Life life = Life::favourite);
-  // With system calls other than the system's own, which must outlive the item.
-  ServerItem(Life life, SocketCalls& calls);
+  // Over streams other than plain TCP.
+  ServerItem(Life life, StreamOpener opener);
   ~ServerItem() override;
 
   // --- The record -------------------------------------------------------------------------------------------------
@@ -58,10 +57,6 @@ public:
   void setAuth(std::string password) { setField(&ServerRecord::auth, std::move(password)); }
   std::string defaultCharset() const { return field(&ServerRecord::defaultCharset); }
   void setDefaultCharset(std::string name) { setField(&ServerRecord::defaultCharset, std::move(name)); }
-
-  // The list as a whole, never null; it is replaced, never changed.
-  std::shared_ptr<const Databases> dbs() const { return field(&ServerRecord::dbs); }
-  void setDbs(Databases dbs) { setField(&ServerRecord::dbs, std::make_shared<const Databases>(std::move(dbs))); }
 
   // --- Connection -------------------------------------------------------------------------------------------------
 
@@ -82,7 +77,7 @@ public:
   // Resolves, connects within 5 seconds, authenticates, and has the refresh start. With a refused password the status
   // is `connected` all the same. Fails if closeConnection has run since `began` was read, which is when the user asked.
   // A database other than the first is selected before any other command gets to the new connection; where the server
-  // refuses it, currentDbIdx tells.
+  // refuses it, currentDbIdx shows that.
   Outcome connectToServer() { return connectToServer(epoch()); }
   Outcome connectToServer(Epoch began, int database = 0);
 
@@ -97,6 +92,10 @@ public:
   void showServerError(std::string message) override;
 
   // --- Databases and their key counts -----------------------------------------------------------------------------
+
+  // The list as a whole, never null; it is replaced, never changed.
+  std::shared_ptr<const Databases> dbs() const;
+  void setDbs(Databases dbs);
 
   // Asks the server for the number of its databases and makes the list anew. Shows its own failure.
   void loadDatabases();
@@ -137,9 +136,6 @@ private:
 
   void replaceDbs(int count, Epoch began);
   void infoFromServer();
-  std::int64_t keysOfMasters(std::string_view nodes);
-  bool refreshCounts();
-  void refreshRow();
 
   void showDatabaseUnless(int database);
   void renewConnection(Epoch began, int database);
@@ -150,6 +146,7 @@ private:
   // Never held over a call that waits.
   mutable Mutex recordMutex_;
   ServerRecord record_ GUARDED_BY(recordMutex_);
+  std::shared_ptr<const Databases> dbs_ GUARDED_BY(recordMutex_) = std::make_shared<const Databases>();
   std::shared_ptr<NSTimer> timer_ GUARDED_BY(recordMutex_);
 
   // Last, so that its blocks find the rest.

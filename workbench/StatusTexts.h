@@ -1,6 +1,6 @@
 #pragma once
 
-#include "wire/ConnectionStatus.h"
+#include "wire/stream/ConnectionStatus.h"
 
 #include <cstddef>
 #include <string>

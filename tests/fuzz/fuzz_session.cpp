@@ -7,6 +7,7 @@
 #include "tests/fuzz/Fuzz.h"
 #include "tests/wire/MemoryCalls.h"
 #include "wire/ServerItem.h"
+#include "wire/socket/TcpConnect.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -121,7 +122,7 @@ void tarn::fuzz(std::string_view input) {
   const std::string_view answers = takeLine(input);
   InputCalls calls(answers, input);
   const int descriptorBefore = lowestFreeDescriptor();
-  auto server = std::make_shared<ServerItem>(ServerItem::Life::favourite, calls);
+  auto server = std::make_shared<ServerItem>(ServerItem::Life::favourite, tcpOpener(calls));
   server->setServerIp("127.0.0.1");
   for (const char step : steps) {
     if (!server->isAlive()) server->connectToServer();

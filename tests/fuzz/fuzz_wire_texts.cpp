@@ -1,8 +1,8 @@
 // Feeds what takes texts of the wire apart: the nodes of a cluster, the key counts, and a line of the console.
 
 #include "tests/fuzz/Fuzz.h"
-#include "wire/Keyspace.h"
 #include "wire/cluster/NodeAddress.h"
+#include "wire/command/Keyspace.h"
 #include "wire/console/ConsoleTokeniser.h"
 
 #include <string>

@@ -89,7 +89,7 @@ TEST_F(ConnectionTest, OpensAuthenticatesAndCloses) {
   RedisServer server({"--requirepass", "s3cret"});
   const std::size_t before = openDescriptors();
   for (const bool isRight : {true, false}) {
-    Connection connection(SocketCalls::system());
+    Connection connection(tcpOpener());
     const auto isIn = [&](Status status, int database) {
       EXPECT_EQ(connection.status(), status);
       EXPECT_EQ(connection.isAlive(), status == Status::connected);
@@ -158,7 +158,7 @@ TEST_F(ConnectionTest, TellsEachConnectThatFails) {
     TamperedCalls calls;
     calls.failing = expected.failing;
     calls.error = expected.error;
-    Connection connection(calls);
+    Connection connection(tcpOpener(calls));
     testing::internal::CaptureStderr();
     const auto outcome = connection.connect(expected.to, 0);
     const std::string log = testing::internal::GetCapturedStderr();
@@ -179,7 +179,7 @@ TEST_F(ConnectionTest, TellsEachConnectThatFails) {
 TEST_F(ConnectionTest, TunesTheSocketAndGoesOnWithoutTheTuning) {
   TamperedCalls calls;
   ScriptedServer peer(answering({}));
-  Connection connection(calls);
+  Connection connection(tcpOpener(calls));
   calls.failing = "option";
   EXPECT_TRUE(connection.connect(address(peer.port()), 0).ok);
   const std::map<std::pair<int, int>, std::int64_t> expected{
@@ -211,7 +211,7 @@ TEST_F(ConnectionTest, ClosedWhileItConnectsStaysClosed) {
     client.readRequest();
   });
   TamperedCalls calls;
-  Connection connection(calls);
+  Connection connection(tcpOpener(calls));
   const std::size_t before = openDescriptors();
   const auto closeDuring = [&](const ServerAddress& to, const std::function<bool()>& underWay) {
     Connection::Outcome outcome;
@@ -239,7 +239,7 @@ TEST_F(ConnectionTest, ContinuesShortSendsAndTellsAFailedOne) {
   calls.failing = "every other send";
   calls.error = EINTR;
   ScriptedServer peer(answering({"+OK\r\n"}));
-  Connection connection(calls);
+  Connection connection(tcpOpener(calls));
   ASSERT_TRUE(connection.connect(address(peer.port()), 0).ok);
   EXPECT_TRUE(connection.execute(RedisCommand::get, {"key"}).ok);
   EXPECT_EQ(peer.received().front(), encodedRequest({"get", "key"}));
@@ -269,7 +269,7 @@ TEST_F(ConnectionTest, NoticesAReplyThatEndsTooEarlyAndAPeerThatCloses) {
       sent = true;
       client.readRequest();
     });
-    Connection connection(calls);
+    Connection connection(tcpOpener(calls));
     ASSERT_TRUE(connection.connect(address(peer.port()), 0).ok);
     calls.beforeReceive = [&] { waitUntil([&] { return sent.load(); }); };
     EXPECT_TRUE(connection.isAlive() && connection.isAlive());

@@ -7,10 +7,11 @@
 #include "tests/support/ScriptedServer.h"
 #include "wire/ServerItem.h"
 #include "wire/ServerItemHost.h"
-#include "wire/socket/SocketCalls.h"
+#include "wire/socket/TcpConnect.h"
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <filesystem>
@@ -39,7 +40,8 @@ public:
   void reloadServerRow(const std::shared_ptr<ServerItem>&) override { calls.push_back("row"); }
   void refreshServerRow(const std::shared_ptr<ServerItem>&) override { calls.push_back("counts"); }
   void showStatusInTab(const std::shared_ptr<ServerItem>& server) override {
-    calls.push_back("Status:" + std::string(rawValue(server->connectionStatus())));
+    constexpr std::array names{"NotConnected", "Connected", "DisConnected", "Connecting"};
+    calls.push_back(std::string("Status:") + names.at(static_cast<std::size_t>(server->connectionStatus())));
   }
   void bringDatabasesUpToDate(const std::shared_ptr<ServerItem>&, bool connected) override {
     calls.push_back(connected ? "databases" : "no databases");
@@ -58,7 +60,7 @@ public:
 
   static std::shared_ptr<ServerItem> item(int port, std::string auth = {}, SocketCalls& calls = SocketCalls::system(),
                                           ServerItem::Life life = ServerItem::Life::favourite) {
-    auto server = std::make_shared<ServerItem>(life, calls);
+    auto server = std::make_shared<ServerItem>(life, tcpOpener(calls));
     server->setConnectionName("a");
     server->setServerIp("127.0.0.1");
     server->setServerPort(port);

@@ -1,9 +1,9 @@
 // The texts that are read and made without a connection.
 
-#include "wire/Keyspace.h"
 #include "wire/cluster/NodeAddress.h"
-#include "wire/command/RequestEncoder.h"
+#include "wire/command/Keyspace.h"
 #include "wire/console/ConsoleTokeniser.h"
+#include "wire/request/RequestEncoder.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "wire/cluster/NodeAddress.h"
 
+#include "platform/foundation/DecimalNumber.h"
 #include "platform/foundation/SplitText.h"
-#include "wire/DecimalNumber.h"
 
 namespace tarn {
 

@@ -7,7 +7,7 @@
 
 namespace tarn {
 
-// Where a node of a cluster listens, as another node tells it.
+// Where a node of a cluster listens, as another node gives it.
 struct NodeAddress {
   std::string host;
   int port = 0;

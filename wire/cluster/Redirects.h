@@ -1,9 +1,9 @@
 #pragma once
 
-#include "wire/command/Arguments.h"
-#include "wire/command/RedisCommand.h"
 #include "wire/connection/Connection.h"
 #include "wire/reply/ReplyResult.h"
+#include "wire/request/Arguments.h"
+#include "wire/request/RedisCommand.h"
 
 #include <string>
 
@@ -13,7 +13,7 @@ namespace tarn {
 bool isRedirect(const ReplyResult& reply);
 
 // Sends the command to the node that `reply` names, and on to the one that this names. Each gets a connection of its
-// own, made by the means of `connection`, for this one command. Blocks; answers with the first reply that is no
+// own, made like `connection`, for this one command. Blocks; answers with the first reply that is no
 // redirect, or with why there is none.
 ReplyResult followRedirects(ReplyResult reply, const Connection& connection, const std::string& password,
                             RedisCommand command, Arguments args);

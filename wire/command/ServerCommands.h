@@ -1,13 +1,14 @@
 #pragma once
 
 #include "platform/foundation/Bytes.h"
-#include "wire/command/Arguments.h"
-#include "wire/command/RedisCommand.h"
 #include "wire/connection/Connection.h"
 #include "wire/reply/ReplyResult.h"
+#include "wire/request/Arguments.h"
+#include "wire/request/RedisCommand.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -15,6 +16,8 @@
 #include <vector>
 
 namespace tarn {
+
+class ClusterNode;
 
 // The commands by which the client reads and writes the keys of a server, over one connection to it. Each sends one
 // request after the other and blocks until the replies are in; each shows its own failure.
@@ -31,6 +34,14 @@ public:
 
   // Sends one command and reads its reply, following the redirects of a cluster. Shows nothing.
   ReplyResult execute(RedisCommand command, Arguments args);
+  // The same, and shows the user why it failed.
+  ReplyResult executeAndShowFailure(RedisCommand command, Arguments args);
+
+  // Connects to one master after the other of those in the text of "cluster nodes", and calls `visit` with each, also
+  // where the connect failed, until that answers false. Each that is down takes five seconds; nobody waits for the rest
+  // once the connection to this server is closed. False where that ended it.
+  using Visit = std::function<bool(ClusterNode& master, bool isConnected)>;
+  bool visitMasters(std::string_view nodes, const Visit& visit) const;
 
   // True if the server took it; it is then the connection's database.
   bool selectDb(int index);
@@ -61,11 +72,9 @@ public:
                            std::int64_t ttl);
 
 protected:
-  explicit ServerCommands(SocketCalls& calls) : connection_(calls) {}
-  // Made by the means of the other one.
+  explicit ServerCommands(StreamOpener opener) : connection_(std::move(opener)) {}
+  // Connects with the opener of the other one.
   explicit ServerCommands(const Connection& other) : connection_(other.another()) {}
-
-  ReplyResult executeAndShowFailure(RedisCommand command, Arguments args);
 
   Connection& connection() { return connection_; }
   const Connection& connection() const { return connection_; }

@@ -3,7 +3,7 @@
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSLocalizedString.h"
-#include "wire/cluster/ClusterNode.h"
+#include "wire/command/ClusterNode.h"
 #include "wire/command/ServerCommands.h"
 
 #include <algorithm>
@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::int64_t noLimit = std::numeric_limits<std::int64_t>::max();
 
-// Nothing if the reply tells none: an array without elements doesn't.
+// Nothing if the reply has none: an array without elements doesn't.
 std::optional<Bytes> cursorOf(const ReplyResult& reply) {
   const auto text = reply.list && reply.list->empty() ? std::nullopt : reply.text();
   return text ? std::optional(Bytes(*text)) : std::nullopt;
@@ -36,6 +36,18 @@ bool isFull(const std::vector<Bytes>& found, std::int64_t limit) {
 
 }  // namespace
 
+bool ServerCommands::visitMasters(std::string_view nodes, const Visit& visit) const {
+  const Connection::Epoch began = connection_.epoch();
+  for (const NodeAddress& address : mastersIn(nodes)) {
+    if (connection_.wasClosedSince(began)) return false;
+    ClusterNode master(address, auth(), connection_);
+    const bool isConnected = master.connect();
+    if (connection_.wasClosedSince(began)) return false;
+    if (!visit(master, isConnected)) break;
+  }
+  return true;
+}
+
 std::vector<Bytes> ServerCommands::scanKeys(const Bytes& match, std::int64_t limit, bool singleNode) {
   const ReplyResult nodes = execute(RedisCommand::clusterNodes, {});
   if (nodes.ok && !singleNode) {
@@ -48,7 +60,7 @@ std::vector<Bytes> ServerCommands::scanKeys(const Bytes& match, std::int64_t lim
 std::vector<Bytes> ServerCommands::scanMasters(std::string_view nodes, const Bytes& match, std::int64_t limit) {
   logLine(nodes);
   std::vector<Bytes> keys;
-  const bool isWanted = visitMasters(nodes, auth(), connection_, [&](ClusterNode& master, bool isConnected) {
+  const bool isWanted = visitMasters(nodes, [&](ClusterNode& master, bool isConnected) {
     if (isConnected) {
       std::vector<Bytes> more = master.scanKeys(match, limit, true);
       appendUpTo(limit, keys, more.begin(), more.end());
@@ -78,11 +90,8 @@ std::vector<Bytes> ServerCommands::scanToTheEnd(RedisCommand command, std::vecto
   std::optional<Bytes> cursor;
   for (;;) {
     if (cursor) args[cursorAt] = cursor->view();
-    ReplyResult reply = execute(command, args);
-    if (!reply.ok) {
-      showServerError(std::move(reply.message));
-      return {};
-    }
+    ReplyResult reply = executeAndShowFailure(command, args);
+    if (!reply.ok) return {};
     if (reply.list && reply.list->size() > 1) {
       appendUpTo(limit, found, reply.list->begin() + 1, reply.list->end());
     }

@@ -1,13 +1,12 @@
 #include "wire/connection/Connection.h"
 
+#include "platform/foundation/DecimalNumber.h"
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSLocalizedString.h"
-#include "wire/DecimalNumber.h"
-#include "wire/command/RequestEncoder.h"
-#include "wire/connection/ByteStream.h"
 #include "wire/reply/ConsoleReplyReader.h"
 #include "wire/reply/ReplyReader.h"
-#include "wire/socket/TcpConnect.h"
+#include "wire/request/RequestEncoder.h"
+#include "wire/stream/ByteStream.h"
 
 #include <utility>
 
@@ -61,10 +60,10 @@ Connection::Outcome Connection::connect(const ServerAddress& address, Epoch bega
 
 Connection::Outcome Connection::open(const ServerAddress& address, Epoch began) {
   const ConnectSteps steps{
-      .keep = [&](std::shared_ptr<ByteStream> stream) { return keepStream(std::move(stream), began); },
-      .reach = [&](ConnectionStatus status) { return setStatusUnlessClosed(began, status); },
+      .opened = [&](std::shared_ptr<ByteStream> stream) { return keepStream(std::move(stream), began); },
+      .statusChanged = [&](ConnectionStatus status) { return setStatusUnlessClosed(began, status); },
   };
-  auto failure = connectByTcp(address, calls_, steps);
+  auto failure = opener_(address, steps);
   if (!failure) return {.ok = true, .message = {}, .closed = false, .isOpen = true};
   dropStream();
   const bool closed = failure->status ? !setStatusUnlessClosed(began, *failure->status) : wasClosedSince(began);

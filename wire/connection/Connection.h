@@ -1,12 +1,13 @@
 #pragma once
 
 #include "platform/foundation/Mutex.h"
-#include "wire/ConnectionStatus.h"
-#include "wire/command/Arguments.h"
-#include "wire/command/RedisCommand.h"
-#include "wire/connection/ServerAddress.h"
 #include "wire/connection/ServerSession.h"
 #include "wire/reply/ReplyResult.h"
+#include "wire/request/Arguments.h"
+#include "wire/request/RedisCommand.h"
+#include "wire/stream/ConnectionStatus.h"
+#include "wire/stream/ServerAddress.h"
+#include "wire/stream/StreamOpener.h"
 
 #include <cstdint>
 #include <functional>
@@ -14,12 +15,12 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace tarn {
 
 class ByteStream;
-class SocketCalls;
 
 // The one connection to a server, opened and closed as often as its owner likes: what carries its bytes, its status,
 // and what the server keeps of it. It knows what goes over the wire and nothing of who shows it.
@@ -60,13 +61,12 @@ public:
     std::string failure;
   };
 
-  // The calls must outlive the connection.
-  explicit Connection(SocketCalls& calls) : calls_(calls) {}
+  explicit Connection(StreamOpener opener) : opener_(std::move(opener)) {}
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
 
-  // One to another server, by the same means. It isn't open.
-  Connection another() const { return Connection(calls_); }
+  // One to another server, with the same opener. It isn't open.
+  Connection another() const { return Connection(opener_); }
 
   ConnectionStatus status() const;
   void setStatus(ConnectionStatus status);
@@ -80,7 +80,7 @@ public:
 
   // Connects within 5 seconds and authenticates. With a refused password the status is `connected` all the same. A
   // database other than the first is selected before any other command gets to the new connection; where the server
-  // refuses it, database() tells. Fails if close() has run since `began`.
+  // refuses it, database() shows that. Fails if close() has run since `began`.
   Outcome connect(const ServerAddress& address, Epoch began, int database = 0);
 
   // Without waiting: shuts the connection down; status `notConnected`. A connect under way fails, and leaves the status
@@ -112,7 +112,7 @@ private:
   void dropStream();
   void lose(std::optional<Epoch> began);
 
-  SocketCalls& calls_;
+  const StreamOpener opener_;
 
   // Held for one whole connect, or one whole request and reply.
   Mutex commandMutex_;

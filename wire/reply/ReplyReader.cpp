@@ -1,7 +1,7 @@
 #include "wire/reply/ReplyReader.h"
 
+#include "platform/foundation/DecimalNumber.h"
 #include "platform/foundation/NSLocalizedString.h"
-#include "wire/DecimalNumber.h"
 #include "wire/reply/ReplyMessages.h"
 
 #include <algorithm>

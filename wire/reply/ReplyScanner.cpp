@@ -1,6 +1,6 @@
 #include "wire/reply/ReplyScanner.h"
 
-#include "wire/DecimalNumber.h"
+#include "platform/foundation/DecimalNumber.h"
 
 #include <algorithm>
 #include <cstring>

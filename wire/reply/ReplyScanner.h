@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/foundation/Bytes.h"
-#include "wire/connection/ByteStream.h"
 #include "wire/reply/ReplyResult.h"
+#include "wire/stream/ByteStream.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "wire/connection/ByteStream.h"
 #include "wire/socket/SocketCalls.h"
+#include "wire/stream/ByteStream.h"
 
 #include <atomic>
 #include <cstddef>

@@ -81,13 +81,13 @@ TcpConnect::Failure TcpConnect::connectTo(const addrinfo& address) const {
     std::perror("Failure: creating socket");
     return disConnected(localizedString("Can not create socket."));
   }
-  if (!steps_.keep(socket)) return disConnected(withName(localizedString("Can not connect to Server({0}).")));
+  if (!steps_.opened(socket)) return disConnected(withName(localizedString("Can not connect to Server({0}).")));
   if (!socket->setBlocking(false)) return disConnected(localizedString("Can not set socket options."));
 
   auto result = socket->startConnect(address.ai_addr, address.ai_addrlen);
   if (result == Socket::ConnectResult::inProgress) {
     logLine("connecting");
-    steps_.reach(ConnectionStatus::connecting);
+    steps_.statusChanged(ConnectionStatus::connecting);
     result = socket->finishConnect(address.ai_addr, address.ai_addrlen);
   }
   switch (result) {
@@ -111,7 +111,7 @@ TcpConnect::Failure TcpConnect::connectTo(const addrinfo& address) const {
 
 TcpConnect::Failure TcpConnect::setUp(Socket& socket) const {
   logLine("connected");
-  if (!steps_.reach(ConnectionStatus::connected)) {
+  if (!steps_.statusChanged(ConnectionStatus::connected)) {
     return ConnectFailure{withName(localizedString("Can not connect to Server({0}).")), std::nullopt};
   }
   if (!socket.setBlocking(true)) return ConnectFailure{localizedString("Can not set socket options."), std::nullopt};
@@ -123,8 +123,10 @@ TcpConnect::Failure TcpConnect::setUp(Socket& socket) const {
 
 }  // namespace
 
-std::optional<ConnectFailure> connectByTcp(const ServerAddress& server, SocketCalls& calls, const ConnectSteps& steps) {
-  return TcpConnect(server, calls, steps).run();
+StreamOpener tcpOpener(SocketCalls& calls) {
+  return [&calls](const ServerAddress& server, const ConnectSteps& steps) {
+    return TcpConnect(server, calls, steps).run();
+  };
 }
 
 }  // namespace tarn

@@ -1,8 +1,8 @@
 #include "workbench/save/KeySaver.h"
 
+#include "platform/foundation/DecimalNumber.h"
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSLocalizedString.h"
-#include "wire/DecimalNumber.h"
 #include "workbench/StatusTexts.h"
 #include "workbench/save/RowsToSave.h"
 #include "workbench/save/SaveQuestions.h"

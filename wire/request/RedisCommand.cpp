@@ -1,4 +1,4 @@
-#include "wire/command/RedisCommand.h"
+#include "wire/request/RedisCommand.h"
 
 namespace tarn {
 

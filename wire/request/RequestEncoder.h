@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/foundation/Bytes.h"
-#include "wire/command/Arguments.h"
-#include "wire/command/RedisCommand.h"
+#include "wire/request/Arguments.h"
+#include "wire/request/RedisCommand.h"
 
 namespace tarn {
 

@@ -1,4 +1,4 @@
-#include "wire/DecimalNumber.h"
+#include "platform/foundation/DecimalNumber.h"
 
 #include <charconv>
 

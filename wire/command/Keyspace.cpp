@@ -1,4 +1,4 @@
-#include "wire/Keyspace.h"
+#include "wire/command/Keyspace.h"
 
 #include "platform/foundation/SplitText.h"
 

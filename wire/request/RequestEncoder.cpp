@@ -1,4 +1,4 @@
-#include "wire/command/RequestEncoder.h"
+#include "wire/request/RequestEncoder.h"
 
 #include <algorithm>
 #include <charconv>
