@@ -9,7 +9,7 @@
 
 namespace tarn {
 
-// The passage between bytes and text. All pure; any thread. Text is UTF-8.
+// Bytes to text and back. All pure; any thread. Text is UTF-8.
 
 // Nothing when the bytes aren't valid in the character set.
 std::optional<std::string> bytesToText(std::string_view bytes, CharsetEnum charset);

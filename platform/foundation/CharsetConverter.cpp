@@ -81,7 +81,7 @@ private:
   const iconv_t descriptor_;
 };
 
-// This thread's converter for the passage.
+// This thread's converter between the two.
 Converter& converter(const char* to, const char* from) {
   thread_local std::vector<std::unique_ptr<Converter>> converters;
   auto known = std::find_if(converters.begin(), converters.end(),

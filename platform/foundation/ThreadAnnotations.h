@@ -16,9 +16,8 @@
 // A field that is read and written under the lock alone.
 #define GUARDED_BY(mutex) TARN_THREAD_ANNOTATION(guarded_by(mutex))
 
-// A function whose caller holds the locks, or mustn't hold them.
+// A function whose caller holds the locks.
 #define REQUIRES(...) TARN_THREAD_ANNOTATION(requires_capability(__VA_ARGS__))
-#define EXCLUDES(...) TARN_THREAD_ANNOTATION(locks_excluded(__VA_ARGS__))
 
 // A function that returns with the locks held, or with the locks given back. Without an argument: its own object.
 #define ACQUIRE(...) TARN_THREAD_ANNOTATION(acquire_capability(__VA_ARGS__))

@@ -8,6 +8,9 @@ namespace tarn {
 // All pure; any thread.
 
 bool isAscii(std::string_view bytes);
+constexpr bool isAscii(char byte) {
+  return static_cast<unsigned char>(byte) < 0x80U;
+}
 
 // As Unicode defines it: shortest forms only, no surrogates, nothing above U+10FFFF, nothing cut off.
 bool isValidUtf8(std::string_view bytes);

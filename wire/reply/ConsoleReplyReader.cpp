@@ -36,17 +36,12 @@ std::string_view linePrefix(ReplyType type) {
   }
 }
 
-bool isAggregate(ReplyType type) {
-  return type == ReplyType::REDIS_REPLY_ARRAY || type == ReplyType::REDIS_REPLY_MAP ||
-         type == ReplyType::REDIS_REPLY_SET;
-}
-
 std::string failureText(ReplyScanner::Failure failure) {
-  // What is too deep to read is told like a count that can't be read.
+  // What is too deep to read gets the message of a count that can't be read.
   if (failure.fault == ReplyScanner::Fault::tooDeep) {
-    failure = {ReplyScanner::Place::countLine, ReplyScanner::Fault::unreadable};
+    failure = {ReplyScanner::Piece::countLine, ReplyScanner::Fault::unreadable};
   }
-  const bool isLostType = failure.place == ReplyScanner::Place::type && failure.fault == ReplyScanner::Fault::lost;
+  const bool isLostType = failure.piece == ReplyScanner::Piece::type && failure.fault == ReplyScanner::Fault::lost;
   return (isLostType ? "" : "(Err) ") + replyFailureMessage(failure);
 }
 
@@ -68,8 +63,7 @@ std::string ConsoleReplyReader::readReply() {
 
 // Of a line or a bulk.
 bool ConsoleReplyReader::processConsoleItem(ReplyType type) {
-  const bool isBulk = type == ReplyType::REDIS_REPLY_STRING || type == ReplyType::REDIS_REPLY_VERB;
-  return isBulk ? processConsoleBulkItem() : processConsoleLineItem(type);
+  return isBulk(type) ? processConsoleBulkItem() : processConsoleLineItem(type);
 }
 
 bool ConsoleReplyReader::processConsoleLineItem(ReplyType type) {

@@ -6,31 +6,31 @@ namespace tarn {
 
 namespace {
 
-using Place = ReplyScanner::Place;
+using Piece = ReplyScanner::Piece;
 
-std::string lostMessage(Place place) {
-  switch (place) {
-    case Place::lengthLine:
+std::string lostMessage(Piece piece) {
+  switch (piece) {
+    case Piece::lengthLine:
       return localizedString("Can not connect to server(738)");
-    case Place::countLine:
+    case Piece::countLine:
       return localizedString("Can not connect to server(834)");
-    case Place::type:
-    case Place::line:
-    case Place::payload:
+    case Piece::type:
+    case Piece::line:
+    case Piece::payload:
       break;
   }
   return localizedString("Can not connect to server");
 }
 
-std::string undecodableMessage(Place place) {
-  switch (place) {
-    case Place::lengthLine:
+std::string undecodableMessage(Piece piece) {
+  switch (piece) {
+    case Piece::lengthLine:
       return localizedString("Server reply Error, unrecognized reply(765)");
-    case Place::countLine:
+    case Piece::countLine:
       return localizedString("Server reply Error, unrecognized reply(870)");
-    case Place::type:
-    case Place::line:
-    case Place::payload:
+    case Piece::type:
+    case Piece::line:
+    case Piece::payload:
       break;
   }
   return localizedString("Server reply Error, unrecognized reply.");
@@ -41,15 +41,15 @@ std::string undecodableMessage(Place place) {
 std::string replyFailureMessage(ReplyScanner::Failure failure) {
   switch (failure.fault) {
     case ReplyScanner::Fault::lost:
-      return lostMessage(failure.place);
+      return lostMessage(failure.piece);
     case ReplyScanner::Fault::undecodable:
-      return undecodableMessage(failure.place);
+      return undecodableMessage(failure.piece);
     case ReplyScanner::Fault::tooDeep:
       return elementFailureMessage();
     case ReplyScanner::Fault::unreadable:
       break;
   }
-  return failure.place == Place::lengthLine
+  return failure.piece == Piece::lengthLine
              ? localizedString("Server reply Error, unrecognized reply count(775)")
              : localizedString("Server reply Error, can not covert data to count value(859)");
 }

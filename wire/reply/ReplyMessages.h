@@ -6,10 +6,10 @@
 
 namespace tarn {
 
-// What the user is told about a reply that couldn't be read. Any thread.
+// The text for the user of a reply that couldn't be read. Any thread.
 std::string replyFailureMessage(ReplyScanner::Failure failure);
 
-// What is told about an array of which an element couldn't be read.
+// The one of an array of which an element couldn't be read.
 std::string elementFailureMessage();
 
 }  // namespace tarn

@@ -51,19 +51,9 @@ ReplyResult ReplyReader::lost(std::string message) {
 ReplyResult ReplyReader::readReply() {
   const auto type = scanner_.type(0);
   if (!type) return lost(replyFailureMessage(scanner_.failure()));
-  switch (*type) {
-    case ReplyType::REDIS_REPLY_STRING:
-    case ReplyType::REDIS_REPLY_VERB:
-      return processBulkItem(*type);
-    case ReplyType::REDIS_REPLY_ARRAY:
-    case ReplyType::REDIS_REPLY_MAP:
-    case ReplyType::REDIS_REPLY_SET:
-      return processMultiBulkItem(*type);
-    case ReplyType::REDIS_ERR:
-      return processUnknownItem();
-    default:
-      return processLineItem(*type);
-  }
+  if (isBulk(*type)) return processBulkItem(*type);
+  if (isAggregate(*type)) return processMultiBulkItem(*type);
+  return *type == ReplyType::REDIS_ERR ? processUnknownItem() : processLineItem(*type);
 }
 
 ReplyResult ReplyReader::processLineItem(ReplyType type) {
@@ -118,21 +108,9 @@ bool ReplyReader::appendElements(std::int64_t count, int depth, std::vector<Byte
 
 bool ReplyReader::appendElement(int depth, std::vector<Bytes>& list) {
   const auto type = scanner_.type(depth);
-  if (!type) return false;
-  switch (*type) {
-    case ReplyType::REDIS_REPLY_STRING:
-    case ReplyType::REDIS_REPLY_VERB:
-      return readBulk(list.emplace_back());
-    case ReplyType::REDIS_REPLY_ARRAY:
-    case ReplyType::REDIS_REPLY_MAP:
-    case ReplyType::REDIS_REPLY_SET:
-      return appendNested(*type, depth, list);
-    case ReplyType::REDIS_REPLY_ERROR:
-    case ReplyType::REDIS_ERR:
-      return false;
-    default:
-      break;
-  }
+  if (!type || *type == ReplyType::REDIS_REPLY_ERROR || *type == ReplyType::REDIS_ERR) return false;
+  if (isBulk(*type)) return readBulk(list.emplace_back());
+  if (isAggregate(*type)) return appendNested(*type, depth, list);
   const auto line = scanner_.line();
   if (!line) return false;
   list.emplace_back(*type == ReplyType::REDIS_REPLY_NIL ? std::string_view() : *line);

@@ -28,6 +28,17 @@ enum class ReplyType : std::uint8_t {
   REDIS_ERR,
 };
 
+// One that is a length line and its payload.
+constexpr bool isBulk(ReplyType type) {
+  return type == ReplyType::REDIS_REPLY_STRING || type == ReplyType::REDIS_REPLY_VERB;
+}
+
+// One that is a count line and elements.
+constexpr bool isAggregate(ReplyType type) {
+  return type == ReplyType::REDIS_REPLY_ARRAY || type == ReplyType::REDIS_REPLY_MAP ||
+         type == ReplyType::REDIS_REPLY_SET;
+}
+
 // The outcome of one command.
 struct ReplyResult {
   using Value = std::variant<std::string, std::int64_t, double, bool, Bytes>;

@@ -1,6 +1,7 @@
 #include "wire/reply/ReplyScanner.h"
 
 #include "platform/foundation/DecimalNumber.h"
+#include "platform/foundation/Utf8.h"
 
 #include <algorithm>
 #include <cstring>
@@ -44,10 +45,6 @@ ReplyType typeOf(char byte) {
   }
 }
 
-bool isAscii(char byte) {
-  return static_cast<unsigned char>(byte) < 0x80;
-}
-
 }  // namespace
 
 ReplyScanner::~ReplyScanner() {
@@ -69,20 +66,20 @@ bool ReplyScanner::refill() {
   return !window.empty();
 }
 
-bool ReplyScanner::fail(Place place, Fault fault) {
-  failure_ = {place, fault};
+bool ReplyScanner::fail(Piece piece, Fault fault) {
+  failure_ = {piece, fault};
   return false;
 }
 
 std::optional<ReplyType> ReplyScanner::type(int depth) {
   for (;;) {
     if (!hasByte()) {
-      fail(Place::type, Fault::lost);
+      fail(Piece::type, Fault::lost);
       return std::nullopt;
     }
     typeByte_ = *next_++;
     if (!isAscii(typeByte_)) {
-      fail(Place::type, Fault::undecodable);
+      fail(Piece::type, Fault::undecodable);
       return std::nullopt;
     }
     if (typeByte_ != '>' && typeByte_ != '|') return typeOf(typeByte_);
@@ -93,11 +90,11 @@ std::optional<ReplyType> ReplyScanner::type(int depth) {
   }
 }
 
-std::optional<std::string_view> ReplyScanner::lineAt(Place place) {
+std::optional<std::string_view> ReplyScanner::lineAt(Piece piece) {
   const char* const first = next_;
   for (const char* byte = first; byte != end_; ++byte) {
     if (!isAscii(*byte)) {
-      fail(place, Fault::undecodable);
+      fail(piece, Fault::undecodable);
       return std::nullopt;
     }
     if (*byte == '\n' && byte != first && byte[-1] == '\r') {
@@ -105,10 +102,10 @@ std::optional<std::string_view> ReplyScanner::lineAt(Place place) {
       return std::string_view(first, static_cast<std::size_t>(byte - 1 - first));
     }
   }
-  return longLine(place);
+  return longLine(piece);
 }
 
-std::optional<std::string_view> ReplyScanner::longLine(Place place) {
+std::optional<std::string_view> ReplyScanner::longLine(Piece piece) {
   longLine_.clear();
   while (longLine_.size() <= maxLine) {
     if (!hasByte()) break;
@@ -116,7 +113,7 @@ std::optional<std::string_view> ReplyScanner::longLine(Place place) {
     while (next_ != end_) {
       const char byte = *next_++;
       if (!isAscii(byte)) {
-        fail(place, Fault::undecodable);
+        fail(piece, Fault::undecodable);
         return std::nullopt;
       }
       const bool afterReturn = next_ - first > 1 ? next_[-2] == '\r' : longLine_.ends_with('\r');
@@ -127,16 +124,16 @@ std::optional<std::string_view> ReplyScanner::longLine(Place place) {
     }
     longLine_.append(first, next_);
   }
-  fail(place, Fault::lost);
+  fail(piece, Fault::lost);
   return std::nullopt;
 }
 
-std::optional<std::int64_t> ReplyScanner::number(Place place, std::int64_t limit) {
-  const auto text = lineAt(place);
+std::optional<std::int64_t> ReplyScanner::number(Piece piece, std::int64_t limit) {
+  const auto text = lineAt(piece);
   if (!text) return std::nullopt;
   const auto value = decimalInteger(*text);
   if (!value || *value > limit) {
-    fail(place, Fault::unreadable);
+    fail(piece, Fault::unreadable);
     return std::nullopt;
   }
   return value;
@@ -156,11 +153,11 @@ bool ReplyScanner::largePayload(std::size_t length, Bytes& value) {
   std::size_t have = std::min(length, static_cast<std::size_t>(end_ - next_));
   value = Bytes(std::string_view(next_, have));
   next_ += have;
-  if (have < length && !takeOffParsed()) return fail(Place::payload, Fault::lost);
+  if (have < length && !takeOffParsed()) return fail(Piece::payload, Fault::lost);
   while (have < length) {
     if (have == value.size()) value.resize(std::min(length, std::max(firstPart, 2 * have)));
     const std::size_t count = stream_.receive(value.data() + have, value.size() - have);
-    if (count == 0) return fail(Place::payload, Fault::lost);
+    if (count == 0) return fail(Piece::payload, Fault::lost);
     have += count;
   }
   return skipBytes(2);
@@ -171,7 +168,7 @@ bool ReplyScanner::skipBytes(std::size_t count) {
   next_ += inWindow;
   if (inWindow == count) return true;
   // Takes off bytes as they arrive, without a look at them.
-  if (!takeOffParsed() || !stream_.takeOff(count - inWindow)) return fail(Place::payload, Fault::lost);
+  if (!takeOffParsed() || !stream_.takeOff(count - inWindow)) return fail(Piece::payload, Fault::lost);
   return true;
 }
 
@@ -200,7 +197,7 @@ bool ReplyScanner::skipElements(ReplyType type, std::int64_t count, int depth) {
 }
 
 bool ReplyScanner::skipReplies(std::int64_t count, int depth) {
-  if (count > 0 && depth >= maxDepth) return fail(Place::countLine, Fault::tooDeep);
+  if (count > 0 && depth >= maxDepth) return fail(Piece::countLine, Fault::tooDeep);
   for (std::int64_t i = 0; i < count; ++i) {
     if (!skipReply(depth + 1)) return false;
   }
@@ -210,21 +207,12 @@ bool ReplyScanner::skipReplies(std::int64_t count, int depth) {
 bool ReplyScanner::skipReply(int depth) {
   const auto kind = type(depth);
   if (!kind) return false;
-  switch (*kind) {
-    case ReplyType::REDIS_REPLY_STRING:
-    case ReplyType::REDIS_REPLY_VERB:
-      return skipPayload();
-    case ReplyType::REDIS_REPLY_ARRAY:
-    case ReplyType::REDIS_REPLY_MAP:
-    case ReplyType::REDIS_REPLY_SET: {
-      const auto elements = count();
-      return elements && skipElements(*kind, *elements, depth);
-    }
-    case ReplyType::REDIS_ERR:
-      return skipUnknown();
-    default:
-      return line().has_value();
+  if (isBulk(*kind)) return skipPayload();
+  if (isAggregate(*kind)) {
+    const auto elements = count();
+    return elements && skipElements(*kind, *elements, depth);
   }
+  return *kind == ReplyType::REDIS_ERR ? skipUnknown() : line().has_value();
 }
 
 }  // namespace tarn

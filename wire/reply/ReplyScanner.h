@@ -26,7 +26,7 @@ public:
   static constexpr std::int64_t maxCount = std::int64_t{1} << 31;
   static constexpr std::int64_t maxLength = std::int64_t{1} << 32;
 
-  enum class Place { type, line, lengthLine, payload, countLine };
+  enum class Piece { type, line, lengthLine, payload, countLine };
   enum class Fault {
     lost,         // no more bytes came
     undecodable,  // a byte that can't stand there
@@ -34,7 +34,7 @@ public:
     tooDeep,
   };
   struct Failure {
-    Place place = Place::type;
+    Piece piece = Piece::type;
     Fault fault = Fault::lost;
   };
 
@@ -52,15 +52,15 @@ public:
   std::optional<ReplyType> type(int depth);
 
   // The text up to CR LF. Valid until the next piece.
-  std::optional<std::string_view> line() { return lineAt(Place::line); }
+  std::optional<std::string_view> line() { return lineAt(Piece::line); }
 
   // The length line of a bulk; negative for a missing value, which has no payload.
-  std::optional<std::int64_t> length() { return number(Place::lengthLine, maxLength); }
+  std::optional<std::int64_t> length() { return number(Piece::lengthLine, maxLength); }
   // The payload behind a length line, and the two bytes that end it. `value` is empty before.
   bool payload(std::int64_t length, Bytes& value);
 
   // The count line of an array, map or set.
-  std::optional<std::int64_t> count() { return number(Place::countLine, maxCount); }
+  std::optional<std::int64_t> count() { return number(Piece::countLine, maxCount); }
 
   // Drops the elements behind the count line of a map, where each counts twice, or a set.
   bool skipElements(ReplyType type, std::int64_t count, int depth);
@@ -70,15 +70,15 @@ public:
   std::optional<std::string> unknownLine();
 
 private:
-  // Bytes parsed one at a time: the fast road is in the header, where the next one has arrived already.
+  // Bytes parsed one at a time: the fast path is in the header, where the next one has arrived already.
   bool hasByte() { return next_ != end_ || refill(); }
   bool refill();
   bool takeOffParsed();
-  bool fail(Place place, Fault fault);
+  bool fail(Piece piece, Fault fault);
 
-  std::optional<std::string_view> lineAt(Place place);
-  std::optional<std::string_view> longLine(Place place);
-  std::optional<std::int64_t> number(Place place, std::int64_t limit);
+  std::optional<std::string_view> lineAt(Piece piece);
+  std::optional<std::string_view> longLine(Piece piece);
+  std::optional<std::int64_t> number(Piece piece, std::int64_t limit);
 
   bool largePayload(std::size_t length, Bytes& value);
   bool skipPayload();

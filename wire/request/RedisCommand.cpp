@@ -1,54 +1,27 @@
 #include "wire/request/RedisCommand.h"
 
+#include <cstddef>
+#include <iterator>
+
 namespace tarn {
 
+namespace {
+
+// In the order of RedisCommand.
+constexpr std::string_view commandNames[] = {
+    "AUTH", "config", "scan",   "select", "type",  "ttl",   "get",    "del",  "set", "expire", "persist",
+    "sadd", "sscan",  "lrange", "rpush",  "hscan", "hmset", "zrange", "zadd", "",    "info",   "",
+};
+constexpr std::size_t indexOf(RedisCommand command) {
+  return static_cast<std::size_t>(command);
+}
+static_assert(std::size(commandNames) == indexOf(RedisCommand::clusterNodes) + 1);
+static_assert(commandNames[indexOf(RedisCommand::info)] == "info");
+
+}  // namespace
+
 std::string_view commandName(RedisCommand command) {
-  switch (command) {
-    case RedisCommand::auth:
-      return "AUTH";
-    case RedisCommand::config:
-      return "config";
-    case RedisCommand::scan:
-      return "scan";
-    case RedisCommand::select:
-      return "select";
-    case RedisCommand::type:
-      return "type";
-    case RedisCommand::ttl:
-      return "ttl";
-    case RedisCommand::get:
-      return "get";
-    case RedisCommand::del:
-      return "del";
-    case RedisCommand::set:
-      return "set";
-    case RedisCommand::expire:
-      return "expire";
-    case RedisCommand::persist:
-      return "persist";
-    case RedisCommand::sadd:
-      return "sadd";
-    case RedisCommand::sscan:
-      return "sscan";
-    case RedisCommand::lrange:
-      return "lrange";
-    case RedisCommand::rpush:
-      return "rpush";
-    case RedisCommand::hscan:
-      return "hscan";
-    case RedisCommand::hmset:
-      return "hmset";
-    case RedisCommand::zrange:
-      return "zrange";
-    case RedisCommand::zadd:
-      return "zadd";
-    case RedisCommand::info:
-      return "info";
-    case RedisCommand::raw:
-    case RedisCommand::clusterNodes:
-      return {};
-  }
-  return {};
+  return commandNames[indexOf(command)];
 }
 
 }  // namespace tarn

@@ -5,7 +5,7 @@
 
 namespace tarn {
 
-// The commands that the client issues by itself.
+// The commands that the client issues by itself; commandNames has the name of each in this order.
 enum class RedisCommand : std::uint8_t {
   auth,
   config,
