@@ -10,8 +10,6 @@
 
 namespace tarn::test {
 
-namespace {
-
 // Walks through all that is on the screen, as a screen reader and the Tab key do.
 class ControlWalk : public ProgramTest {
 protected:
@@ -49,8 +47,6 @@ protected:
     expectKeyboard(window);
   }
 };
-
-}  // namespace
 
 TEST_F(ControlWalk, EachControlHasANameAndTheKeyboardReachesIt) {
   const RedisServer redis({"--databases", "2"});

@@ -11,8 +11,6 @@
 
 namespace tarn::test {
 
-namespace {
-
 namespace fs = std::filesystem;
 
 const std::string secret = "tr0ub4dor-ключ";
@@ -62,8 +60,6 @@ protected:
   LoopbackPort unused;
   RespClient client{guarded.port()};
 };
-
-}  // namespace
 
 TEST_F(Day, FromAnEmptyStoreToTheNextMorning) {
   see([&] { openWindow(); }, "");

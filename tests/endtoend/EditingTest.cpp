@@ -6,8 +6,6 @@
 
 namespace tarn::test {
 
-namespace {
-
 constexpr int otherwise = 1001;
 constexpr int cancel = 1002;
 
@@ -20,8 +18,7 @@ protected:
                      {"SADD", "set", "1", "2", "3"},
                      {"HSET", "hash", "name", "Ada", "city", "London", "born", "1815"},
                      {"ZADD", "zset", "-3", "lowest", "1.5", "low", "1e21", "high"}});
-    store("lake", redis.port());
-    openWindow();
+    open({{"lake", redis.port()}});
     openDatabase("lake", "db0(");
     waitForKeys({"hash", "list", "set", "text", "zset"});
   }
@@ -39,8 +36,6 @@ protected:
   RedisServer redis{{"--databases", "2"}};
   RespClient client{redis.port()};
 };
-
-}  // namespace
 
 TEST_F(Editing, SavesWhatIsTypedByMouseAndByKeyboard) {
   // A text, from the middle of which a line is typed over; its time to live becomes another.

@@ -4,8 +4,6 @@
 
 namespace tarn::test {
 
-namespace {
-
 class Reading : public ProgramTest {
 protected:
   static void fill(const RedisServer& redis) {
@@ -41,13 +39,10 @@ protected:
   }
 };
 
-}  // namespace
-
 TEST_F(Reading, TheWholeRoadFromAFavouriteToValuesAndBack) {
   RedisServer redis({"--databases", "4"});
   fill(redis);
-  store("lake", redis.port());
-  openWindow();
+  open({{"lake", redis.port()}});
   see([&] { clickTriangle("lake"); }, "lake db0(8) db1(0) db2(2) db3(0)");
   clickRow("db0(8)");
   see("lake *db0(8) db1(0) db2(2) db3(0) | [lake] | Connected 4 db0 \\B/wFrZXk= hash list set text "
@@ -116,8 +111,7 @@ TEST_F(Reading, AClusterIsSearchedReadAndSavedToAsOneServer) {
     for (int node = 0; node < 3; ++node)
       cluster.master(node).command({"HSET", keys.back(), "of", keys.back()});
   }
-  store("three masters", cluster.master(0).port());
-  openWindow();
+  open({{"three masters", cluster.master(0).port()}});
   openDatabase("three masters", "db0(");
   waitForKeys(keys);
   int savedElsewhere = 0;
@@ -148,8 +142,7 @@ TEST_F(Reading, ATabOrTheWindowGoesAwayAtAnyMoment) {
                  "for i = 1, 20000 do redis.call('HSET', 'key:hash', i, 'value') end "
                  "for i = 1, 3000 do redis.call('SET', 'key:' .. i, 'value') end",
                  "0"});
-  store("lake", redis.port());
-  openWindow();
+  open({{"lake", redis.port()}});
   // Connects, opens the first database and starts a search and a load of the large hash.
   const auto startWork = [&] {
     openDatabase("lake", "db0(");

@@ -3,8 +3,6 @@
 
 namespace tarn::test {
 
-namespace {
-
 class ConnectionFormTest : public ProgramTest {
 protected:
   void openEdit(int row) {
@@ -39,11 +37,8 @@ protected:
 
 using TypeDialogTest = ProgramTest;
 
-}  // namespace
-
 TEST_F(ConnectionFormTest, ANewConnectionIsTypedMendedAndSaved) {
-  store("local", 1);
-  openWindow();
+  open({{"local", 1}});
   openForm(window().btnNew);
   // The port's formatter refuses what is no port.
   fillIn({"local", "host", "x", "päss\"w"});
@@ -70,9 +65,7 @@ TEST_F(ConnectionFormTest, ANewConnectionIsTypedMendedAndSaved) {
 
 // The password of the field in sight counts.
 TEST_F(ConnectionFormTest, AnEditReachesStoreListTreeAndTheOpenTab) {
-  store("local", 1, "secret");
-  store("other", 2);
-  openWindow();
+  open({{"local", 1, "secret"}, {"other", 2}});
   clickRow("local");
   const NSUUID id = server()->serverId();
   openEdit(1);
@@ -106,9 +99,7 @@ TEST_F(ConnectionFormTest, AnEditReachesStoreListTreeAndTheOpenTab) {
 }
 
 TEST_F(ConnectionFormTest, AnOpenFormIsTakenOverAndKeepsNothingWhenItIsLeft) {
-  store("local", 1, "secret");
-  store("other", 2);
-  openWindow();
+  open({{"local", 1, "secret"}, {"other", 2}});
   openEdit(1);
   auto* const first = content().newConnectionWindowController();
   click(form().btnShowAuth);
@@ -143,9 +134,7 @@ TEST_F(ConnectionFormTest, AnOpenFormIsTakenOverAndKeepsNothingWhenItIsLeft) {
 }
 
 TEST_F(TypeDialogTest, IsOneDialogThatStartsAnewEachTimeAndEndsInEveryWay) {
-  for (const char* name : {"local", "other"})
-    store(name, 1);
-  openWindow();
+  open({{"local"}, {"other"}});
   clickRow("other");
   clickRow("local");
   const std::string before = tab().labType.stringValue();

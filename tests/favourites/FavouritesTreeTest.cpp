@@ -39,9 +39,7 @@ TEST_F(FavouritesTreeTest, ShowsStatusByIconAndDatabasesWithTheirCounts) {
 }
 
 TEST_F(FavouritesTreeTest, ACommandWithoutTheServersThatItNeedsSaysSo) {
-  store("local", 1);
-  store("other", 2);
-  openWindow();
+  open({{"local", 1}, {"other", 2}});
   const std::string inList = " In the 'My Favourite' list. And not db.";
   const std::string many = " Selected Connection, you should choose one or more than one connection(s)" + inList;
   const std::string one = "To Edit Connection, you should choose one and only one connection" + inList;

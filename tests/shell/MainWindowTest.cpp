@@ -15,8 +15,7 @@ TEST_F(MainWindowDeathTest, ClosingItEndsTheProcessAlsoWithAnOpenConnection) {
   EXPECT_EXIT(
       {
         const RedisServer redis({"--databases", "1"});
-        store("local", redis.port());
-        openWindow();
+        open({{"local", redis.port()}});
         openDatabase("local", "db0(");
         window().window.widget()->close();
       },
@@ -25,8 +24,7 @@ TEST_F(MainWindowDeathTest, ClosingItEndsTheProcessAlsoWithAnOpenConnection) {
 
 // The menu of the bar takes the keyboard while it is open.
 TEST_F(MainWindow, ActsByMenuAndMenuKeyAndTakesItsTabsAlong) {
-  store("local", 1);
-  openWindow();
+  open({{"local", 1}});
   clickRow("local");
   tab().txtKey.becomeFirstResponder();
   type("name");

@@ -11,8 +11,6 @@
 
 namespace tarn::test {
 
-namespace {
-
 namespace fs = std::filesystem;
 
 // The program over a store file that something has happened to.
@@ -29,14 +27,11 @@ protected:
   }
 };
 
-}  // namespace
-
 TEST_F(Start, AStoreThatCannotBeOpenedIsReportedOnceAndNeverOverwritten) {
   // An empty file is a first start.
   fs::create_directories(dataHome.storeFile().parent_path());
   write("");
-  store("local", 1);
-  openWindow();
+  open({{"local", 1}});
   see("local");
   const std::string whole = contents();
   const std::pair<std::string, std::function<void()>> faults[] = {
@@ -86,8 +81,7 @@ TEST_F(Start, ARecordThatLacksAFieldIsLeftOutAndLeftInTheStore) {
 
 TEST_F(Start, ADiskThatIsFullIsReportedAndLeavesTheOldRecordWhole) {
   std::signal(SIGXFSZ, SIG_IGN);
-  store("local", 1);
-  openWindow();
+  open({{"local", 1}});
   const std::string before = contents();
   rlimit limit{};
   getrlimit(RLIMIT_FSIZE, &limit);

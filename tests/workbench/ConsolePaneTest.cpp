@@ -8,31 +8,24 @@
 namespace tarn::test {
 namespace {
 
-// What the main window does for a tab.
-class TabHost final : public ServerItemHost {
-public:
-  TabHost() { install(this); }
-  ~TabHost() override { install(nullptr); }
+class Console : public TabFixture, public ServerItemHost {
+protected:
+  Console() {
+    install(this);
+    openTab(redis.port());
+    server->setConnectionName("local");
+    click(console());
+    press(Qt::Key_End, Qt::ControlModifier);
+  }
+  ~Console() override { install(nullptr); }
 
+  // What the main window does for a tab.
   void reloadServerRow(const std::shared_ptr<ServerItem>&) override {}
   void refreshServerRow(const std::shared_ptr<ServerItem>&) override {}
   void showStatusInTab(const std::shared_ptr<ServerItem>&) override { tab->updateStatusLabel(); }
   void bringDatabasesUpToDate(const std::shared_ptr<ServerItem>&, bool) override {}
-  void showSelectedDatabase(const std::shared_ptr<ServerItem>& server) override {
+  void showSelectedDatabase(const std::shared_ptr<ServerItem>&) override {
     tab->selectDatabase(server->currentDbIdx());
-  }
-
-  std::shared_ptr<OperationTabViewController> tab;
-};
-
-class Console : public TabFixture {
-protected:
-  Console() {
-    openTab(redis.port());
-    server->setConnectionName("local");
-    host.tab = tab;
-    click(console());
-    press(Qt::Key_End, Qt::ControlModifier);
   }
 
   NSTextView& console() { return outlets().txtViewCli; }
@@ -48,7 +41,6 @@ protected:
   }
 
   RedisServer redis{{"--databases", "4"}};
-  TabHost host;
 };
 
 // A CRLF is two line ends, so the open line runs behind what was pasted.

@@ -170,8 +170,6 @@ TEST_F(SavingBytesTest, AStringIsAskedAboutWhereItIsNotInItsUsualFormOrNotOnShow
   EXPECT_EQ(save(), Texts{"Saved."});
 }
 
-// --- Random rows against the rules -------------------------------------------------------------------------------
-
 using Maybe = std::optional<std::string>;
 
 Maybe converted(std::string from, const char* fromSet, const char* toSet) {
@@ -280,8 +278,7 @@ TEST_F(SavingBytesTest, LoadEditSaveAndReloadFollowTheRules) {
   // clang-format on
   // A case that failed is run again by its number.
   const int first = qEnvironmentVariableIntValue("TARN_SAVE_FIRST");
-  const int end =
-      first + (qEnvironmentVariableIsSet("TARN_SAVE_CASES") ? qEnvironmentVariableIntValue("TARN_SAVE_CASES") : 300);
+  const int end = first + qEnvironmentVariable("TARN_SAVE_CASES", "300").toInt();
   openKey("list", {"x"});
   const std::vector<std::tuple<std::string, NSTableView*, NSTextView*>> kinds{
       {"list", &outlets().valueDataSetTable, &outlets().setValueTextView},

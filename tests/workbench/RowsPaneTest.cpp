@@ -1,5 +1,3 @@
-// What the user does in the tables of rows and in the editors under them, and what the rows become.
-
 #include "platform/appkit/table/TableViewWidget.h"
 #include "platform/foundation/NSTimer.h"
 #include "tests/workbench/TabFixture.h"
@@ -52,7 +50,7 @@ protected:
       const auto cell = [&] { return cells->cellRect(number(0), number(2)).center(); };
       if (word == "click") click(*cells->viewport(), cell());
       if (word == "open") doubleClick(*cells->viewport(), cell());
-      if (word == "cell") openByKeyboard(number(0));
+      if (word == "select") table->selectRow(number(0)), table->becomeFirstResponder();
       if (word == "edit") editors.at(static_cast<std::size_t>(number(0)))->becomeFirstResponder();
       if (word == "type") type(rest);
       if (word == "replace") replaceText(rest);
@@ -66,13 +64,6 @@ protected:
     });
   }
 
-  // In which no timer opens the cell again.
-  void openByKeyboard(int row) {
-    table->selectRow(row);
-    table->becomeFirstResponder();
-    press(Qt::Key_F2);
-    if (column == 1) press(Qt::Key_Tab);
-  }
   std::string bytes(int column) {
     Texts result;
     for (const Bytes& row : pane->rows().columns()[static_cast<std::size_t>(column)].data())
@@ -104,8 +95,6 @@ protected:
   std::array<NSView*, 2> editors{};
   int column = 0;
 };
-
-// --- Each of the four columns of text ------------------------------------------------------------------------------
 
 using Column = std::pair<ValueType, int>;
 const std::vector<Column> columns{
@@ -175,7 +164,8 @@ TEST_P(RowsPaneOfColumn, CommitsNothingWhereNothingWasChanged) {
   const std::string before = bytes(column);
   const std::string nothing = "; End; type x; Backspace; ";
   for (const std::string row : {"0", "1", "2", "3"}) {
-    const std::string open = "cell " + row;
+    // In which no timer opens the cell again.
+    const std::string open = "select " + row + (column == 1 ? "; F2; Tab" : "; F2");
     run(open + "; Return; " + open + "; leave; " + open + "; type x; Escape; " + open + nothing + "Return");
     run(open + nothing + "leave; edit C" + nothing + "leave");
   }
@@ -194,8 +184,6 @@ TEST_P(RowsPaneOfColumn, DropsAnEndedEditWhereTheRowsWereRebuilt) {
 }
 
 INSTANTIATE_TEST_SUITE_P(, RowsPaneOfColumn, ::testing::ValuesIn(columns));
-
-// --- Whole rows ----------------------------------------------------------------------------------------------------
 
 TEST_F(RowsPaneTest, AddsDeletesAndEditsRowsOfEachKind) {
   // clang-format off
@@ -254,8 +242,7 @@ TEST_F(RowsPaneTest, OpensWholeRowsButTheFieldOfANewOneFirstInColumnsOfTheirShar
 TEST_F(RowsPaneTest, TheTimerOpensTheCellAgainButTakesNoKeyboardFromAnotherControlOrAClosedTab) {
   showRows(list, {"a"_bytes});
   for (const bool leaves : {false, true}) {
-    run("open 0 0");
-    (leaves ? static_cast<NSView&>(outlets.txtKey) : *table).becomeFirstResponder();
+    run(leaves ? "open 0 0; focus" : "open 0 0; select 0");
     waitForATimer();
     EXPECT_EQ(outlets.txtKey.isFirstResponder(), leaves);
     EXPECT_EQ(openField() != nullptr, !leaves);

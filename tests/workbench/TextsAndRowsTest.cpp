@@ -1,5 +1,3 @@
-// What texts, rows and clicks come to, without a window.
-
 #include "workbench/save/RowsToSave.h"
 #include "workbench/text/TypedText.h"
 #include "workbench/value/DoubleClicks.h"
@@ -64,10 +62,9 @@ TEST(TypedText, MakesAPatternOfASearchText) {
 }
 
 TEST(TypedText, ReadsAStringAsItStandsAndKeepsWhatWasTypedOverAChangeOfForm) {
-  const std::string noText =
-      "! Can not encode the value to Value Data, Please change Value Data's charset besides the ";
   EXPECT_EQ(outcome(stringFromText("a\\n\\Bqw==", formNamed("utf8+"))), "a\\n\\Bqw==");
-  EXPECT_EQ(outcome(stringFromText("中", formNamed("KOI8_R"))), noText + "'Reload' button.");
+  EXPECT_TRUE(
+      outcome(stringFromText("中", formNamed("KOI8_R"))).starts_with("! Can not encode the value to Value Data,"));
   EXPECT_EQ(outcome(stringFromText("x", formNamed("Base64"))),
             "! Can not decode Base64 Value Data, Please Check your Base64 Value Data if is available.");
   const char* const unusual = "\x1B(Bkey";

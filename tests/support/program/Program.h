@@ -39,14 +39,12 @@ public:
     if (!loadResources()) throw std::runtime_error("the resources can't be loaded");
   }
   ~Program() {
-    const auto forEachServer = [this](const auto& action) {
-      for (const auto& held : servers_)
-        if (const auto server = held.lock()) action(*server);
-    };
-    forEachServer([](ServerItem& server) { server.closeConnection(); });
+    for (const auto& held : servers_)
+      if (const auto server = held.lock()) server->closeConnection();
     dropWindow();
     // What still runs would tell the next test of its failures.
-    forEachServer([](ServerItem& server) { waitUntil([&] { return server.operationQueue().operationCount() == 0; }); });
+    for (const auto& held : servers_)
+      waitUntil([server = held.lock()] { return !server || server->operationQueue().operationCount() == 0; });
     settle();
   }
 
@@ -288,6 +286,17 @@ private:
 // A program of each case's own.
 class ProgramTest : public testing::Test, protected Program {
 protected:
+  struct Favourite {
+    std::string name;
+    int port = 1;
+    std::string password = {};
+  };
+  // The window over these.
+  void open(const std::vector<Favourite>& favourites) {
+    for (const auto& [name, port, password] : favourites)
+      store(name, port, password);
+    openWindow();
+  }
   // Waits until the screen is as told and the posted work is done. Messages and queue label are blank for the next one.
   void see(const std::string& expected) {
     waitUntil([&] { return screen() == expected; });
