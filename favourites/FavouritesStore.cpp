@@ -11,6 +11,8 @@ namespace tarn {
 
 namespace {
 
+using Record = std::shared_ptr<NSManagedObject>;
+
 NSManagedObjectContext* storeContext() {
   StoreHost* const host = StoreHost::installed();
   return host ? &host->context() : nullptr;
@@ -21,13 +23,23 @@ NSManagedObjectContext::Objects fetchRecords(NSManagedObjectContext& context) {
   return context.executeFetchRequest(ServerItemStorage::entityName).value_or(NSManagedObjectContext::Objects());
 }
 
+// Calls `take` with the context and each record with this serverId.
+template <class Take>
+void forEachRecordOf(const NSUUID& serverId, Take take) {
+  NSManagedObjectContext* const context = storeContext();
+  if (!context) return;
+  for (const Record& record : fetchRecords(*context)) {
+    if (ServerItemStorage(record).isRecordOf(serverId)) take(*context, record);
+  }
+}
+
 }  // namespace
 
 std::vector<std::shared_ptr<ServerItem>> FavouritesStore::loadFavourites() {
   std::vector<std::shared_ptr<ServerItem>> servers;
   NSManagedObjectContext* const context = storeContext();
   if (!context) return servers;
-  for (const auto& record : fetchRecords(*context)) {
+  for (const Record& record : fetchRecords(*context)) {
     if (auto server = ServerItemStorage(record).makeServer()) {
       servers.push_back(std::move(server));
     } else {
@@ -46,20 +58,14 @@ void FavouritesStore::insertRecord(const ServerItem& server) {
 }
 
 void FavouritesStore::changeRecord(const ServerItem& server) {
-  NSManagedObjectContext* const context = storeContext();
-  if (!context) return;
-  for (const auto& record : fetchRecords(*context)) {
-    ServerItemStorage storage(record);
-    if (storage.isRecordOf(server.serverId())) storage.takeFields(server);
-  }
+  forEachRecordOf(server.serverId(), [&server](NSManagedObjectContext&, const Record& record) {
+    ServerItemStorage(record).takeFields(server);
+  });
 }
 
 void FavouritesStore::deleteRecord(const NSUUID& serverId) {
-  NSManagedObjectContext* const context = storeContext();
-  if (!context) return;
-  for (const auto& record : fetchRecords(*context)) {
-    if (ServerItemStorage(record).isRecordOf(serverId)) context->deleteObject(*record);
-  }
+  forEachRecordOf(serverId,
+                  [](NSManagedObjectContext& context, const Record& record) { context.deleteObject(*record); });
 }
 
 void FavouritesStore::saveIfChanged() {
