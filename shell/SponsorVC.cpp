@@ -4,12 +4,19 @@
 #include "platform/foundation/NSAlert.h"
 
 #include <algorithm>
-#include <utility>
+#include <array>
+#include <cstddef>
 
 namespace tarn {
 
-SponsorVC::SponsorVC()
-    : request_({"tarn_sponsor1", "tarn_sponsor2", "tarn_sponsor3", "tarn_sponsor4", "tarn_sponsor5"}) {
+namespace {
+
+// In the order of their buttons.
+constexpr std::array products{"tarn_sponsor1", "tarn_sponsor2", "tarn_sponsor3", "tarn_sponsor4", "tarn_sponsor5"};
+
+}  // namespace
+
+SponsorVC::SponsorVC() : request_({products.begin(), products.end()}) {
   viewDidLoad();
 }
 
@@ -18,14 +25,11 @@ SponsorVC::~SponsorVC() {
 }
 
 void SponsorVC::viewDidLoad() {
-  const std::pair<NSButton&, const char*> buttons[] = {{layout_.btnSponsor1, "tarn_sponsor1"},
-                                                       {layout_.btnSponsor2, "tarn_sponsor2"},
-                                                       {layout_.btnSponsor3, "tarn_sponsor3"},
-                                                       {layout_.btnSponsor4, "tarn_sponsor4"},
-                                                       {layout_.btnSponsor5, "tarn_sponsor5"}};
-  for (const auto& [button, identifier] : buttons) {
-    button.setAction([this, identifier = identifier] { buyProduct(identifier); });
-  }
+  const std::array buttons{&layout_.btnSponsor1, &layout_.btnSponsor2, &layout_.btnSponsor3, &layout_.btnSponsor4,
+                           &layout_.btnSponsor5};
+  static_assert(buttons.size() == products.size());
+  for (std::size_t index = 0; index < products.size(); ++index)
+    buttons[index]->setAction([this, identifier = products[index]] { buyProduct(identifier); });
   request_.setDelegate(this);
   request_.start();
 }
