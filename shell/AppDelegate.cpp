@@ -44,7 +44,7 @@ NSPersistentContainer& AppDelegate::persistentContainer() {
   return *persistentContainer_;
 }
 
-void AppDelegate::showSponsorWindow() {
+void AppDelegate::clickedSponsor() {
   if (sponsorWC_) sponsorWC_->window().close();
   sponsorWC_ = std::make_unique<SponsorWC>(std::make_shared<SponsorVC>());
   sponsorWC_->showWindow();

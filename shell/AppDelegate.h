@@ -22,14 +22,12 @@ public:
   static AppDelegate* shared();
 
   // The first call opens the store. If that fails there is a line in the log and, once, an alert, and no favourites.
-  NSPersistentContainer& persistentContainer();
   NSManagedObjectContext& context() override;
   // A failure is a line in the log and an alert; the store then is as it was before.
   void saveContext() override;
 
   // The menu item of the tips: a fresh window, in place of the one that is there.
-  void clickedSponsor() { showSponsorWindow(); }
-  void showSponsorWindow();
+  void clickedSponsor();
   // Nothing until it was shown first.
   SponsorWC* sponsorWC() { return sponsorWC_.get(); }
 
@@ -37,6 +35,8 @@ public:
   bool applicationShouldTerminate() const { return true; }
 
 private:
+  NSPersistentContainer& persistentContainer();
+
   std::optional<NSPersistentContainer> persistentContainer_;
   std::unique_ptr<SponsorWC> sponsorWC_;
 };
