@@ -38,16 +38,6 @@ FavouritesTree::~FavouritesTree() {
   view_.setDataSource(nullptr);
 }
 
-void FavouritesTree::buildFavouriteMenu(const Commands& commands) {
-  auto menu = std::make_shared<NSMenu>(localizedString("快捷菜单"));
-  menu->addItem(localizedString("(Re)Connect Selected Connection(s)"), commands.connect);
-  menu->addItem(localizedString("Close Selected Connection(s)"), commands.close);
-  menu->addItem(localizedString("Remove Selected Connection(s)"), commands.remove);
-  menu->addItem(localizedString("Edit Connection"), commands.edit);
-  menu->addItem(localizedString("New Connection"), commands.makeNew);
-  view_.setMenu(std::move(menu));
-}
-
 void FavouritesTree::show(Gestures gestures) {
   gestures_ = std::move(gestures);
   view_.setDataSource(this);

@@ -1,13 +1,11 @@
 #pragma once
 
 #include "favourites/MyFavouriteItem.h"
-#include "platform/appkit/NSMenu.h"
 #include "platform/appkit/NSOutlineView.h"
 #include "wire/ServerItem.h"
 
 #include <functional>
 #include <memory>
-#include <string>
 #include <vector>
 
 namespace tarn {
@@ -23,22 +21,11 @@ public:
     std::function<void(const std::shared_ptr<ServerItem>& server)> expandServer;
   };
 
-  // The commands of the context menu.
-  struct Commands {
-    std::function<void()> connect;
-    std::function<void()> close;
-    std::function<void()> remove;
-    std::function<void()> edit;
-    std::function<void()> makeNew;
-  };
-
   // `view` outlives the tree.
   FavouritesTree(NSOutlineView& view, std::shared_ptr<MyFavouriteItem> root);
   FavouritesTree(const FavouritesTree&) = delete;
   FavouritesTree& operator=(const FavouritesTree&) = delete;
   ~FavouritesTree() override;
-
-  void buildFavouriteMenu(const Commands& commands);
 
   // Shows the root opened, with its servers collapsed. From here on gestures are reported.
   void show(Gestures gestures);

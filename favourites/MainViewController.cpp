@@ -38,11 +38,9 @@ MainViewController::~MainViewController() {
 }
 
 void MainViewController::viewDidLoad() {
-  tree_.buildFavouriteMenu({.connect = [this] { clickConnect(); },
-                            .close = [this] { clickCloseConnections(); },
-                            .remove = [this] { clickRemoveSelectedConnections(); },
-                            .edit = [this] { clickEditConnection(); },
-                            .makeNew = [this] { clickNewConnection(); }});
+  const auto menu = std::make_shared<NSMenu>(localizedString("快捷菜单"));
+  addConnectionItems(*menu);
+  layout_.serverSelection.setMenu(menu);
   myFavourite_->servers = store_.loadFavourites();
   tree_.show({.openTabForItem = [this](const NSItem& item) { tabs_.openTabForItem(item); },
               .expandServer = [this](const std::shared_ptr<ServerItem>& server) { commands_->expandServer(server); }});
@@ -61,6 +59,14 @@ NewConnectionViewController& MainViewController::showConnectionForm(const std::s
             NewConnectionViewController::Favourites{myFavourite_, store_, tree_, tabs_}, willClose),
         willClose);
   }
+void MainViewController::addConnectionItems(NSMenu& menu) {
+  menu.addItem(localizedString("(Re)Connect Selected Connection(s)"), [this] { clickConnect(); });
+  menu.addItem(localizedString("Close Selected Connection(s)"), [this] { clickCloseConnections(); });
+  menu.addItem(localizedString("Remove Selected Connection(s)"), [this] { clickRemoveSelectedConnections(); });
+  menu.addItem(localizedString("Edit Connection"), [this] { clickEditConnection(); });
+  menu.addItem(localizedString("New Connection"), [this] { clickNewConnection(); });
+}
+
   newConnectionWindowController_->window().setTitle(title);
   newConnectionWindowController_->showWindow();
   return newConnectionWindowController_->form();

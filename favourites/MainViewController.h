@@ -6,6 +6,7 @@
 #include "favourites/FavouritesTree.h"
 #include "favourites/MyFavouriteItem.h"
 #include "favourites/NewConnectionWindowController.h"
+#include "platform/appkit/NSMenu.h"
 #include "platform/appkit/NSViewController.h"
 #include "resources/MainLayout.h"
 #include "wire/ServerItemHost.h"
@@ -48,6 +49,8 @@ public:
   void clickNewConnection();
   void clickEditConnection();
   void clickConnect() { commands_->clickConnect(); }
+  // Adds the five of them that act on connections, as the tree's menu and the main menu have them.
+  void addConnectionItems(NSMenu& menu);
   void clickCloseConnections() { commands_->clickCloseConnections(); }
   void clickRemoveSelectedConnections() { commands_->clickRemoveSelectedConnections(); }
   // Closes the tab on show, as its own button does; nothing happens without one.

@@ -42,12 +42,7 @@ std::shared_ptr<NSMenu> editMenu() {
 
 std::shared_ptr<NSMenu> connectionMenu(MainViewController& content) {
   auto menu = std::make_shared<NSMenu>(localizedString("Connection"));
-  menu->addItem(localizedString("(Re)Connect Selected Connection(s)"), [&content] { content.clickConnect(); });
-  menu->addItem(localizedString("Close Selected Connection(s)"), [&content] { content.clickCloseConnections(); });
-  menu->addItem(localizedString("Remove Selected Connection(s)"),
-                [&content] { content.clickRemoveSelectedConnections(); });
-  menu->addItem(localizedString("Edit Connection"), [&content] { content.clickEditConnection(); });
-  menu->addItem(localizedString("New Connection"), [&content] { content.clickNewConnection(); });
+  content.addConnectionItems(*menu);
   return menu;
 }
 
