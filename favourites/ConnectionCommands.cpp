@@ -16,7 +16,7 @@ bool isIdle(const ServerItem& server) {
   return status == ConnectionStatus::notConnected || status == ConnectionStatus::disConnected;
 }
 
-void explain(const std::string& message) {
+void showNotice(const std::string& message) {
   NSAlert alert;
   alert.setAlertStyle(NSAlert::Style::informational);
   alert.setMessageText(message);
@@ -25,25 +25,23 @@ void explain(const std::string& message) {
 
 }  // namespace
 
-ConnectionCommands::ConnectionCommands(std::shared_ptr<MyFavouriteItem> favourites, FavouritesTree& tree,
-                                       ConnectionTabs& tabs, FavouritesStore& store)
-    : favourites_(std::move(favourites)), tree_(tree), tabs_(tabs), store_(store) {}
+ConnectionCommands::ConnectionCommands(Favourites favourites) : favourites_(std::move(favourites)) {}
 
 std::vector<std::shared_ptr<ServerItem>> ConnectionCommands::serversToActOn(const std::string& message) const {
-  std::vector<std::shared_ptr<ServerItem>> servers = tree_.selectedServers();
+  std::vector<std::shared_ptr<ServerItem>> servers = favourites_.tree.selectedServers();
   for (const auto& server : servers)
     logLine(server->connectionName());
-  if (servers.empty()) explain(message);
+  if (servers.empty()) showNotice(message);
   return servers;
 }
 
 std::shared_ptr<ServerItem> ConnectionCommands::serverToEdit() const {
-  const std::vector<std::shared_ptr<ServerItem>> servers = tree_.selectedServers();
+  const std::vector<std::shared_ptr<ServerItem>> servers = favourites_.tree.selectedServers();
   if (servers.size() == 1) {
     logLine(servers.front()->connectionName());
     return servers.front();
   }
-  explain(
+  showNotice(
       localizedString("To Edit Connection, you should choose one and only one connection In the 'My Favourite' list. "
                       "And not db."));
   return nullptr;
@@ -71,15 +69,15 @@ void ConnectionCommands::clickRemoveSelectedConnections() {
                            "the 'My Favourite' list. And not db."))) {
     remove(server);
   }
-  store_.saveIfChanged();
-  tree_.reloadData();
+  favourites_.store.saveIfChanged();
+  favourites_.tree.reloadData();
 }
 
 void ConnectionCommands::remove(const std::shared_ptr<ServerItem>& server) {
   server->closeConnection();
-  std::erase(favourites_->servers, server);
-  tabs_.removeTabOfServer(*server);
-  store_.deleteRecord(server->serverId());
+  std::erase(favourites_.root->servers, server);
+  favourites_.tabs.removeTabOfServer(*server);
+  favourites_.store.deleteRecord(server->serverId());
 }
 
 void ConnectionCommands::expandServer(const std::shared_ptr<ServerItem>& server) {
@@ -98,19 +96,19 @@ void ConnectionCommands::closeTab(OperationTabViewController& tab) {
   const std::shared_ptr<ServerItem> server = tab.server();
   if (!server) return;
   close(server);
-  tabs_.removeTabOfServer(*server);
-  tabs_.selectTreeRowOfSelectedTab();
+  favourites_.tabs.removeTabOfServer(*server);
+  favourites_.tabs.selectTreeRowOfSelectedTab();
 }
 
 void ConnectionCommands::close(const std::shared_ptr<ServerItem>& server) {
   server->closeConnection();
-  if (const auto tab = tabs_.tabForServer(*server)) tab->showConnection(ConnectionStatus::notConnected);
-  tree_.collapseItem(server);
-  tree_.reloadItem(server);
+  if (const auto tab = favourites_.tabs.tabForServer(*server)) tab->showConnection(ConnectionStatus::notConnected);
+  favourites_.tree.collapseItem(server);
+  favourites_.tree.reloadItem(server);
 }
 
 void ConnectionCommands::connectIfIdle(const std::shared_ptr<ServerItem>& server) {
-  const auto tab = tabs_.tabForServer(*server);
+  const auto tab = favourites_.tabs.tabForServer(*server);
   // A barrier, so that of two connects in a row the second finds the connection of the first.
   server->operationQueue().addBarrierBlock([self = weak_from_this(), server, began = server->epoch(),
                                             work = tab ? tab->beginWork() : nullptr] {
@@ -129,31 +127,31 @@ void ConnectionCommands::connectIfIdle(const std::shared_ptr<ServerItem>& server
 }
 
 void ConnectionCommands::showConnecting(const std::shared_ptr<ServerItem>& server) {
-  tree_.reloadItem(server);
+  favourites_.tree.reloadItem(server);
   showInTab(server, ConnectionStatus::connecting);
 }
 
 void ConnectionCommands::showConnected(const std::shared_ptr<ServerItem>& server, ServerItem::Epoch began) {
-  if (lapses(server, began)) return;
-  tree_.reloadItem(server);
-  tree_.reopenItem(server);
+  if (showIfClosedSince(server, began)) return;
+  favourites_.tree.reloadItem(server);
+  favourites_.tree.reopenItem(server);
   showInTab(server, ConnectionStatus::connected);
 }
 
 void ConnectionCommands::showDisConnected(const std::shared_ptr<ServerItem>& server, ServerItem::Epoch began,
                                           const std::string& message) {
-  if (lapses(server, began)) return;
-  tree_.reloadItem(server);
-  const auto tab = tabs_.tabForServer(*server);
+  if (showIfClosedSince(server, began)) return;
+  favourites_.tree.reloadItem(server);
+  const auto tab = favourites_.tabs.tabForServer(*server);
   if (tab) tab->showConnection(ConnectionStatus::disConnected);
   showAlert(message);
   if (tab) tab->updateDealingQueueLabel();
 }
 
-bool ConnectionCommands::lapses(const std::shared_ptr<ServerItem>& server, ServerItem::Epoch began) {
+bool ConnectionCommands::showIfClosedSince(const std::shared_ptr<ServerItem>& server, ServerItem::Epoch began) {
   if (!server->wasClosedSince(began)) return false;
-  tree_.reloadItem(server);
-  if (const auto tab = tabs_.tabForServer(*server)) {
+  favourites_.tree.reloadItem(server);
+  if (const auto tab = favourites_.tabs.tabForServer(*server)) {
     tab->updateStatusLabel();
     tab->updateDealingQueueLabel();
   }
@@ -162,15 +160,15 @@ bool ConnectionCommands::lapses(const std::shared_ptr<ServerItem>& server, Serve
 
 void ConnectionCommands::bringDatabasesUpToDate(const std::shared_ptr<ServerItem>& server, bool connected) {
   if (connected) {
-    tree_.reopenItem(server);
+    favourites_.tree.reopenItem(server);
   } else {
-    tree_.collapseItem(server);
+    favourites_.tree.collapseItem(server);
   }
   showInTab(server, connected ? ConnectionStatus::connected : ConnectionStatus::disConnected);
 }
 
 void ConnectionCommands::showInTab(const std::shared_ptr<ServerItem>& server, ConnectionStatus status) {
-  const auto tab = tabs_.tabForServer(*server);
+  const auto tab = favourites_.tabs.tabForServer(*server);
   if (!tab) return;
   tab->showConnection(status);
   tab->updateDealingQueueLabel();

@@ -1,9 +1,6 @@
 #pragma once
 
-#include "favourites/ConnectionTabs.h"
-#include "favourites/FavouritesStore.h"
-#include "favourites/FavouritesTree.h"
-#include "favourites/MyFavouriteItem.h"
+#include "favourites/Favourites.h"
 #include "wire/ServerItem.h"
 
 #include <memory>
@@ -17,9 +14,7 @@ namespace tarn {
 // blocks on a server's queue hold the commands weakly, so they are made with std::make_shared.
 class ConnectionCommands final : public std::enable_shared_from_this<ConnectionCommands> {
 public:
-  // All but the root outlive the commands.
-  ConnectionCommands(std::shared_ptr<MyFavouriteItem> favourites, FavouritesTree& tree, ConnectionTabs& tabs,
-                     FavouritesStore& store);
+  explicit ConnectionCommands(Favourites favourites);
   ConnectionCommands(const ConnectionCommands&) = delete;
   ConnectionCommands& operator=(const ConnectionCommands&) = delete;
 
@@ -53,13 +48,11 @@ private:
   void showDisConnected(const std::shared_ptr<ServerItem>& server, ServerItem::Epoch began, const std::string& message);
   // The server's tab, if it has one, shows this status and the length of the queue.
   void showInTab(const std::shared_ptr<ServerItem>& server, ConnectionStatus status);
-  // True, and row and tab show the status as it is, if the server was closed since the connect was asked for.
-  bool lapses(const std::shared_ptr<ServerItem>& server, ServerItem::Epoch began);
+  // If the server was closed since the connect was asked for, row and tab show the status as it is, and the answer is
+  // true.
+  bool showIfClosedSince(const std::shared_ptr<ServerItem>& server, ServerItem::Epoch began);
 
-  const std::shared_ptr<MyFavouriteItem> favourites_;
-  FavouritesTree& tree_;
-  ConnectionTabs& tabs_;
-  FavouritesStore& store_;
+  const Favourites favourites_;
 };
 
 }  // namespace tarn

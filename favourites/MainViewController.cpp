@@ -4,6 +4,8 @@
 #include "platform/foundation/PostToMainQueue.h"
 
 #include <algorithm>
+#include <functional>
+#include <memory>
 #include <utility>
 
 namespace tarn {
@@ -12,10 +14,16 @@ namespace {
 
 MainViewController* sharedController = nullptr;
 
-// The window may be closing by the click on one of its own buttons.
-template <typename Controller>
-void forget(std::shared_ptr<Controller>& controller) {
-  releaseOnMainQueue(std::exchange(controller, nullptr));
+// The controller; made where there is none, with the content that `makeContent` answers with, and forgotten when its
+// window closes.
+template <class Controller, class MakeContent>
+Controller& madeOnce(std::shared_ptr<Controller>& controller, MakeContent makeContent) {
+  if (!controller) {
+    // The window may be closing by the click on one of its own buttons.
+    const std::function<void()> willClose = [&controller] { releaseOnMainQueue(std::exchange(controller, nullptr)); };
+    controller = std::make_shared<Controller>(makeContent(willClose), willClose);
+  }
+  return *controller;
 }
 
 }  // namespace
@@ -51,14 +59,6 @@ void MainViewController::viewDidLoad() {
   layout_.btnRem.setAction([this] { clickRemoveSelectedConnections(); });
 }
 
-NewConnectionViewController& MainViewController::showConnectionForm(const std::string& title) {
-  if (!newConnectionWindowController_) {
-    const auto willClose = [this] { forget(newConnectionWindowController_); };
-    newConnectionWindowController_ = std::make_shared<NewConnectionWindowController>(
-        std::make_shared<NewConnectionViewController>(
-            NewConnectionViewController::Favourites{myFavourite_, store_, tree_, tabs_}, willClose),
-        willClose);
-  }
 void MainViewController::addConnectionItems(NSMenu& menu) {
   menu.addItem(localizedString("(Re)Connect Selected Connection(s)"), [this] { clickConnect(); });
   menu.addItem(localizedString("Close Selected Connection(s)"), [this] { clickCloseConnections(); });
@@ -67,19 +67,23 @@ void MainViewController::addConnectionItems(NSMenu& menu) {
   menu.addItem(localizedString("New Connection"), [this] { clickNewConnection(); });
 }
 
-  newConnectionWindowController_->window().setTitle(title);
-  newConnectionWindowController_->showWindow();
-  return newConnectionWindowController_->form();
+NewConnectionViewController& MainViewController::showConnectionForm(const std::string& title) {
+  NewConnectionWindowController& controller = madeOnce(newConnectionWindowController_, [this](const auto& willClose) {
+    return std::make_shared<NewConnectionViewController>(favourites_, willClose);
+  });
+  controller.window().setTitle(title);
+  controller.showWindow();
+  return controller.content();
 }
 
 void MainViewController::clickNewConnection() {
-  showConnectionForm(localizedString("Tarn - New Connection")).describeNew();
+  showConnectionForm(localizedString("Tarn - New Connection")).editNew();
 }
 
 void MainViewController::clickEditConnection() {
   const auto server = commands_->serverToEdit();
   if (!server) return;
-  showConnectionForm(localizedString("Tarn - Edit Connection")).describe(*server);
+  showConnectionForm(localizedString("Tarn - Edit Connection")).edit(*server);
 }
 
 void MainViewController::newKeyTypeChosen(ValueType type) {
@@ -120,15 +124,13 @@ void MainViewController::reconnect(OperationTabViewController& tab) {
 }
 
 void MainViewController::openTypeDialog() {
-  if (!newKeyValueTypeSelectWindowController_) {
-    const auto willClose = [this] { forget(newKeyValueTypeSelectWindowController_); };
-    newKeyValueTypeSelectWindowController_ = std::make_shared<NewKeyValueTypeSelectWindowController>(
-        std::make_shared<NewKeyValueTypeSelectViewController>(NewKeyValueTypeSelectViewController::Answers{
-            .chosen = [this](ValueType type) { newKeyTypeChosen(type); }, .cancelled = willClose}),
-        willClose);
-  }
-  newKeyValueTypeSelectWindowController_->showWindow();
-  newKeyValueTypeSelectWindowController_->dialog().startAnew();
+  using Dialog = NewKeyValueTypeSelectViewController;
+  auto& controller = madeOnce(newKeyValueTypeSelectWindowController_, [this](const auto& willClose) {
+    return std::make_shared<Dialog>(
+        Dialog::Answers{.chosen = [this](ValueType type) { newKeyTypeChosen(type); }, .cancelled = willClose});
+  });
+  controller.showWindow();
+  controller.content().startAnew();
 }
 
 }  // namespace tarn

@@ -1,16 +1,13 @@
 #pragma once
 
 #include "favourites/ConnectionCommands.h"
-#include "favourites/ConnectionTabs.h"
-#include "favourites/FavouritesStore.h"
-#include "favourites/FavouritesTree.h"
-#include "favourites/MyFavouriteItem.h"
-#include "favourites/NewConnectionWindowController.h"
+#include "favourites/Favourites.h"
+#include "favourites/NewConnectionViewController.h"
 #include "platform/appkit/NSMenu.h"
 #include "platform/appkit/NSViewController.h"
 #include "resources/MainLayout.h"
 #include "wire/ServerItemHost.h"
-#include "workbench/NewKeyValueTypeSelectWindowController.h"
+#include "workbench/NewKeyValueTypeSelectViewController.h"
 #include "workbench/WorkbenchHost.h"
 
 #include <memory>
@@ -49,10 +46,10 @@ public:
   void clickNewConnection();
   void clickEditConnection();
   void clickConnect() { commands_->clickConnect(); }
-  // Adds the five of them that act on connections, as the tree's menu and the main menu have them.
-  void addConnectionItems(NSMenu& menu);
   void clickCloseConnections() { commands_->clickCloseConnections(); }
   void clickRemoveSelectedConnections() { commands_->clickRemoveSelectedConnections(); }
+  // Adds the five of them that act on connections, as the tree's menu and the main menu have them.
+  void addConnectionItems(NSMenu& menu);
   // Closes the tab on show, as its own button does; nothing happens without one.
   void closeSelectedTab();
 
@@ -83,8 +80,8 @@ private:
   FavouritesStore store_;
   FavouritesTree tree_{layout_.serverSelection, myFavourite_};
   ConnectionTabs tabs_{layout_.mainTab, tree_};
-  const std::shared_ptr<ConnectionCommands> commands_ =
-      std::make_shared<ConnectionCommands>(myFavourite_, tree_, tabs_, store_);
+  const Favourites favourites_{myFavourite_, store_, tree_, tabs_};
+  const std::shared_ptr<ConnectionCommands> commands_ = std::make_shared<ConnectionCommands>(favourites_);
   std::shared_ptr<NewConnectionWindowController> newConnectionWindowController_;
   std::shared_ptr<NewKeyValueTypeSelectWindowController> newKeyValueTypeSelectWindowController_;
 };

@@ -18,25 +18,25 @@ NewConnectionViewController::NewConnectionViewController(Favourites favourites, 
 }
 
 void NewConnectionViewController::viewDidLoad() {
-  layout_.btnSave.setAction([this] { clickSave(); });
-  layout_.btnCancel.setAction([this] { clickCancel(); });
-  layout_.btnTestConnection.setAction([this] { clickTestConnection(); });
+  layout_.btnSave.setAction([this] { saveConnection(); });
+  layout_.btnCancel.setAction([this] { closeForm(); });
+  layout_.btnTestConnection.setAction([this] { testConnection(); });
   layout_.btnShowAuth.setAction([this] { toggleShowAuth(); });
   NSTextField* const fields[] = {&layout_.txtCnnName, &layout_.txtIp, &layout_.txtPort, &layout_.txtAuth,
                                  &layout_.txtAuthToShow};
   for (NSTextField* const field : fields)
-    field->setAction([this] { clickSave(); });
+    field->setAction([this] { saveConnection(); });
   layout_.txtPort.setFormatter(std::make_unique<PositiveIntegerValueFormatter>());
   layout_.popDefaultCharset.removeAllItems();
   layout_.popDefaultCharset.addItemsWithTitles(charsetNames());
   layout_.txtAuthToShow.setHidden(true);
 }
 
-void NewConnectionViewController::describeNew() {
+void NewConnectionViewController::editNew() {
   fill(std::nullopt, {"", "", "", "", charsetNames().front()});
 }
 
-void NewConnectionViewController::describe(const ServerItem& server) {
+void NewConnectionViewController::edit(const ServerItem& server) {
   fill(server.serverId(), {.name = server.connectionName(),
                            .host = server.serverIp(),
                            .port = std::to_string(server.serverPort()),
@@ -77,7 +77,7 @@ void NewConnectionViewController::showAuth(bool inClear) {
 }
 
 std::string NewConnectionViewController::password() const {
-  return layout_.txtAuthToShow.isHidden() ? layout_.txtAuth.stringValue() : layout_.txtAuthToShow.stringValue();
+  return (layout_.btnShowAuth.state() ? layout_.txtAuthToShow : layout_.txtAuth).stringValue();
 }
 
 bool NewConnectionViewController::hasPort() const {

@@ -1,10 +1,8 @@
 #pragma once
 
-#include "favourites/ConnectionTabs.h"
-#include "favourites/FavouritesStore.h"
-#include "favourites/FavouritesTree.h"
-#include "favourites/MyFavouriteItem.h"
+#include "favourites/Favourites.h"
 #include "platform/appkit/NSViewController.h"
+#include "platform/appkit/NSWindowController.h"
 #include "platform/foundation/NSUUID.h"
 #include "resources/NewConnectionLayout.h"
 #include "wire/ServerItem.h"
@@ -20,14 +18,6 @@ namespace tarn {
 // and the open tab. A message leaves what was typed as it is. Main thread only; a test waits there for the network.
 class NewConnectionViewController final : public NSViewController {
 public:
-  // What a save reaches; all but the root outlive the form.
-  struct Favourites {
-    std::shared_ptr<MyFavouriteItem> root;
-    FavouritesStore& store;
-    FavouritesTree& tree;
-    ConnectionTabs& tabs;
-  };
-
   // `willClose` is called before the form closes its window by itself; the form outlives the current event.
   NewConnectionViewController(Favourites favourites, std::function<void()> willClose);
 
@@ -37,8 +27,8 @@ public:
   NewConnectionLayout& outlets() { return layout_; }
 
   // Empties the form for a new connection, or fills it with the favourite to edit, whatever it holds.
-  void describeNew();
-  void describe(const ServerItem& server);
+  void editNew();
+  void edit(const ServerItem& server);
 
   // The favourite under edit; nothing for a new connection.
   const std::optional<NSUUID>& serverId() const { return serverId_; }
@@ -53,9 +43,6 @@ private:
   };
 
   void viewDidLoad();
-  void clickSave() { saveConnection(); }
-  void clickCancel() { closeForm(); }
-  void clickTestConnection() { testConnection(); }
   void toggleShowAuth();
 
   // The password is hidden, and the first field has the keyboard.
@@ -81,5 +68,8 @@ private:
   const std::function<void()> willClose_;
   std::optional<NSUUID> serverId_;
 };
+
+// The one window of the connection form.
+using NewConnectionWindowController = WindowControllerOf<NewConnectionViewController>;
 
 }  // namespace tarn

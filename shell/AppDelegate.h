@@ -2,7 +2,7 @@
 
 #include "favourites/StoreHost.h"
 #include "platform/coredata/NSPersistentContainer.h"
-#include "shell/SponsorWC.h"
+#include "shell/SponsorVC.h"
 
 #include <memory>
 #include <optional>

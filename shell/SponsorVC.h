@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/appkit/NSViewController.h"
+#include "platform/appkit/NSWindowController.h"
 #include "platform/storekit/SKPaymentQueue.h"
 #include "platform/storekit/SKProductsRequest.h"
 #include "resources/SponsorLayout.h"
@@ -37,5 +38,8 @@ private:
   std::vector<SKProduct> products_;
   SKProductsRequest request_;
 };
+
+// The window of the tips.
+using SponsorWC = WindowControllerOf<SponsorVC>;
 
 }  // namespace tarn

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/appkit/NSViewController.h"
+#include "platform/appkit/NSWindowController.h"
 #include "resources/NewKeyValueTypeSelectLayout.h"
 #include "workbench/value/ValueType.h"
 
@@ -36,5 +37,8 @@ private:
   NewKeyValueTypeSelectLayout layout_;
   const Answers answers_;
 };
+
+// The one dialog of the program that picks the type of a new key's value.
+using NewKeyValueTypeSelectWindowController = WindowControllerOf<NewKeyValueTypeSelectViewController>;
 
 }  // namespace tarn

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
 
 namespace tarn {
 
@@ -29,6 +30,19 @@ private:
   const std::shared_ptr<NSViewController> content_;
   NSWindow& window_;
   const std::function<void()> willClose_;
+};
+
+// The same with the content's own type, which has the window.
+template <class Content>
+class WindowControllerOf final : public NSWindowController {
+public:
+  explicit WindowControllerOf(std::shared_ptr<Content> content, std::function<void()> willClose = {})
+      : NSWindowController(content, content->window(), std::move(willClose)), content_(*content) {}
+
+  Content& content() { return content_; }
+
+private:
+  Content& content_;
 };
 
 }  // namespace tarn

@@ -87,8 +87,8 @@ public:
   ConnectionTabs::Tab tabOf(std::size_t index = 0) { return content_->tabForServer(*server(index)); }
   OperationTabLayout& tab(std::size_t index = 0) { return tabOf(index)->outlets(); }
   // What is open.
-  NewConnectionLayout& form() { return content_->newConnectionWindowController()->form().outlets(); }
-  auto& typeDialog() { return content_->newKeyValueTypeSelectWindowController()->dialog().outlets(); }
+  NewConnectionLayout& form() { return content_->newConnectionWindowController()->content().outlets(); }
+  auto& typeDialog() { return content_->newKeyValueTypeSelectWindowController()->content().outlets(); }
 
   // The rows below the root, a selected one behind "*"; the tabs, the one in front in brackets; of that one the status,
   // how many databases are offered, the one on show, the keys, and whether the queue label says anything; the messages.
