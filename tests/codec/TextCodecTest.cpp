@@ -1,5 +1,5 @@
+#include "codec/EscapeForms.h"
 #include "codec/TextCodec.h"
-#include "platform/foundation/Utf8.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,6 @@
 #include <random>
 #include <set>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -22,6 +21,7 @@ std::vector<CharsetEnum> allCharsets() {
   std::vector<CharsetEnum> all;
   for (std::size_t i = 0; i < charsetNames().size(); ++i)
     all.push_back(static_cast<CharsetEnum>(i));
+  EXPECT_EQ(all.size(), 46U);
   return all;
 }
 
@@ -189,38 +189,57 @@ TEST(TextCodec, KnowsTheWholeOfBig5E) {
   EXPECT_EQ(textToBytes("é", big5_E), std::nullopt);
 }
 
-TEST(TextCodec, GivesValidTextOrNothingForAnyBytes) {
-  std::mt19937 random(42);
-  for (const CharsetEnum charset : allCharsets()) {
-    for (int round = 0; round < 1000; ++round) {
-      std::string bytes(1 + random() % 40, '\0');
-      for (char& byte : bytes)
-        byte = static_cast<char>(random() % 4 == 0 ? "\x1B\x0E\x0F$(A)BGHNO"[random() % 12] : random());
-      const auto text = bytesToText(bytes, charset);
-      EXPECT_TRUE(!text || isValidUtf8(*text)) << charsetName(charset);
-    }
-  }
-}
-
-TEST(TextCodec, ConvertsLongTextWholeOnManyThreads) {
+TEST(TextCodec, ConvertsLongTextWhole) {
   std::string text;
   while (text.size() < 30000)
     text += "长文本 long ";
-  const auto convert = [&text] {
-    for (const CharsetEnum charset : {utf16, GBK, GB18030, ISO_2022_CN})
-      EXPECT_EQ(bytesToText(textToBytes(text, charset).value().view(), charset), text);
-  };
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 8; ++i)
-    threads.emplace_back(convert);
-  for (std::thread& thread : threads)
-    thread.join();
+  for (const CharsetEnum charset : {utf16, GBK, GB18030, ISO_2022_CN})
+    EXPECT_EQ(bytesToText(textToBytes(text, charset).value().view(), charset), text);
 }
 
-TEST(CharsetEnum, NamesTheSetsInOrder) {
-  ASSERT_EQ(allCharsets().size(), 46U);
-  EXPECT_EQ(charsetNames()[14], "big5_HKSCS_1999");
-  EXPECT_EQ(charsetNames().back(), "KOI8_U");
+// The forms as they are defined: whole-text replacements one after the other.
+std::string replaced(std::string text, const std::string& from, const std::string& to) {
+  for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
+    text.replace(at, from.size(), to);
+  }
+  return text;
+}
+
+constexpr const char* controlsAndLetters[][2] = {
+    {"\r", "\\r"}, {"\n", "\\n"}, {"\t", "\\t"}, {"\b", "\\b"}, {"\f", "\\f"}};
+
+std::string withLettersReplaced(std::string text) {
+  for (const auto& [control, letter] : controlsAndLetters)
+    text = replaced(text, letter, control);
+  return text;
+}
+
+std::string withControlsReplaced(std::string text) {
+  text = replaced(text, "\\", "\\\\");
+  for (const auto& [control, letter] : controlsAndLetters)
+    text = replaced(text, control, letter);
+  return text;
+}
+
+constexpr const char* placeholder = "#1234567890#";
+
+TEST(EscapeForms, AreWhatTheReplacementsGive) {
+  std::mt19937 random(7);
+  static constexpr std::string_view characters = "\\\\\\\\rntbfB\r\n\t\b\f\vx";
+  for (int round = 0; round < 5000; ++round) {
+    std::string text(random() % 12, ' ');
+    for (char& c : text)
+      c = characters[random() % characters.size()];
+    const std::string guarded = withLettersReplaced(replaced(text, "\\\\", placeholder));
+    ASSERT_EQ(escapeControls(text), withControlsReplaced(text)) << text;
+    ASSERT_EQ(unescapeControls(text), replaced(guarded, placeholder, "\\")) << text;
+    ASSERT_EQ(unescapeControlsForSearch(text), replaced(guarded, placeholder, "\\\\")) << text;
+    ASSERT_EQ(unescapeControlsInSequence(text), replaced(withLettersReplaced(text), "\\\\", "\\")) << text;
+    ASSERT_EQ(escapeControlsForCell(text),
+              replaced(withControlsReplaced(replaced(text, "\\B", placeholder)), placeholder, "\\B"))
+        << text;
+    ASSERT_EQ(unescapeControls(escapeControls(text)), text);
+  }
 }
 
 }  // namespace

@@ -1,4 +1,3 @@
-#include "tests/support/LoopbackPort.h"
 #include "tests/support/RedisServer.h"
 #include "tests/support/RespPeer.h"
 #include "tests/support/program/Program.h"
@@ -21,7 +20,7 @@ protected:
   Day() {
     testing::internal::CaptureStdout();
     client.command({"AUTH", secret});
-    client.pipeline({{"HSET", "user:1", "name", "Ada", "city", "London"}, {"SET", "visits", "7"}});
+    client.commands({{"HSET", "user:1", "name", "Ada", "city", "London"}, {"SET", "visits", "7"}});
   }
   ~Day() override {
     dropWindow();

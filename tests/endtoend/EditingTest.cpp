@@ -13,7 +13,7 @@ constexpr int cancel = 1002;
 class Editing : public ProgramTest {
 protected:
   Editing() {
-    client.pipeline({{"SET", "text", "a text", "EX", "5000"},
+    client.commands({{"SET", "text", "a text", "EX", "5000"},
                      {"RPUSH", "list", "first", "second", "third"},
                      {"SADD", "set", "1", "2", "3"},
                      {"HSET", "hash", "name", "Ada", "city", "London", "born", "1815"},
@@ -63,7 +63,7 @@ TEST_F(Editing, SavesWhatIsTypedByMouseAndByKeyboard) {
   chooseInMenu(hash, "name", "Add Row");
   keys("'\\Byv4= Tab '字段的值");
   // Another client changes the key's type before the save: what the form shows is what comes to be.
-  client.pipeline({{"DEL", "hash"}, {"SADD", "hash", "no field"}});
+  client.commands({{"DEL", "hash"}, {"SADD", "hash", "no field"}});
   save();
   EXPECT_EQ(said("HGETALL hash"), "name,Ada,town,Ockham,\xCA\xFE,字段的值");
 }

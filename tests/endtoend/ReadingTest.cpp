@@ -8,7 +8,7 @@ class Reading : public ProgramTest {
 protected:
   static void fill(const RedisServer& redis) {
     RespClient(redis.port())
-        .pipeline({{"SET", "text", "Grüße\nfrom two lines", "EX", "5000"},
+        .commands({{"SET", "text", "Grüße\nfrom two lines", "EX", "5000"},
                    {"RPUSH", "list", "first", "second", "\xFF\xFE"},
                    {"SADD", "set", "only"},
                    {"HSET", "hash", "name", "Ada", "city", "London", "\xCA\xFE", "bytes"},

@@ -1,5 +1,5 @@
-#include "tests/support/LoopbackPort.h"
 #include "tests/support/RedisServer.h"
+#include "tests/support/RespPeer.h"
 #include "tests/support/program/Program.h"
 
 namespace tarn::test {

@@ -7,8 +7,6 @@
 #include "wire/reply/ConsoleReplyReader.h"
 #include "wire/reply/ReplyReader.h"
 
-#include <string>
-#include <string_view>
 #include <vector>
 
 namespace {
@@ -16,48 +14,50 @@ namespace {
 using namespace tarn;
 
 struct Reading {
-  std::string text;
-  std::vector<Bytes> list;
+  // The text and the elements, with a mark before each.
+  std::string shown;
   bool isBroken = false;
   std::size_t taken = 0;
 };
 
 void read(ReplyReader& reader, Reading& reading) {
+  using enum ReplyType;
   const ReplyResult result = reader.readReply();
-  reading = {result.message, result.list.value_or(std::vector<Bytes>()), reader.lostConnection()};
-  require(result.list.has_value() ==
-          (result.type == ReplyType::REDIS_REPLY_ARRAY || result.type == ReplyType::REDIS_REPLY_MAP ||
-           result.type == ReplyType::REDIS_REPLY_SET));
+  const bool isList =
+      result.type == REDIS_REPLY_ARRAY || result.type == REDIS_REPLY_MAP || result.type == REDIS_REPLY_SET;
+  require(result.list.has_value() == isList);
+  reading.isBroken = reader.lostConnection();
   require(!reading.isBroken || (!result.ok && !result.type && !result.message.empty()));
+  reading.shown = result.message;
+  for (const Bytes& element : result.list.value_or(std::vector<Bytes>()))
+    reading.shown.append(1, '|').append(element.view());
 }
 
 void read(ConsoleReplyReader& reader, Reading& reading) {
-  reading = {reader.readReply(), {}, reader.failure().has_value()};
-  require(isValidUtf8(reading.text));
-  require(reading.isBroken ? reading.text.ends_with(*reader.failure()) : reader.type().has_value());
-}
-
-template <typename Reader>
-Reading readingOf(std::string_view stream, std::size_t arrival) {
-  Reading reading;
-  const auto rest = test::MemoryCalls::feed<Reader>(stream, arrival, [&](Reader& reader) { read(reader, reading); });
-  reading.taken = stream.size() - rest.size();
-  return reading;
+  reading.shown = reader.readReply();
+  reading.isBroken = reader.failure().has_value();
+  require(isValidUtf8(reading.shown));
+  require(reading.isBroken ? reading.shown.ends_with(*reader.failure()) : reader.type().has_value());
 }
 
 template <typename Reader>
 void check(std::string_view stream, std::size_t arrival) {
-  const Reading whole = readingOf<Reader>(stream, stream.size() + 1);
-
+  const auto readingOf = [](std::string_view part, std::size_t size) {
+    Reading reading;
+    const auto rest = test::MemoryCalls::feed<Reader>(part, size, [&](Reader& reader) { read(reader, reading); });
+    reading.taken = part.size() - rest.size();
+    return reading;
+  };
   // The arrivals change nothing: not what is read, and not how much is taken.
-  const Reading parts = readingOf<Reader>(stream, arrival);
-  require(parts.isBroken == whole.isBroken && parts.text == whole.text && parts.list == whole.list);
+  const Reading whole = readingOf(stream, stream.size() + 1);
+  const Reading parts = readingOf(stream, arrival);
+  require(parts.isBroken == whole.isBroken && parts.shown == whole.shown);
   require(parts.isBroken || parts.taken == whole.taken);
 
   // A whole reply reads the same without what stands behind it, and is broken without its last byte.
   if (whole.isBroken || whole.taken == 0) return;
-  require(readingOf<Reader>(stream.substr(0, whole.taken), arrival).text == whole.text);
-  require(readingOf<Reader>(stream.substr(0, whole.taken - 1), arrival).isBroken);
+  require(readingOf(stream.substr(0, whole.taken), arrival).shown == whole.shown);
+  require(readingOf(stream.substr(0, whole.taken - 1), arrival).isBroken);
 }
 
 }  // namespace

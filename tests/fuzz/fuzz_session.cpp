@@ -13,12 +13,8 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <map>
-#include <memory>
-#include <string>
-#include <string_view>
 
 namespace {
 
@@ -53,9 +49,8 @@ private:
   ssize_t amount(std::size_t most) {
     static const std::map<char, int> failures{{'a', EAGAIN}, {'h', EHOSTUNREACH}, {'i', EINTR},
                                               {'m', EMFILE}, {'p', EINPROGRESS},  {'r', ECONNRESET}};
-    if (answers_.empty()) return static_cast<ssize_t>(most);
-    const char kind = answers_.front();
-    answers_.remove_prefix(1);
+    const char kind = answers_.empty() ? ' ' : answers_.front();
+    answers_.remove_prefix(answers_.empty() ? 0 : 1);
     if (kind >= '0' && kind <= '9') return static_cast<ssize_t>(std::min(most, static_cast<std::size_t>(kind - '0')));
     const auto failure = failures.find(kind);
     if (failure == failures.end()) return static_cast<ssize_t>(most);
@@ -68,10 +63,8 @@ private:
   std::string_view answers_;
 };
 
-constexpr auto lines =
-    std::to_array<std::string_view>({"get k", "multi", "exec", "discard", "select 2", "reset", "subscribe k"});
-
 void perform(char step, ServerItem& server) {
+  static constexpr const char* lines[] = {"get k", "multi", "exec", "discard", "select 2", "reset", "subscribe k"};
   const Bytes key("k");
   // clang-format off
   switch (step) {
@@ -92,7 +85,7 @@ void perform(char step, ServerItem& server) {
     case 'H': server.setHashFields(key, {key}, {key}, 9); break;
     case 'Z': server.addSortedSetMembers(key, {"1"}, {key}, 9); break;
     case '!': server.closeConnection(); break;
-    default: require(isValidUtf8(server.executeConsoleCommand(lines[static_cast<unsigned char>(step) % lines.size()])));
+    default: require(isValidUtf8(server.executeConsoleCommand(lines[static_cast<unsigned char>(step) % std::size(lines)])));
   }
   // clang-format on
 }
@@ -105,8 +98,7 @@ int lowestFreeDescriptor() {
 
 }  // namespace
 
-// In place of the system's, so that no name that the input makes up is asked for on the network: each has two
-// addresses.
+// In place of the system's, so that no name is asked for on the network: each has two addresses.
 extern "C" int getaddrinfo(const char* host, const char*, const addrinfo*, addrinfo** list) {
   static sockaddr address{};
   static addrinfo second{0, AF_INET, SOCK_STREAM, 0, sizeof address, &address, nullptr, nullptr};

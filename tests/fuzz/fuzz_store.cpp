@@ -6,11 +6,6 @@
 #include "tests/fuzz/Fuzz.h"
 #include "tests/support/TemporaryFolder.h"
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <string>
-
 using namespace tarn;
 
 void tarn::fuzz(std::string_view input) {

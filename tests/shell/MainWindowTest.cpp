@@ -1,14 +1,36 @@
 #include "platform/appkit/NSApplication.h"
 #include "platform/foundation/NSOperationQueue.h"
+#include "platform/storekit/SKStore.h"
 #include "tests/support/RedisServer.h"
-#include "tests/support/StandInStore.h"
 #include "tests/support/program/Program.h"
 
 namespace tarn::test {
+namespace {
 
 using MainWindow = ProgramTest;
 using MainWindowDeathTest = ProgramTest;
 using Sponsoring = ProgramTest;
+
+// The platform's store while it lives: it answers when the test says so, and keeps what it was asked.
+class StandInStore final : public SKStore {
+public:
+  StandInStore() { SKStore::install(this); }
+  ~StandInStore() override { SKStore::install(nullptr); }
+
+  void requestProducts(const std::set<std::string>& identifiers, std::function<void(Answer)> done) override {
+    requested = identifiers;
+    answer = std::move(done);
+  }
+  void addPayment(const SKMutablePayment& payment) override { payments.push_back(payment.productIdentifier()); }
+  void finishTransaction(const SKPaymentTransaction& transaction) override {
+    finished.push_back(transaction.transactionIdentifier);
+  }
+
+  std::set<std::string> requested;
+  std::function<void(Answer)> answer;
+  Texts payments;
+  Texts finished;
+};
 
 TEST_F(MainWindowDeathTest, ClosingItEndsTheProcessAlsoWithAnOpenConnection) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
@@ -90,4 +112,5 @@ TEST_F(Sponsoring, AButtonPaysTheProductOfItsNumberAndTheLastWindowAloneSaysWhat
   EXPECT_EQ(alerts.messages(), Texts{"The shop is closed."});
 }
 
+}  // namespace
 }  // namespace tarn::test

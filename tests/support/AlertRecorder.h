@@ -10,8 +10,7 @@
 
 namespace tarn::test {
 
-// Stands in for the screen: while one lives every alert is recorded and answered at once, with the answers queued by
-// the test or else with the first button. Main thread only.
+// While one lives every alert is recorded and answered at once: with the next queued answer, or else the first button.
 class AlertRecorder final {
 public:
   struct Shown {
@@ -25,14 +24,14 @@ public:
       : before_(NSAlert::setPresenter([this](const NSAlert& alert) {
           shown_.push_back({alert.messageText(), alert.informativeText(), static_cast<int>(alert.alertStyle()),
                             alert.buttonTitles()});
-          if (const auto action = next(actions_)) action();
-          return answers_.empty() ? NSAlert::firstButtonReturn : next(answers_);
+          if (const auto action = next(actions_, std::function<void()>())) action();
+          return next(answers_, int{NSAlert::firstButtonReturn});
         })) {}
   AlertRecorder(const AlertRecorder&) = delete;
   AlertRecorder& operator=(const AlertRecorder&) = delete;
   ~AlertRecorder() { NSAlert::setPresenter(std::move(before_)); }
 
-  // The next alert without an answer in the queue takes this one: 1000 the first button, 1001 the second.
+  // 1000 is the first button, 1001 the second.
   void answerNext(int result) { answers_.push_back(result); }
   // Runs while the next alert is up, before it is answered.
   void whileNextIsUp(std::function<void()> action) { actions_.push_back(std::move(action)); }
@@ -48,11 +47,11 @@ public:
 
 private:
   template <typename T>
-  static T next(std::deque<T>& queue) {
-    if (queue.empty()) return {};
-    T first = std::move(queue.front());
+  static T next(std::deque<T>& queue, T otherwise) {
+    if (queue.empty()) return otherwise;
+    otherwise = std::move(queue.front());
     queue.pop_front();
-    return first;
+    return otherwise;
   }
 
   std::vector<Shown> shown_;

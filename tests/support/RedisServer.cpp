@@ -1,14 +1,12 @@
 #include "tests/support/RedisServer.h"
 
-#include "tests/support/RespPeer.h"
-
-#include <signal.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <fstream>
 #include <functional>
 #include <iterator>
@@ -35,10 +33,14 @@ RedisServer::RedisServer(std::vector<std::string> options) : options_(std::move(
   start();
 }
 
+std::string RedisServer::password() const {
+  const auto option = std::find(options_.begin(), options_.end(), "--requirepass");
+  return option == options_.end() ? "" : *std::next(option);
+}
+
 std::string RedisServer::command(const std::vector<std::string>& words, int database) const {
   RespClient client(port());
-  const auto option = std::find(options_.begin(), options_.end(), "--requirepass");
-  if (option != options_.end()) client.command({"AUTH", *std::next(option)});
+  if (!password().empty()) client.command({"AUTH", password()});
   if (database != 0) client.command({"SELECT", std::to_string(database)});
   return client.command(words);
 }
@@ -48,10 +50,6 @@ void RedisServer::kill() {
   ::kill(pid_, SIGKILL);
   ::waitpid(pid_, nullptr, 0);
   pid_ = -1;
-}
-
-void RedisServer::freeze() {
-  ::kill(pid_, SIGSTOP);
 }
 
 void RedisServer::start() {
@@ -86,30 +84,22 @@ void RedisServer::start() {
 }
 
 RedisCluster::RedisCluster(const std::vector<std::string>& options) {
-  constexpr int count = 3;
-  constexpr int slots = 16384;
-  for (int i = 0; i < count; ++i) {
-    const int busPort = busPorts_.emplace_back().number();
-    std::vector<std::string> words = {
-        "--cluster-enabled", "yes", "--cluster-config-file", "nodes.conf", "--cluster-port", std::to_string(busPort)};
+  std::string create = "redis-cli --cluster create --cluster-yes";
+  for (int i = 0; i < 3; ++i) {
+    const std::string busPort = std::to_string(busPorts_.emplace_back().number());
+    std::vector<std::string> words = {"--cluster-enabled", "yes", "--cluster-port", busPort};
     words.insert(words.end(), options.begin(), options.end());
-    const RedisServer& node = masters_.emplace_back(std::move(words));
-    const auto slot = [&](int share) { return std::to_string(slots * share / count); };
-    node.command({"CLUSTER", "SET-CONFIG-EPOCH", std::to_string(i + 1)});
-    node.command({"CLUSTER", "ADDSLOTSRANGE", slot(i), std::to_string(std::stoi(slot(i + 1)) - 1)});
-    if (i == 0) continue;
-    node.command({"CLUSTER", "MEET", "127.0.0.1", std::to_string(masters_.front().port()),
-                  std::to_string(busPorts_.front().number())});
+    create += " 127.0.0.1:" + std::to_string(masters_.emplace_back(words).port()) + "@" + busPort;
   }
-  const auto knowsAll = [](const RedisServer& node) {
-    const std::string info = node.command({"CLUSTER", "INFO"});
-    return info.find("cluster_state:ok") != std::string::npos &&
-           info.find("cluster_slots_ok:16384") != std::string::npos &&
-           info.find("cluster_known_nodes:3") != std::string::npos &&
-           node.command({"CLUSTER", "NODES"}).find("handshake") == std::string::npos;
+  const std::string password = masters_.front().password();
+  if (!password.empty()) create.insert(0, "REDISCLI_AUTH=" + password + " ");
+  const auto isReady = [](const RedisServer& node) {
+    return node.command({"CLUSTER", "INFO"}).find("cluster_state:ok") != std::string::npos;
   };
-  if (waitFor([&] { return std::all_of(masters_.begin(), masters_.end(), knowsAll); })) return;
-  throw std::runtime_error("The cluster never got ready: " + masters_.front().command({"CLUSTER", "NODES"}));
+  if (std::system((create + " >/dev/null").c_str()) == 0 &&
+      waitFor([&] { return std::ranges::all_of(masters_, isReady); }))
+    return;
+  throw std::runtime_error("The cluster never got ready");
 }
 
 }  // namespace tarn::test

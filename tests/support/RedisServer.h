@@ -1,7 +1,9 @@
 #pragma once
 
-#include "tests/support/LoopbackPort.h"
+#include "tests/support/RespPeer.h"
 #include "tests/support/TemporaryFolder.h"
+
+#include <signal.h>
 
 #include <iterator>
 #include <list>
@@ -10,9 +12,8 @@
 
 namespace tarn::test {
 
-// A real redis-server of the test's own, on a free loopback port, with its files in a folder of its own; both go with
-// the object. The constructor returns when the server answers, and throws std::runtime_error if it never does. The
-// server also ends when the thread that started it does, so that a test that crashes leaves none behind.
+// A real redis-server of the test's own. The constructor returns when the server answers, and throws
+// std::runtime_error if it never does. The server also ends with the thread that started it.
 class RedisServer final {
 public:
   // `options` are those of its command line, such as {"--requirepass", "secret", "--databases", "4"}.
@@ -21,15 +22,16 @@ public:
 
   int port() const { return port_.number(); }
 
-  // Sends one command on a connection of its own and answers with the raw reply, whole; for setting up and checking.
-  // A password in the options is given first. Throws std::runtime_error where no whole reply comes within a minute.
+  // The raw reply to one command on a connection of its own, which gives the password of the options first.
   std::string command(const std::vector<std::string>& words, int database = 0) const;
 
   // Ends the server, as a crash does; `start` brings it up again on the same port, empty.
   void kill();
   void start();
   // Stops the process: its sockets stay open and nothing answers.
-  void freeze();
+  void freeze() { ::kill(pid_, SIGSTOP); }
+  // The one of the options, or nothing.
+  std::string password() const;
 
 private:
   const std::vector<std::string> options_;
@@ -38,8 +40,7 @@ private:
   int pid_ = -1;
 };
 
-// Three masters without replicas that own all slots between them, each aware of the others when the constructor
-// returns.
+// Three masters without replicas that own all slots between them.
 class RedisCluster final {
 public:
   explicit RedisCluster(const std::vector<std::string>& options = {});

@@ -1,12 +1,11 @@
 #pragma once
 
+#include <arpa/inet.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
-#include <sys/time.h>
 #include <unistd.h>
 
 #include <array>
-#include <cerrno>
 #include <cstddef>
 #include <mutex>
 #include <stdexcept>
@@ -17,6 +16,35 @@
 
 namespace tarn::test {
 
+// A TCP port of 127.0.0.1 that the system gives to nobody else while this lives. A server that sets SO_REUSEADDR, as
+// redis-server does, can listen on it; while none does, a connect is refused at once.
+class LoopbackPort final {
+public:
+  // Two sockets with SO_REUSEADDR may share a port as long as one of them doesn't listen.
+  LoopbackPort() : descriptor_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    const int yes = 1;
+    address_.sin_family = AF_INET;
+    address_.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address_;
+    auto* const address = reinterpret_cast<sockaddr*>(&address_);
+    if (::setsockopt(descriptor_, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes) == 0 &&
+        ::bind(descriptor_, address, size) == 0 && ::getsockname(descriptor_, address, &size) == 0)
+      return;
+    throw std::runtime_error("No free port on 127.0.0.1");
+  }
+  LoopbackPort(const LoopbackPort&) = delete;
+  LoopbackPort& operator=(const LoopbackPort&) = delete;
+  ~LoopbackPort() { ::close(descriptor_); }
+
+  int number() const { return ntohs(address_.sin_port); }
+  // The socket that holds the port, for a test that listens on it itself.
+  int descriptor() const { return descriptor_; }
+
+private:
+  const int descriptor_;
+  sockaddr_in address_{};
+};
+
 // A request in multi-bulk form.
 inline std::string encodedRequest(const std::vector<std::string>& words) {
   std::string request = "*" + std::to_string(words.size()) + "\r\n";
@@ -26,7 +54,7 @@ inline std::string encodedRequest(const std::vector<std::string>& words) {
 }
 
 // One end of a connection: reads whole requests or replies off it, and keeps every byte that it received. Belongs to
-// one thread, but for what is said.
+// one thread; any other may call shutDown() and received().
 class RespPeer final {
 public:
   // Owns the descriptor.
@@ -55,17 +83,10 @@ public:
 
   // False if the other end closed before it had all.
   bool send(std::string_view bytes) {
-    while (!bytes.empty()) {
-      const ssize_t sent = ::send(descriptor_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-      if (sent < 0 && errno == EINTR) continue;
-      if (sent <= 0) return false;
-      bytes.remove_prefix(static_cast<std::size_t>(sent));
-    }
-    return true;
+    return ::send(descriptor_, bytes.data(), bytes.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(bytes.size());
   }
 
-  // Ends the stream in order. Closing over unread bytes would reset the connection, and the other end might lose what
-  // was sent last.
+  // Closing over unread bytes would reset the connection, and the other end might lose what was sent last.
   void close() {
     if (descriptor_ < 0) return;
     ::shutdown(descriptor_, SHUT_WR);
@@ -75,12 +96,12 @@ public:
     ::close(std::exchange(descriptor_, -1));
   }
 
-  // Any thread: wakes whoever reads.
+  // Wakes whoever reads.
   void shutDown() {
     const std::lock_guard lock(mutex_);
     if (descriptor_ >= 0) ::shutdown(descriptor_, SHUT_RDWR);
   }
-  // Any thread.
+
   std::string received() const {
     const std::lock_guard lock(mutex_);
     return received_;
@@ -111,10 +132,7 @@ private:
 
   bool receiveMore(int flags) {
     std::array<char, 65536> part;
-    ssize_t size = 0;
-    do {
-      size = ::recv(descriptor_, part.data(), part.size(), flags);
-    } while (size < 0 && errno == EINTR);
+    const ssize_t size = ::recv(descriptor_, part.data(), part.size(), flags);
     if (size <= 0) return false;
     const std::lock_guard lock(mutex_);
     received_.append(part.data(), static_cast<std::size_t>(size));
@@ -128,13 +146,10 @@ private:
   std::size_t consumed_ = 0;
 };
 
-// The plainest client there is, for tests to set up and check a server with: one connection, one request at a time.
-// Every failure throws std::runtime_error; a server that says nothing for a minute is one.
+// The plainest client, to set up and check a server with. Every failure throws std::runtime_error.
 class RespClient final {
 public:
   explicit RespClient(int port) : descriptor_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)), peer_(descriptor_) {
-    const timeval patience{.tv_sec = 60, .tv_usec = 0};
-    ::setsockopt(descriptor_, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_port = htons(static_cast<in_port_t>(port));
@@ -145,17 +160,15 @@ public:
   // The raw reply, whole.
   std::string command(const std::vector<std::string>& words) {
     require(peer_.send(encodedRequest(words)), "The server took no request");
-    return reply();
+    std::string reply = peer_.read();
+    require(!reply.empty(), "The server's reply broke off");
+    return reply;
   }
 
-  // Sends many requests in one go and drops their replies; throws if one of them is an error.
-  void pipeline(const std::vector<std::vector<std::string>>& requests) {
-    std::string bytes;
-    for (const auto& words : requests)
-      bytes += encodedRequest(words);
-    require(peer_.send(bytes), "The server took no request");
-    for (std::size_t i = 0; i < requests.size(); ++i) {
-      const std::string answer = reply();
+  // Throws if one of the replies is an error.
+  void commands(const std::vector<std::vector<std::string>>& requests) {
+    for (const auto& words : requests) {
+      const std::string answer = command(words);
       require(!answer.starts_with('-'), answer);
     }
   }
@@ -163,11 +176,6 @@ public:
 private:
   static void require(bool held, const std::string& failure) {
     if (!held) throw std::runtime_error(failure);
-  }
-  std::string reply() {
-    std::string reply = peer_.read();
-    require(!reply.empty(), "The server's reply broke off");
-    return reply;
   }
 
   const int descriptor_;

@@ -1,10 +1,7 @@
 #pragma once
 
-#include "tests/support/LoopbackPort.h"
 #include "tests/support/RespPeer.h"
 
-#include <netinet/in.h>
-#include <netinet/tcp.h>
 #include <sys/socket.h>
 
 #include <atomic>
@@ -20,14 +17,12 @@
 
 namespace tarn::test {
 
-// A server on a loopback port that does what no real one does: cut replies, malformed bytes, stalls, early closes. It
-// also records every byte that it receives. Each accepted connection runs the script on a thread of its own. The
-// destructor shuts all connections down and waits for their scripts: a script that stalls should do so in readRequest.
+// A server on a loopback port that does what no real one does. Each accepted connection runs the script on a thread of
+// its own. The destructor shuts all down and waits for the scripts: one that stalls should do so in readRequest.
 class ScriptedServer final {
 public:
-  // One accepted connection, as the script sees it. Belongs to the script's thread.
   using Peer = RespPeer;
-  // The script runs once a connection; the connection closes when it returns. `connection` counts from 0.
+  // The connection closes when it returns. `connection` counts from 0.
   using Script = std::function<void(Peer& peer, int connection)>;
 
   explicit ScriptedServer(Script script) : script_(std::move(script)) {
@@ -61,9 +56,6 @@ private:
       const int descriptor = ::accept4(port_.descriptor(), nullptr, nullptr, SOCK_CLOEXEC);
       if (descriptor < 0 && (errno == EINTR || errno == ECONNABORTED)) continue;
       if (descriptor < 0) return;
-      // What a script sends leaves at once, byte by byte where it likes.
-      const int yes = 1;
-      ::setsockopt(descriptor, IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
       const std::lock_guard lock(mutex_);
       scripts_.emplace_back([this, &peer = accepted_.emplace_back(descriptor), number = connections_++] {
         script_(peer, number);

@@ -3,7 +3,6 @@
 #include <stdlib.h>
 
 #include <filesystem>
-#include <optional>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -31,22 +30,15 @@ private:
   std::filesystem::path path_;
 };
 
-// While one lives the user's data folder is an empty one of the test's own; it goes with the object.
+// Makes the user's data folder an empty one of the test's own. No later test gets to the real one either.
 class TemporaryDataHome final {
 public:
-  TemporaryDataHome() {
-    if (const char* const before = ::getenv("XDG_DATA_HOME")) before_ = before;
-    ::setenv("XDG_DATA_HOME", folder().c_str(), 1);
-  }
-  ~TemporaryDataHome() { before_ ? ::setenv("XDG_DATA_HOME", before_->c_str(), 1) : ::unsetenv("XDG_DATA_HOME"); }
+  TemporaryDataHome() { ::setenv("XDG_DATA_HOME", folder_.path().c_str(), 1); }
 
-  const std::filesystem::path& folder() const { return folder_.path(); }
-  // The store's file, whether it is there or not.
-  std::filesystem::path storeFile() const { return folder() / "Tarn" / "ServerItemModel.sqlite"; }
+  std::filesystem::path storeFile() const { return folder_.path() / "Tarn" / "ServerItemModel.sqlite"; }
 
 private:
   TemporaryFolder folder_;
-  std::optional<std::string> before_;
 };
 
 }  // namespace tarn::test

@@ -1,4 +1,3 @@
-#include "tests/support/LoopbackPort.h"
 #include "tests/support/RespPeer.h"
 #include "tests/wire/WireTest.h"
 #include "wire/connection/Connection.h"
@@ -16,35 +15,21 @@ namespace {
 
 using Status = ConnectionStatus;
 
-class ConnectionTest : public WireTest {
-protected:
-  static ServerAddress address(int port, std::string password = {}) {
-    return {.name = "a", .host = "127.0.0.1", .port = port, .password = std::move(password)};
-  }
-};
+using ConnectionTest = WireTest;
+
+ServerAddress address(int port, std::string password = {}) {
+  return {.name = "a", .host = "127.0.0.1", .port = port, .password = std::move(password)};
+}
 
 // System calls of which a test makes one fail, or waits for one.
 class TamperedCalls final : public SocketCalls {
 public:
-  int numericName(const sockaddr* address, socklen_t length, std::string& host, std::string& port) override {
-    return fails("name") ? EAI_FAIL : SocketCalls::numericName(address, length, host, port);
-  }
-  int socket(int family, int type, int protocol) override {
-    return fails("socket") ? -1 : SocketCalls::socket(family, type, protocol);
-  }
-  int getFlags(int descriptor) override {
-    return fails("get" + std::to_string(++flagReads_ % 2)) ? -1 : SocketCalls::getFlags(descriptor);
-  }
-  int setFlags(int descriptor, int flags) override {
-    return fails("set" + std::to_string(flagReads_ % 2)) ? -1 : SocketCalls::setFlags(descriptor, flags);
-  }
   int connect(int descriptor, const sockaddr* address, socklen_t length) override {
     if (beforeConnect) beforeConnect();
     return fails("connect") ? -1 : SocketCalls::connect(descriptor, address, length);
   }
   int poll(pollfd* descriptor, int milliseconds) override {
     waits.push_back(milliseconds);
-    if (waits.size() == 1 && fails("interrupted poll")) return -1;
     return fails("poll") ? (error == 0 ? 0 : -1) : SocketCalls::poll(descriptor, milliseconds);
   }
   int setOption(int descriptor, int level, int option, const void* value, socklen_t length) override {
@@ -81,7 +66,6 @@ private:
     return failing == call;
   }
 
-  int flagReads_ = 0;
   int sends_ = 0;
 };
 
@@ -90,31 +74,21 @@ TEST_F(ConnectionTest, OpensAuthenticatesAndCloses) {
   const std::size_t before = openDescriptors();
   for (const bool isRight : {true, false}) {
     Connection connection(tcpOpener());
-    const auto isIn = [&](Status status, int database) {
-      EXPECT_EQ(connection.status(), status);
-      EXPECT_EQ(connection.isAlive(), status == Status::connected);
-      EXPECT_EQ(connection.database(), database);
-    };
-    isIn(Status::notConnected, 0);
-    testing::internal::CaptureStdout();
     const auto outcome = connection.connect(address(server.port(), isRight ? "s3cret" : "wrong"), 0, isRight ? 3 : 0);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "IP address:127.0.0.1 port:" + std::to_string(server.port()) + "\nconnecting\nconnected\nBLOCK setted\n");
     EXPECT_TRUE(outcome.ok == isRight && outcome.isOpen && !outcome.closed);
     EXPECT_TRUE(isRight || outcome.message.starts_with("WRONGPASS")) << outcome.message;
-    isIn(Status::connected, isRight ? 3 : 0);
+    EXPECT_TRUE(connection.status() == Status::connected && connection.isAlive());
+    EXPECT_EQ(connection.database(), isRight ? 3 : 0);
     EXPECT_EQ(connection.execute(RedisCommand::select, {"1"}).ok, isRight);
-    isIn(Status::connected, isRight ? 1 : 0);
+    EXPECT_EQ(connection.database(), isRight ? 1 : 0);
     connection.close();
-    EXPECT_EQ(connection.status(), Status::notConnected);
-    EXPECT_FALSE(connection.isAlive());
+    EXPECT_TRUE(connection.status() == Status::notConnected && !connection.isAlive());
     EXPECT_TRUE(connection.connect(address(server.port(), "s3cret"), connection.epoch()).ok);
-    isIn(Status::connected, 0);
+    EXPECT_TRUE(connection.status() == Status::connected && connection.database() == 0);
   }
   EXPECT_EQ(openDescriptors(), before);
 }
 
-// Each failure of a connect: the call that fails, the message, the status, and how its line on standard error begins.
 TEST_F(ConnectionTest, TellsEachConnectThatFails) {
   RedisServer dead;
   dead.kill();
@@ -123,35 +97,23 @@ TEST_F(ConnectionTest, TellsEachConnectThatFails) {
     std::string failing;
     ServerAddress to;
     std::string message;
-    Status status = Status::disConnected;
-    std::string log = {};
     int error = EINVAL;
+    Status status = Status::disConnected;
   };
   const ServerAddress here = address(peer.port());
-  const ServerAddress nameless{.name = {}, .host = here.host, .port = here.port, .password = {}};
   const ServerAddress nowhere{.name = "a", .host = "no such host", .port = here.port, .password = {}};
   const std::string unresolved = "Can not get IP address or Port.";
   const std::string refused = "Can not connect to Server(a).";
-  const std::string options = "Can not set socket options.";
-  // clang-format off
   const std::vector<Case> cases{
-      {"", nowhere, unresolved, Status::notConnected},
-      {"", address(6379 - 65536), unresolved, Status::notConnected},
-      {"", address(65536), unresolved, Status::notConnected},
-      {"", address(dead.port()), refused, Status::disConnected, "not connect"},
-      {"name", here, "Not Found IP address for server(a)."},
-      {"socket", here, "Can not create socket.", Status::disConnected, "Failure: creating socket"},
-      {"get1", here, options, Status::disConnected, "flags get error"},
-      {"set1", here, options, Status::disConnected, "flags set error"},
-      {"poll", here, refused, Status::disConnected, "not connect"},
-      {"poll", here, "Connect Server(a) timeout.", Status::disConnected, "not connect", 0},
-      {"connect", here, refused, Status::disConnected, "not connect"},
-      {"connect", here, "Can not reach Server((a)).", Status::disConnected, "host can not reach", EHOSTUNREACH},
-      {"connect", nameless, "Can not reach Server().", Status::disConnected, "host can not reach", EHOSTUNREACH},
-      {"get0", here, options, Status::connected, "flags get error"},
-      {"set0", here, options, Status::connected, "flags set error"},
+      {"", nowhere, unresolved, 0, Status::notConnected},
+      {"", address(6379 - 65536), unresolved, 0, Status::notConnected},
+      {"", address(65536), unresolved, 0, Status::notConnected},
+      {"", address(dead.port()), refused},
+      {"poll", here, refused},
+      {"poll", here, "Connect Server(a) timeout.", 0},
+      {"connect", here, refused},
+      {"connect", here, "Can not reach Server((a)).", EHOSTUNREACH},
   };
-  // clang-format on
   const std::size_t before = openDescriptors();
   for (const Case& expected : cases) {
     SCOPED_TRACE(expected.failing + ": " + expected.message);
@@ -159,10 +121,7 @@ TEST_F(ConnectionTest, TellsEachConnectThatFails) {
     calls.failing = expected.failing;
     calls.error = expected.error;
     Connection connection(tcpOpener(calls));
-    testing::internal::CaptureStderr();
     const auto outcome = connection.connect(expected.to, 0);
-    const std::string log = testing::internal::GetCapturedStderr();
-    EXPECT_TRUE(expected.log.empty() ? log.empty() : log.starts_with(expected.log + ": ")) << log;
     EXPECT_FALSE(outcome.ok || outcome.isOpen || outcome.closed);
     EXPECT_EQ(outcome.message, expected.message);
     EXPECT_EQ(connection.status(), expected.status);
@@ -174,8 +133,7 @@ TEST_F(ConnectionTest, TellsEachConnectThatFails) {
   }
 }
 
-// Four probes of keepalive, then five seconds each way; a failure of any of them only goes to the log. The connect
-// waits for five seconds, of which an interruption takes nothing.
+// Four probes of keepalive, then five seconds each way; a failure of any of them only goes to the log.
 TEST_F(ConnectionTest, TunesTheSocketAndGoesOnWithoutTheTuning) {
   TamperedCalls calls;
   ScriptedServer peer(answering({}));
@@ -187,14 +145,8 @@ TEST_F(ConnectionTest, TunesTheSocketAndGoesOnWithoutTheTuning) {
       {{IPPROTO_TCP, TCP_KEEPCNT}, 3}, {{SOL_SOCKET, SO_SNDTIMEO}, 5000000}, {{SOL_SOCKET, SO_RCVTIMEO}, 5000000},
   };
   EXPECT_EQ(calls.options, expected);
-  calls.waits.clear();
-  calls.failing = "interrupted poll";
-  calls.error = EINTR;
-  EXPECT_TRUE(connection.connect(address(peer.port()), 0).ok);
-  ASSERT_EQ(calls.waits.size(), 2U);
-  EXPECT_LE(calls.waits[0], 5000);
-  EXPECT_LE(calls.waits[1], calls.waits[0]);
-  EXPECT_GT(calls.waits[1], 0);
+  ASSERT_EQ(calls.waits.size(), 1U);
+  EXPECT_TRUE(calls.waits[0] > 0 && calls.waits[0] <= 5000) << calls.waits[0];
 }
 
 // Closed while it waits for the connect, while it waits for the reply to AUTH, and when there is a socket, but no

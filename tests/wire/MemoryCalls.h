@@ -7,34 +7,25 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <memory>
 #include <string>
 #include <string_view>
 
 namespace tarn::test {
 
-// A peer that lies in memory: hands out the bytes of a stream in arrivals of a given size, with the flags that the
-// real call knows, and closes behind the last one.
+// A peer that lies in memory: hands out the bytes of a stream in arrivals of a given size, and closes behind the last.
 class MemoryCalls : public SocketCalls {
 public:
-  explicit MemoryCalls(std::string_view stream, std::size_t arrival = wholeAtOnce) : rest_(stream), arrival_(arrival) {}
-
-  // What nobody has taken.
-  std::string_view rest() const { return rest_; }
-
-  std::shared_ptr<Socket> makeSocket() {
-    return std::make_shared<Socket>(::open("/dev/null", O_RDWR | O_CLOEXEC), *this);
-  }
-
   static constexpr std::size_t wholeAtOnce = static_cast<std::size_t>(-1);
+
+  explicit MemoryCalls(std::string_view stream, std::size_t arrival = wholeAtOnce) : rest_(stream), arrival_(arrival) {}
 
   // Has a reader of this type read from the stream, and answers with what it left there.
   template <typename Reader, typename Reading>
   static std::string feed(std::string_view stream, std::size_t arrival, const Reading& reading) {
     MemoryCalls calls(stream, arrival);
-    const auto socket = calls.makeSocket();
     {
-      Reader reader(*socket);
+      Socket socket(::open("/dev/null", O_RDWR | O_CLOEXEC), calls);
+      Reader reader(socket);
       reading(reader);
     }
     return std::string(calls.rest_);

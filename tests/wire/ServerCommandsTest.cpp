@@ -1,8 +1,11 @@
 #include "tests/wire/WireTest.h"
 
+#include <algorithm>
+
 namespace tarn::test {
 namespace {
 
+using Cluster = WireTest;
 using ServerCommandsTest = WireTest;
 using Call = std::function<std::string(ServerItem&)>;
 
@@ -56,16 +59,11 @@ TEST_F(ServerCommandsTest, SendWhatIsStatedReadTheRepliesAndShowOneAlertForEachF
   };
   // clang-format off
   const std::vector<Case> cases{
-      {on(&S::selectDb, 3), {ok}, "true", "select 3"},
-      {on(&S::selectDb, 4), {"-ERR\r\n"}, "false", "select 4", {"ERR"}},
-      {on(&S::keyType, k), {"+zset\r\n"}, "true zset", "type k"},
       {on(&S::keyType, k), {"_\r\n"}, "false ", "type k", {"Server reply: Error"}},
       {on(&S::keyType, k), {"*0\r\n"}, "false ", "type k", {"Server reply: Error"}},
-      {on(&S::keyTtl, k), {":-1\r\n"}, "true -1", "ttl k"},
       {on(&S::keyTtl, k), {"+none\r\n"}, "true null", "ttl k"},
       {on(&S::getValue, k), {"$2\r\n\xFF\r\r\n"}, "true \xFF\r", "get k"},
       {on(&S::getValue, k), {"_\r\n"}, "true ", "get k"},
-      {on(&S::getValue, k), {"-ERR\r\n"}, "false ", "get k", {"ERR"}},
       {on(&S::lrangeAll, k), {zero}, "[0,\xFF\r,]", "lrange k 0 -1"},
       {on(&S::lrangeAll, k), {"-ERR\r\n"}, "[]", "lrange k 0 -1", {"ERR"}},
       {on(&S::zrangeAll, k), {zero}, "[0,\xFF\r,]", "zrange k 0 -1 withscores"},
@@ -73,11 +71,8 @@ TEST_F(ServerCommandsTest, SendWhatIsStatedReadTheRepliesAndShowOneAlertForEachF
       {on(&S::setValue, k, v, -1), {":0\r\n", ok}, "true", std::string("persist k|set k \0\xFF", 18)},
       {on(&S::setValue, k, v, 0), {ok}, "true", std::string("set k \0\xFF EX 0", 13)},
       {on(&S::setValue, k, v, -1), {"-ERR first\r\n"}, "false", "persist k", {"ERR first"}},
-      {on(&S::addSetMembers, k, f, -1), {":1\r\n"}, "true", "sadd k f"},
-      {on(&S::addSetMembers, k, fg, 60), {":2\r\n", ":1\r\n"}, "true", "sadd k f g|expire k 60"},
       {on(&S::addSetMembers, k, f, 5), {":1\r\n", "-ERR second\r\n"}, "false", "sadd k f|expire k 5", {"ERR second"}},
       {on(&S::pushListItems, k, fg, 0), {":2\r\n", ":1\r\n"}, "true", "rpush k f g|expire k 0"},
-      {on(&S::setHashFields, k, fg, fg, -1), {ok}, "true", "hmset k f f g g"},
       // What has no partner isn't sent.
       {on(&S::setHashFields, k, fg, f, -1), {ok}, "true", "hmset k f f"},
       {on(&S::setHashFields, k, std::vector<Bytes>(), f, -1), {ok}, "true", "hmset k"},
@@ -106,6 +101,101 @@ TEST_F(ServerCommandsTest, SendWhatIsStatedReadTheRepliesAndShowOneAlertForEachF
     EXPECT_EQ(expected.call(*connectedItem(peer.port())), expected.result);
     EXPECT_EQ(alerts(), expected.alerts);
     EXPECT_EQ(peer.received().front(), requests(expected.sent));
+  }
+}
+
+TEST_F(Cluster, IsReadAndWrittenThroughOneOfItsNodes) {
+  RedisCluster cluster({"--requirepass", "pw", "--masterauth", "pw"});
+  const auto client = connectedItem(cluster.master(0).port(), "pw");
+  const std::size_t before = openDescriptors();
+  client->loadDatabases();
+  const auto shownCount = [&] {
+    refresh(*client);
+    return client->dbs()->front()->keysCount();
+  };
+  std::vector<Bytes> expected;
+  for (int i = 0; i < 60; ++i) {
+    expected.emplace_back("key" + std::to_string(i));
+    EXPECT_TRUE(client->setValue(expected.back(), expected.back(), -1));
+    EXPECT_EQ(client->getValue(expected.back()), std::pair(true, expected.back()));
+  }
+  auto keys = client->scanKeys("key*"_bytes, noLimit, false);
+  std::sort(keys.begin(), keys.end());
+  std::sort(expected.begin(), expected.end());
+  EXPECT_EQ(keys, expected);
+  EXPECT_EQ(client->scanKeys("*"_bytes, 41, false).size(), 41U);
+  EXPECT_LT(client->scanKeys("*"_bytes, noLimit, true).size(), 60U);
+  EXPECT_EQ(shownCount(), "(60)");
+
+  const int deadPort = cluster.master(1).port();
+  const std::size_t left = 60 - std::stoul(cluster.master(1).command({"DBSIZE"}).substr(1));
+  cluster.master(1).kill();
+  EXPECT_EQ(client->scanKeys("*"_bytes, noLimit, false).size(), left);
+  EXPECT_EQ(alerts(), Messages{"127.0.0.1:" + std::to_string(deadPort) + ", Connect Failure"});
+  EXPECT_EQ(shownCount(), "(" + std::to_string(left) + ")");
+  EXPECT_TRUE(client->isAlive());
+  EXPECT_EQ(openDescriptors(), before);
+  EXPECT_EQ(alerts(), Messages{});
+}
+
+TEST_F(Cluster, EndsRedirectsThatLeadNowhere) {
+  RedisServer dead;
+  dead.kill();
+  std::atomic<int> port = 0;
+  std::atomic<std::size_t> next = 0;
+  const std::string gone = "127.0.0.1:" + std::to_string(dead.port());
+  ScriptedServer peer(answeringAll([&](int) {
+    const Messages errors{"ASK 1 127.0.0.1:" + std::to_string(port), "MOVED 1 h:x", "MOVED 1 " + gone,
+                          "ERR MOVED 1 h:1"};
+    return "-" + errors[next] + "\r\n";
+  }));
+  port = peer.port();
+  const std::size_t before = openDescriptors();
+  const auto client = connectedItem(peer.port());
+  for (const std::string& message : {"The cluster redirects without end: ASK 1 127.0.0.1:" + std::to_string(port),
+                                     std::string("Can not read the redirect of the cluster: MOVED 1 h:x"),
+                                     "Can not connect to cluster node server(" + gone + ")"}) {
+    const auto result = client->execute(RedisCommand::get, {"k"});
+    EXPECT_FALSE(result.ok || result.type);
+    EXPECT_EQ(result.message, message);
+    EXPECT_EQ(client->connectionStatus(), ConnectionStatus::connected);
+    EXPECT_TRUE(client->isAlive());
+    ++next;
+  }
+  EXPECT_EQ(peer.connections(), 1 + 16);
+  EXPECT_EQ(client->execute(RedisCommand::get, {"k"}).type, ReplyType::REDIS_REPLY_ERROR);
+  client->closeConnection();
+  waitUntil([&] { return openDescriptors() == before; });
+}
+
+// The second master isn't asked where the connection is closed while the first is, and nothing is shown.
+TEST_F(Cluster, LeavesTheOtherMastersWhenTheConnectionIsClosed) {
+  for (const bool scans : {true, false}) {
+    SCOPED_TRACE(scans);
+    std::atomic<int> port = 0;
+    std::atomic<bool> asked = false, closed = false;
+    ScriptedServer peer([&](Peer& client, int connection) {
+      const std::string line = "n 127.0.0.1:" + std::to_string(port) + "@1 master\n";
+      if (connection == 0) return answering({"+OK\r\n", bulk(line + line)})(client, 0);
+      client.readRequest();
+      asked = true;
+      waitUntil([&] { return closed.load(); });
+    });
+    port = peer.port();
+    const auto client = connectedItem(peer.port(), "password");
+    client->operationQueue().addOperationWithBlock([&] {
+      const auto keys = scans ? client->scanKeys("*"_bytes, noLimit, false) : std::vector<Bytes>();
+      EXPECT_TRUE(keys.empty());
+    });
+    if (!scans) client->infoFromServerMain();
+    waitUntil([&] { return asked.load(); });
+    client->closeConnection();
+    closed = true;
+    waitUntilIdle(*client);
+    EXPECT_EQ(peer.connections(), 2);
+    EXPECT_EQ(client->connectionStatus(), ConnectionStatus::notConnected);
+    EXPECT_EQ(alerts(), Messages{});
+    EXPECT_EQ(host.calls, Messages{});
   }
 }
 

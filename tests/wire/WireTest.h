@@ -98,10 +98,15 @@ public:
     waitUntil([&] { return server.operationQueue().operationCount() == 0; });
   }
 
-  // What the timer does, to its end.
-  static void refresh(ServerItem& server) {
+  // What the timer does, to its end; what the host was told by then, with a blank behind each. It shows no alert.
+  std::string refresh(ServerItem& server) {
     server.infoFromServerMain();
     waitUntilIdle(server);
+    EXPECT_EQ(alerts(), Messages{});
+    std::string told;
+    for (const std::string& call : std::exchange(host.calls, {}))
+      told += call + " ";
+    return told;
   }
 
   RecordingHost host;

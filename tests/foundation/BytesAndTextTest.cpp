@@ -1,7 +1,7 @@
 #include "platform/foundation/Base64.h"
+#include "platform/foundation/Bytes.h"
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSLocalizedString.h"
-#include "platform/foundation/NSUUID.h"
 #include "platform/foundation/Utf8.h"
 
 #include <gtest/gtest.h>
@@ -10,9 +10,49 @@
 #include <array>
 #include <cstdlib>
 #include <string>
+#include <utility>
 
 namespace tarn {
 namespace {
+
+static_assert(sizeof(Bytes) == 24);
+static_assert(std::is_nothrow_move_constructible_v<Bytes>);
+
+TEST(Bytes, KeepWhatTheyHoldAcrossCopiesAndMoves) {
+  const std::string texts[] = {"", std::string("a\0b\xFF", 4), std::string(Bytes::inlineCapacity, 'i'),
+                               std::string(Bytes::inlineCapacity + 1, 'h'), std::string(1 << 20, 'x')};
+  for (const std::string& from : texts) {
+    for (const std::string& to : texts) {
+      Bytes source(from);
+      EXPECT_EQ(source.empty(), from.empty());
+      Bytes copy(to);
+      copy = source;
+      EXPECT_EQ(copy.view(), from);
+      Bytes moved(to);
+      moved = std::move(source);
+      Bytes& same = moved;
+      moved = same;
+      moved = std::move(same);
+      EXPECT_EQ(moved.view(), from);
+      source = Bytes(to);
+      EXPECT_EQ(source.view(), to);
+    }
+  }
+  EXPECT_EQ("a\0b"_bytes.size(), 3U);
+}
+
+TEST(Bytes, KeepTheirBeginningWhenResizedAndAppendAlsoAPartOfThemselves) {
+  Bytes bytes("beginning");
+  for (const std::size_t size : {24U, 1000U, 100000U, 30U, 23U, 9U}) {
+    bytes.resize(size);
+    EXPECT_EQ(bytes.size(), size);
+    EXPECT_EQ(bytes.view().substr(0, 9), "beginning");
+  }
+  bytes.append(bytes.view());
+  bytes.append(bytes.view());
+  bytes.append(bytes.view().substr(32));
+  EXPECT_EQ(bytes.view(), "beginningbeginningbeginningbeginningning");
+}
 
 TEST(Base64, EncodesAndDecodesAnyBytes) {
   std::string bytes;
@@ -28,16 +68,6 @@ TEST(Base64, RefusesWhatIsNotStrict) {
   for (const char* text : {"qw== ", "qw=", "qw", "q", "====", "=w==", "qw=a",
                            "q===", "qw==qw==", "q w=", "qw\n=", "qw-_", "YWJj\n", "\xC3\xA9\xC3\xA9"}) {
     EXPECT_EQ(base64Decode(text), std::nullopt) << text;
-  }
-}
-
-TEST(NSUUID, HasAnUpperCaseTextAndReadsEither) {
-  const auto uuid = NSUUID::fromString("0123abcd-EF01-2345-6789-abcdef012345");
-  ASSERT_TRUE(uuid);
-  EXPECT_EQ(uuid->uuidString(), "0123ABCD-EF01-2345-6789-ABCDEF012345");
-  for (const char* text : {"0123abcdEEF01-2345-6789-abcdef01234-5", "g123abcd-EF01-2345-6789-abcdef012345",
-                           "0123abcd-EF01-2345-6789-abcdef0123456"}) {
-    EXPECT_EQ(NSUUID::fromString(text), std::nullopt) << text;
   }
 }
 

@@ -1,4 +1,8 @@
-#include "tests/foundation/RunLoop.h"
+// The queues, and the timers of the main loop.
+
+#include "platform/foundation/NSOperationQueue.h"
+#include "platform/foundation/NSRunLoop.h"
+#include "platform/foundation/NSTimer.h"
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -6,13 +10,37 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <filesystem>
+#include <functional>
 #include <future>
+#include <memory>
+#include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace tarn::test {
 namespace {
+
+using namespace std::chrono_literals;
+using Clock = NSRunLoop::Clock;
+
+NSRunLoop& loop() {
+  return NSRunLoop::mainRunLoop();
+}
+
+// The main loop without a toolkit: drains the main queue and fires timers until `done`. False if that never comes.
+bool runUntil(const std::function<bool()>& done) {
+  const auto end = Clock::now() + 20s;
+  while (!done()) {
+    if (Clock::now() > end) return false;
+    NSOperationQueue::mainQueue().drain();
+    loop().fireTimers();
+    std::this_thread::yield();
+  }
+  return true;
+}
 
 bool becomesIdle(const NSOperationQueue& queue) {
   return runUntil([&] { return queue.operationCount() == 0; });
@@ -154,8 +182,10 @@ TEST(NSOperationQueueDeathTest, RunsABlockOnceTheSystemHasAThreadForIt) {
   EXPECT_EXIT(runLate(), testing::ExitedWithCode(0), "");
 }
 
-TEST(MainQueue, RunsBlocksInOrderAndNeverInPlace) {
+TEST(MainQueue, RunsBlocksInOrderNeverInPlaceAndWakesItsLoopAtEachPost) {
   MainQueue queue;
+  int wakes = 0;
+  queue.setWaker([&] { ++wakes; });
   std::string order;
   queue.addOperationWithBlock([&] {
     order += "a";
@@ -164,30 +194,78 @@ TEST(MainQueue, RunsBlocksInOrderAndNeverInPlace) {
     EXPECT_FALSE(queue.drain());
     order += "A";
   });
-  queue.addOperationWithBlock([&] { order += "b"; });
+  std::thread([&] { queue.addOperationWithBlock([&] { order += "b"; }); }).join();
   EXPECT_EQ(order, "");
   EXPECT_TRUE(queue.drain());
   EXPECT_EQ(order, "aAbc");
+  EXPECT_EQ(wakes, 3);
   EXPECT_FALSE(queue.drain());
 }
 
-TEST(MainQueue, WakesItsLoopAtEachPostFromAnyThread) {
-  MainQueue queue;
-  int wakes = 0;
-  int ran = 0;
-  queue.setWaker([&] { ++wakes; });
-  const auto post = [&] {
-    for (int i = 0; i < 250; ++i)
-      queue.addOperationWithBlock([&] { ++ran; });
-  };
-  std::thread other(post);
-  post();
-  other.join();
-  queue.setWaker(nullptr);
-  queue.addOperationWithBlock([] {});
-  queue.drain();
-  EXPECT_EQ(ran, 500);
-  EXPECT_EQ(wakes, 500);
+// Keeps all timers back until this moment, as a user does who answers an alert late.
+void holdBackUntil(Clock::time_point moment) {
+  const NSRunLoop::ModalSession outer;
+  { const NSRunLoop::ModalSession inner; }
+  EXPECT_TRUE(runUntil([&] { return Clock::now() >= moment; }));
+  EXPECT_FALSE(loop().nextFireDate());
+}
+
+TEST(NSTimer, FiresInTheOrderOfItsTimesAndHoldsTheOthersBackWhileItAsks) {
+  std::string order;
+  std::optional<NSRunLoop::ModalSession> alert;
+  NSTimer::scheduledTimerWithTimeInterval(0.002, false, [&] { order += "b"; });
+  const auto never = NSTimer::scheduledTimerWithTimeInterval(0.003, false, [&] { order += "x"; });
+  NSTimer::scheduledTimerWithTimeInterval(0.001, false, [&] {
+    order += "a";
+    never->invalidate();
+    alert.emplace();
+    loop().fireTimers();
+  });
+  NSTimer::scheduledTimerWithTimeInterval(0.004, false, [&] { order += "c"; });
+  holdBackUntil(Clock::now() + 4ms);
+  loop().fireTimers();
+  EXPECT_EQ(order, "a");
+  alert.reset();
+  loop().fireTimers();
+  EXPECT_EQ(order, "abc");
+  EXPECT_FALSE(loop().nextFireDate());
+}
+
+TEST(NSTimer, FiresOnceForAllTimesThatItMissedAndThenAtItsNext) {
+  int ticks = 0;
+  std::shared_ptr<NSTimer> timer;
+  timer = NSTimer::scheduledTimerWithTimeInterval(0.005, true, [&] {
+    if (++ticks == 2) timer->invalidate();
+  });
+  const auto due = loop().nextFireDate();
+  ASSERT_TRUE(due);
+  holdBackUntil(*due + 12ms);
+  EXPECT_EQ(ticks, 0);
+  EXPECT_EQ(loop().nextFireDate(), due);
+  loop().fireTimers();
+  EXPECT_EQ(ticks, 1);
+  const auto next = loop().nextFireDate();
+  ASSERT_TRUE(next);
+  EXPECT_GE(*next, *due + 15ms);
+  EXPECT_EQ((*next - *due) % 5ms, 0ms);
+  EXPECT_TRUE(runUntil([&] { return ticks == 2; }));
+  EXPECT_FALSE(loop().nextFireDate());
+}
+
+TEST(NSTimer, MayBeInvalidatedByAnyThreadAndLetsItsBlockGo) {
+  for (int round = 0; round < 50; ++round) {
+    std::atomic<int> ticks = 0;
+    auto held = std::make_shared<int>(0);
+    const auto timer = NSTimer::scheduledTimerWithTimeInterval(0.0005, true, [&ticks, held] { ++ticks; });
+    std::thread other([&] {
+      while (ticks < 2)
+        std::this_thread::yield();
+      timer->invalidate();
+    });
+    EXPECT_TRUE(runUntil([&] { return held.use_count() == 1; }));
+    other.join();
+    EXPECT_FALSE(loop().nextFireDate());
+  }
 }
 
 }  // namespace
