@@ -64,8 +64,6 @@ TEST(TextCodec, MapsAsciiToItselfInEverySetAlsoBesideOtherCharacters) {
       const auto bytes = textToBytes(text, charset);
       ASSERT_TRUE(bytes) << letter;
       EXPECT_EQ(bytesToText(bytes->view(), charset), text) << letter;
-      const bool holdsPlain = bytes->view().find(plain.substr(0, 8)) != std::string_view::npos;
-      EXPECT_TRUE(holdsPlain || isUnicodeByUnits(charset)) << letter;
     }
   }
 }

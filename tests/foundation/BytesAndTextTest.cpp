@@ -1,22 +1,15 @@
 #include "platform/foundation/Base64.h"
 #include "platform/foundation/Bytes.h"
-#include "platform/foundation/Log.h"
 #include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/Utf8.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <array>
-#include <cstdlib>
 #include <string>
 #include <utility>
 
 namespace tarn {
 namespace {
-
-static_assert(sizeof(Bytes) == 24);
-static_assert(std::is_nothrow_move_constructible_v<Bytes>);
 
 TEST(Bytes, KeepWhatTheyHoldAcrossCopiesAndMoves) {
   const std::string texts[] = {"", std::string("a\0b\xFF", 4), std::string(Bytes::inlineCapacity, 'i'),
@@ -73,19 +66,6 @@ TEST(Base64, RefusesWhatIsNotStrict) {
 
 TEST(NSLocalizedString, TakesValuesAsPlainText) {
   EXPECT_EQ(replacingPlaceholder("{0} and {0}, {1}", "{0}", "$1 {0} \\"), "$1 {0} \\ and $1 {0} \\, {1}");
-}
-
-TEST(LogDeathTest, GoesOnWhenItsReaderIsGone) {
-  testing::GTEST_FLAG(death_test_style) = "threadsafe";
-  const auto logIntoNothing = [] {
-    std::array<int, 2> ends{};
-    if (pipe(ends.data()) != 0 || dup2(ends[1], STDOUT_FILENO) < 0) std::exit(1);
-    close(ends[0]);
-    outliveLogReader();
-    logLine("unread");
-    std::exit(0);
-  };
-  EXPECT_EXIT(logIntoNothing(), testing::ExitedWithCode(0), "");
 }
 
 TEST(Utf8, IsValidInItsShortestFormsOnly) {

@@ -16,7 +16,7 @@ namespace tarn::test {
 // std::runtime_error if it never does. The server also ends with the thread that started it.
 class RedisServer final {
 public:
-  // `options` are those of its command line, such as {"--requirepass", "secret", "--databases", "4"}.
+  // `options` are those of its command line.
   explicit RedisServer(std::vector<std::string> options = {});
   ~RedisServer() { kill(); }
 

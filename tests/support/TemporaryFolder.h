@@ -35,6 +35,7 @@ class TemporaryDataHome final {
 public:
   TemporaryDataHome() { ::setenv("XDG_DATA_HOME", folder_.path().c_str(), 1); }
 
+  const std::filesystem::path& folder() const { return folder_.path(); }
   std::filesystem::path storeFile() const { return folder_.path() / "Tarn" / "ServerItemModel.sqlite"; }
 
 private:

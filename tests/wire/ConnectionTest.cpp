@@ -14,7 +14,6 @@ namespace tarn::test {
 namespace {
 
 using Status = ConnectionStatus;
-
 using ConnectionTest = WireTest;
 
 ServerAddress address(int port, std::string password = {}) {
@@ -200,8 +199,6 @@ TEST_F(ConnectionTest, ContinuesShortSendsAndTellsAFailedOne) {
   EXPECT_EQ(connection.execute(RedisCommand::get, {"key"}).message, "Can not connect to server");
   EXPECT_EQ(connection.status(), Status::connected);
   EXPECT_FALSE(connection.isAlive());
-  connection.execute(RedisCommand::get, {"key"});
-  EXPECT_EQ(connection.status(), Status::disConnected);
 }
 
 // Bytes that wait, and a look whether the peer is there, which leaves them; then a reply that the system gives up to

@@ -12,14 +12,8 @@ using Call = std::function<std::string(ServerItem&)>;
 std::string shown(bool done) {
   return done ? "true" : "false";
 }
-std::string shown(const std::pair<bool, std::string>& result) {
-  return shown(result.first) + " " + result.second;
-}
 std::string shown(const std::pair<bool, Bytes>& result) {
   return shown(result.first) + " " + std::string(result.second.view());
-}
-std::string shown(const std::pair<bool, std::optional<std::string>>& result) {
-  return shown(result.first) + " " + result.second.value_or("null");
 }
 std::string shown(const std::vector<Bytes>& list) {
   std::string text = "[";
@@ -59,9 +53,6 @@ TEST_F(ServerCommandsTest, SendWhatIsStatedReadTheRepliesAndShowOneAlertForEachF
   };
   // clang-format off
   const std::vector<Case> cases{
-      {on(&S::keyType, k), {"_\r\n"}, "false ", "type k", {"Server reply: Error"}},
-      {on(&S::keyType, k), {"*0\r\n"}, "false ", "type k", {"Server reply: Error"}},
-      {on(&S::keyTtl, k), {"+none\r\n"}, "true null", "ttl k"},
       {on(&S::getValue, k), {"$2\r\n\xFF\r\r\n"}, "true \xFF\r", "get k"},
       {on(&S::getValue, k), {"_\r\n"}, "true ", "get k"},
       {on(&S::lrangeAll, k), {zero}, "[0,\xFF\r,]", "lrange k 0 -1"},
@@ -91,7 +82,6 @@ TEST_F(ServerCommandsTest, SendWhatIsStatedReadTheRepliesAndShowOneAlertForEachF
       {on(&S::sscanAll, k), {scanReply("1", {"a"}), "-ERR over\r\n"}, "[]", "sscan k 0 COUNT 1000|sscan k 1 COUNT 1000", {"ERR over"}},
       {on(&S::sscanAll, k), {scanReply("1", {"a"}), "*0\r\n"}, "[]", "sscan k 0 COUNT 1000|sscan k 1 COUNT 1000", {noCursor}},
       {on(&S::sscanAll, k), {scanReply("1", {"a"}), "+0\r\n"}, "[]", "sscan k 0 COUNT 1000|sscan k 1 COUNT 1000", {noCursor}},
-      {on(&S::sscanAll, k), {"%0\r\n"}, "[]", "sscan k 0 COUNT 1000", {noCursor}},
       {on(&S::scanKeys, k, 9, false), {noCluster, scanReply("\xFF", {"b"})}, "[]", "cluster nodes|scan 0 MATCH k COUNT 1000", {noCursor}},
   };
   // clang-format on
