@@ -28,8 +28,8 @@ public:
 
   std::set<std::string> requested;
   std::function<void(Answer)> answer;
-  Texts payments;
-  Texts finished;
+  std::vector<std::string> payments;
+  std::vector<std::string> finished;
 };
 
 TEST_F(MainWindowDeathTest, ClosingItEndsTheProcessAlsoWithAnOpenConnection) {
