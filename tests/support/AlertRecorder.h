@@ -31,7 +31,6 @@ public:
   AlertRecorder& operator=(const AlertRecorder&) = delete;
   ~AlertRecorder() { NSAlert::setPresenter(std::move(before_)); }
 
-  // 1000 is the first button, 1001 the second.
   void answerNext(int result) { answers_.push_back(result); }
   // Runs while the next alert is up, before it is answered.
   void whileNextIsUp(std::function<void()> action) { actions_.push_back(std::move(action)); }

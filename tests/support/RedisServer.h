@@ -16,7 +16,6 @@ namespace tarn::test {
 // std::runtime_error if it never does. The server also ends with the thread that started it.
 class RedisServer final {
 public:
-  // `options` are those of its command line.
   explicit RedisServer(std::vector<std::string> options = {});
   ~RedisServer() { kill(); }
 
@@ -30,7 +29,6 @@ public:
   void start();
   // Stops the process: its sockets stay open and nothing answers.
   void freeze() { ::kill(pid_, SIGSTOP); }
-  // The one of the options, or nothing.
   std::string password() const;
 
 private:
