@@ -28,12 +28,17 @@ bool TabQueue::performInDatabase(int database, const std::function<void(ServerIt
   const WaitCursor cursor;
   bool isDone = false;
   const auto isThere = [&] { return server->currentDbIdx() == database || (traits.connects && !server->isAlive()); };
-  const auto workIf = [&](bool isInDatabase) {
-    if (isInDatabase) work(*server);
-    isDone = isInDatabase;
-  };
-  if (!traits.runsAlone) server->operationQueue().performBesideOperations([&] { workIf(isThere()); });
-  if (!isDone) server->operationQueue().performAsBarrier([&] { workIf(isThere() || server->selectDb(database)); });
+  if (!traits.runsAlone) {
+    server->operationQueue().performBesideOperations([&] {
+      isDone = isThere();
+      if (isDone) work(*server);
+    });
+  }
+  if (isDone) return true;
+  server->operationQueue().performAsBarrier([&] {
+    isDone = isThere() || server->selectDb(database);
+    if (isDone) work(*server);
+  });
   return isDone;
 }
 
