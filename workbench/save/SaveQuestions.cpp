@@ -27,7 +27,7 @@ std::size_t rowCount(const std::vector<ConvertedRow>& changes, std::optional<Con
     if (!reason || change.reason == *reason) rows.push_back(change.row);
   }
   std::ranges::sort(rows);
-  return static_cast<std::size_t>(std::ranges::unique(rows).begin() - rows.begin());
+  return static_cast<std::size_t>(std::unique(rows.begin(), rows.end()) - rows.begin());
 }
 
 // One line, where there is such a row.
