@@ -3,6 +3,7 @@
 #include "platform/appkit/ApplicationHost.h"
 #include "platform/appkit/ImageIcon.h"
 #include "platform/appkit/Utf8.h"
+#include "platform/appkit/text/DisplayText.h"
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/NSRunLoop.h"
@@ -46,8 +47,8 @@ NSImage iconOf(NSAlert::Style style) {
 // is markup, and a word without end breaks anywhere.
 class AlertText final : public QPlainTextEdit {
 public:
-  AlertText(QString text, bool emphasized, QWidget* parent) : QPlainTextEdit(parent) {
-    if (text.size() > longestText) text = text.left(longestText) + QChar(0x2026);
+  AlertText(std::string_view message, bool emphasized, QWidget* parent) : QPlainTextEdit(parent) {
+    const QString text = shortened(toQString(message), longestText);
     setReadOnly(true);
     setFocusPolicy(Qt::NoFocus);
     setFrameShape(QFrame::NoFrame);
@@ -100,9 +101,9 @@ public:
 
     auto* texts = new QVBoxLayout;
     texts->setSpacing(8);
-    texts->addWidget(new AlertText(toQString(alert.messageText()), !alert.informativeText().empty(), this));
+    texts->addWidget(new AlertText(alert.messageText(), !alert.informativeText().empty(), this));
     if (!alert.informativeText().empty()) {
-      texts->addWidget(new AlertText(toQString(alert.informativeText()), false, this));
+      texts->addWidget(new AlertText(alert.informativeText(), false, this));
     }
     texts->addStretch();
 

@@ -36,7 +36,8 @@ struct NSTabView::Private {
 
 NSTabView::NSTabView(QWidget* widget) : NSView(widget), d_(std::make_unique<Private>()) {
   d_->widget = static_cast<TabViewWidget*>(widget);
-  d_->bar().setItems([this](int index) -> const NSTabViewItem& { return *d_->items[static_cast<std::size_t>(index)]; });
+  d_->bar().setItemProvider(
+      [this](int index) -> const NSTabViewItem& { return *d_->items[static_cast<std::size_t>(index)]; });
   QObject::connect(&d_->bar(), &QTabBar::currentChanged, &d_->connection, [this](int index) {
     if (!d_->changing) d_->widget->showPage(d_->page(index));
   });

@@ -51,7 +51,6 @@ struct NSTableView::Private final : TableViewClient {
 
   NSTableView& table;
   QPointer<TableViewWidget> widget;
-  int tag = 0;
   NSTableViewDataSource* source = nullptr;
   NSTableViewDelegate* delegate = nullptr;
   NSTableViewResponder* responder = nullptr;
@@ -61,14 +60,6 @@ struct NSTableView::Private final : TableViewClient {
 NSTableView::NSTableView(QWidget* widget) : NSView(widget), d_(std::make_unique<Private>(*this, widget)) {}
 
 NSTableView::~NSTableView() = default;
-
-int NSTableView::tag() const {
-  return d_->tag;
-}
-
-void NSTableView::setTag(int tag) {
-  d_->tag = tag;
-}
 
 void NSTableView::setDataSource(NSTableViewDataSource* source) {
   d_->source = source;

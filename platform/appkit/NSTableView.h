@@ -35,7 +35,7 @@ public:
   virtual void tableViewSelectionDidChange(NSTableView& table) = 0;
 };
 
-// Hears what a table does as a responder, the way a subclass overrides it.
+// Notified of what a table does as a responder, the way a subclass overrides it.
 class NSTableViewResponder {
 public:
   virtual ~NSTableViewResponder() = default;
@@ -96,8 +96,6 @@ public:
   explicit NSTableView(QWidget* widget);
   ~NSTableView() override;
 
-  int tag() const;
-  void setTag(int tag);
   void setDataSource(NSTableViewDataSource* source);
   void setDelegate(NSTableViewDelegate* delegate);
   void setResponder(NSTableViewResponder* responder);

@@ -31,10 +31,6 @@ NSWindow::NSWindow(QWidget* widget) : NSView(widget), d_(std::make_unique<Privat
 
 NSWindow::~NSWindow() = default;
 
-std::string NSWindow::title() const {
-  return toUtf8(widget()->windowTitle());
-}
-
 void NSWindow::setTitle(std::string_view title) {
   widget()->setWindowTitle(toQString(title));
 }
@@ -64,10 +60,6 @@ void NSWindow::close() {
   d_->closingByCode = true;
   widget()->close();
   d_->closingByCode = false;
-}
-
-bool NSWindow::isVisible() const {
-  return widget()->isVisible();
 }
 
 }  // namespace tarn

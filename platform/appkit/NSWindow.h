@@ -25,7 +25,6 @@ public:
   explicit NSWindow(QWidget* widget);
   ~NSWindow() override;
 
-  std::string title() const;
   void setTitle(std::string_view title);
   void setDelegate(NSWindowDelegate* delegate);
   void setMainMenu(std::shared_ptr<NSMenu> menu);
@@ -33,7 +32,6 @@ public:
   // Shows the window, in front and with the keyboard, also where another program is in front.
   void makeKeyAndOrderFront();
   void close();
-  bool isVisible() const;
 
 private:
   struct Private;

@@ -1,5 +1,7 @@
 #include "platform/appkit/ToolTips.h"
 
+#include "platform/appkit/text/DisplayText.h"
+
 #include <QCoreApplication>
 #include <QHelpEvent>
 #include <QToolTip>
@@ -9,7 +11,7 @@ namespace tarn {
 
 namespace {
 
-constexpr qsizetype longestToolTip = 2000;
+constexpr qsizetype longestPlainText = 2000;
 
 class PlainToolTips final : public QObject {
 public:
@@ -28,8 +30,7 @@ protected:
 }  // namespace
 
 void showPlainToolTip(const QPoint& globalPosition, const QString& text, QWidget* owner) {
-  QString shown = text.left(longestToolTip);
-  if (text.size() > longestToolTip) shown += QChar(u'…');
+  QString shown = shortened(text, longestPlainText);
   shown.replace(QChar::Null, QChar(0x2400));
   QToolTip::showText(
       globalPosition,

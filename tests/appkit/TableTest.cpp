@@ -1,4 +1,4 @@
-#include "platform/appkit/table/CellText.h"
+#include "platform/appkit/text/ElidedLine.h"
 #include "tests/appkit/TableFixture.h"
 
 #include <QAccessible>
@@ -174,7 +174,7 @@ TEST_F(Table, SaysCutTextsInToolTipsAndAllToScreenReaders) {
   EXPECT_EQ(log.take(), "changing, changed 4");
 }
 
-TEST(CellText, PaintsNoMoreThanFits) {
+TEST(ElidedLine, PaintsNoMoreThanFits) {
   const QFontMetrics metrics{QFont()};
   std::string marks = "a";  // without a width
   for (int count = 0; count < 100'000; ++count)

@@ -12,8 +12,8 @@ protected:
   // The form's fields, of the two passwords the one in sight behind "+", then the messages since the last call.
   std::string shown() {
     std::string all;
-    if (content().newConnectionWindowController() && form().window.isVisible()) {
-      all = form().window.title().substr(7) + ": ";
+    if (content().newConnectionWindowController() && form().window.widget()->isVisible()) {
+      all = form().window.widget()->windowTitle().mid(7).toStdString() + ": ";
       const NSTextField* const fields[] = {&form().txtCnnName, &form().txtIp, &form().txtPort, &form().txtAuth,
                                            &form().txtAuthToShow};
       for (const NSTextField* field : fields)
@@ -164,7 +164,7 @@ TEST_F(TypeDialogTest, IsOneDialogThatStartsAnewEachTimeAndEndsInEveryWay) {
   content().closeSelectedTab();
   content().closeSelectedTab();
   keys("Down Return");
-  EXPECT_FALSE(typeDialog().window.isVisible());
+  EXPECT_FALSE(typeDialog().window.widget()->isVisible());
   EXPECT_EQ(content().newKeyValueTypeSelectWindowController(), first);
 }
 

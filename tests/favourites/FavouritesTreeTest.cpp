@@ -59,7 +59,7 @@ TEST_F(FavouritesTreeTest, ACommandWithoutTheServersThatItNeedsSaysSo) {
     for (const auto& alert : alerts.shown())
       EXPECT_EQ(alert.style, static_cast<int>(NSAlert::Style::informational));
   }
-  EXPECT_TRUE(form().window.isVisible());
+  EXPECT_TRUE(form().window.widget()->isVisible());
 }
 
 }  // namespace tarn::test

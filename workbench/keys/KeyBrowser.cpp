@@ -13,8 +13,6 @@ namespace tarn {
 
 namespace {
 
-constexpr int keysTableTag = 1;
-
 std::int64_t limitFromTitle(const std::string& title) {
   std::int64_t limit = 0;
   std::from_chars(title.data(), title.data() + title.size(), limit);
@@ -25,7 +23,6 @@ std::int64_t limitFromTitle(const std::string& title) {
 
 KeyBrowser::KeyBrowser(WorkbenchTab& tab) : tab_(tab) {
   OperationTabLayout& outlets = tab_.outlets;
-  outlets.tableKeys.setTag(keysTableTag);
   outlets.tableKeys.setDataSource(this);
   outlets.tableKeys.setDelegate(this);
   outlets.chkExactly.setState(false);

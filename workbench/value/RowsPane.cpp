@@ -16,7 +16,6 @@ namespace tarn {
 
 namespace {
 
-constexpr int scoreEditorTag = 100001;
 constexpr double openAgainDelay = 0.1;
 
 double secondsSince1970() {
@@ -32,7 +31,6 @@ std::size_t textColumns(const RowsPane::Controls& controls) {
 RowsPane::RowsPane(WorkbenchTab& tab, Controls controls)
     : tab_(tab), controls_(std::move(controls)), rows_(textColumns(controls_), controls_.scoreEditor != nullptr) {
   NSTableView& table = controls_.table;
-  table.setTag(controls_.columns.front().cellTag);
   table.setDataSource(this);
   table.setDelegate(this);
   table.setResponder(this);
@@ -43,7 +41,6 @@ RowsPane::RowsPane(WorkbenchTab& tab, Controls controls)
   }
   if (!controls_.scoreEditor) return;
   controls_.scoreEditor->setFormatter(std::make_unique<RequiredCouldNegativeDoubleFormatter>());
-  controls_.scoreEditor->setTag(scoreEditorTag);
   controls_.scoreEditor->setDelegate(this);
 }
 

@@ -2,7 +2,7 @@
 
 #include "platform/appkit/ImageIcon.h"
 #include "platform/appkit/Utf8.h"
-#include "platform/appkit/table/CellText.h"
+#include "platform/appkit/text/ElidedLine.h"
 
 #include <QHeaderView>
 #include <QKeyEvent>

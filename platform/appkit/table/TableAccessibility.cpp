@@ -1,9 +1,9 @@
 #include "platform/appkit/table/TableAccessibility.h"
 
 #include "platform/appkit/Utf8.h"
-#include "platform/appkit/table/CellText.h"
 #include "platform/appkit/table/TableHeader.h"
 #include "platform/appkit/table/TableViewWidget.h"
+#include "platform/appkit/text/ElidedLine.h"
 #include "platform/foundation/Utf8.h"
 
 #include <QAccessible>

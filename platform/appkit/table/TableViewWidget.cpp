@@ -3,9 +3,9 @@
 #include "platform/appkit/FocusChange.h"
 #include "platform/appkit/Fonts.h"
 #include "platform/appkit/Utf8.h"
-#include "platform/appkit/table/CellText.h"
 #include "platform/appkit/table/TableAccessibility.h"
 #include "platform/appkit/table/TableHeader.h"
+#include "platform/appkit/text/ElidedLine.h"
 #include "platform/foundation/Utf8.h"
 
 #include <QFocusEvent>

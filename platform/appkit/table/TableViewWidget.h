@@ -13,7 +13,7 @@ namespace tarn {
 
 class TableHeader;
 
-// Who stands behind a table's widget: fills its cells and hears what the user does.
+// Who stands behind a table's widget: fills its cells and is notified of what the user does.
 class TableViewClient {
 public:
   virtual ~TableViewClient() = default;

@@ -15,7 +15,7 @@ public:
   explicit TabBarWidget(QWidget* parent);
 
   // Who knows the item of a tab; asked for its label's size.
-  void setItems(std::function<const NSTabViewItem&(int index)> itemAt) { itemAt_ = std::move(itemAt); }
+  void setItemProvider(std::function<const NSTabViewItem&(int index)> itemAt) { itemAt_ = std::move(itemAt); }
 
   static QFont labelFont();
   // The fill behind a label.

@@ -34,4 +34,10 @@ QString displayText(QStringView text, TabsShow tabs) {
   return shown;
 }
 
+QString shortened(const QString& text, qsizetype longest) {
+  if (text.size() <= longest) return text;
+  if (text[longest - 1].isHighSurrogate()) --longest;
+  return text.left(longest) + QChar(u'…');
+}
+
 }  // namespace tarn

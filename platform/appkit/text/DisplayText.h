@@ -12,4 +12,7 @@ QString displayText(QStringView text, TabsShow tabs);
 // The mark that stands for `unit`, or `unit` itself.
 char16_t displayUnit(char16_t unit, TabsShow tabs);
 
+// The text, or its beginning and an ellipsis where it has more than `longest` code units. No surrogate pair is split.
+QString shortened(const QString& text, qsizetype longest);
+
 }  // namespace tarn

@@ -33,7 +33,7 @@ LabelWidget::LabelWidget(QWidget* parent) : QLabel(parent) {
 }
 
 QString LabelWidget::shownText() const {
-  return displayText(QStringView(text()).left(longestShown), TabsShow::asMark);
+  return displayText(shortened(text(), longestShown), TabsShow::asMark);
 }
 
 QSize LabelWidget::sizeHint() const {

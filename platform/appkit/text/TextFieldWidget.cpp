@@ -24,10 +24,6 @@ TextFieldWidget::TextFieldWidget(QWidget* parent) : TextInputWidget(TextStore::L
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
-SecureTextFieldWidget::SecureTextFieldWidget(QWidget* parent) : TextFieldWidget(parent) {
-  setSecure(true);
-}
-
 void TextFieldWidget::setCellEditor(bool isCellEditor) {
   cellEditor_ = isCellEditor;
   showCaret();
@@ -42,10 +38,15 @@ void TextFieldWidget::setSecure(bool secure) {
   update();
 }
 
-QSize TextFieldWidget::sizeHint() const {
+QStyleOptionFrame TextFieldWidget::frameOption() const {
   QStyleOptionFrame option;
   option.initFrom(this);
   option.lineWidth = style()->pixelMetric(QStyle::PM_DefaultFrameWidth, &option, this);
+  return option;
+}
+
+QSize TextFieldWidget::sizeHint() const {
+  const QStyleOptionFrame option = frameOption();
   const QSize text(fontMetrics().horizontalAdvance(u'x') * usualColumns, BlockLayout::rowHeight(font()));
   return style()->sizeFromContents(QStyle::CT_LineEdit, &option, text + QSize(2 * fieldMargin, fieldMargin), this);
 }
@@ -57,9 +58,7 @@ QSize TextFieldWidget::minimumSizeHint() const {
 QRect TextFieldWidget::contents() const {
   QRect rect = this->rect();
   if (!cellEditor_) {
-    QStyleOptionFrame option;
-    option.initFrom(this);
-    option.lineWidth = style()->pixelMetric(QStyle::PM_DefaultFrameWidth, &option, this);
+    const QStyleOptionFrame option = frameOption();
     rect = style()->subElementRect(QStyle::SE_LineEditContents, &option, this);
   }
   const int height = BlockLayout::rowHeight(font());
@@ -233,9 +232,7 @@ void TextFieldWidget::paintEvent(QPaintEvent*) {
   if (cellEditor_) {
     painter.fillRect(rect(), palette().base());
   } else {
-    QStyleOptionFrame option;
-    option.initFrom(this);
-    option.lineWidth = style()->pixelMetric(QStyle::PM_DefaultFrameWidth, &option, this);
+    QStyleOptionFrame option = frameOption();
     option.state |= QStyle::State_Sunken;
     style()->drawPrimitive(QStyle::PE_PanelLineEdit, &option, &painter, this);
   }

@@ -6,6 +6,8 @@
 #include <functional>
 #include <utility>
 
+class QStyleOptionFrame;
+
 namespace tarn {
 
 // One line of exact text to edit, of any length: only what fits is laid out. Line ends and control characters show as
@@ -60,6 +62,7 @@ protected:
   std::size_t rowEdge(bool atEnd) const override;
 
 private:
+  QStyleOptionFrame frameOption() const;
   QRect contents() const;
   // The block at the left edge.
   TextStore::Block leftBlock() const;
@@ -74,14 +77,6 @@ private:
   // The part in sight begins `offset_` pixels right of the beginning of the block at `leftBlock_`.
   std::size_t leftBlock_ = 0;
   double offset_ = 0;
-};
-
-// A field of dots, under a name that layouts can promote to.
-class SecureTextFieldWidget final : public TextFieldWidget {
-  Q_OBJECT
-
-public:
-  explicit SecureTextFieldWidget(QWidget* parent = nullptr);
 };
 
 }  // namespace tarn

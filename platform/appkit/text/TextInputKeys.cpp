@@ -1,6 +1,6 @@
-#include "platform/appkit/KeyEquivalents.h"
 #include "platform/appkit/text/TextInputWidget.h"
 #include "platform/appkit/text/TextMovement.h"
+#include "platform/foundation/Log.h"
 
 #include <QKeyEvent>
 
@@ -99,17 +99,36 @@ bool TextInputWidget::isEditKey(QKeyEvent* event) const {
 
 void TextInputWidget::keyPressEvent(QKeyEvent* event) {
   event->accept();
-  if (event->modifiers() & Qt::ControlModifier) {
-    if (const char character = charactersIgnoringModifiers(*event)) {
-      if (performTextKeyEquivalent(*this, character)) return;
-    }
-  }
-  if (handleMoveKey(event) || handleEditKey(event)) return;
+  if (performKeyEquivalent(event) || handleMoveKey(event) || handleEditKey(event)) return;
   if (const QString text = typedText(event); !text.isEmpty()) {
     replaceByUser(selectionStart(), selectionEnd() - selectionStart(), text);
     return;
   }
   event->ignore();
+}
+
+// Select all, copy, paste and cut, by Ctrl and the letter A, C, V or X.
+bool TextInputWidget::performKeyEquivalent(const QKeyEvent* event) {
+  const bool isLetter = event->key() >= Qt::Key_A && event->key() <= Qt::Key_Z;
+  if (!isLetter || !(event->modifiers() & Qt::ControlModifier)) return false;
+  logLine("NSTextField performKeyEquivalent");
+  if (event->modifiers() & Qt::ShiftModifier) return false;
+  switch (event->key()) {
+    case Qt::Key_A:
+      selectAll();
+      return true;
+    case Qt::Key_C:
+      copy();
+      return true;
+    case Qt::Key_V:
+      paste();
+      return true;
+    case Qt::Key_X:
+      cut();
+      return true;
+    default:
+      return false;
+  }
 }
 
 bool TextInputWidget::readsRightToLeft() const {
@@ -148,6 +167,7 @@ bool TextInputWidget::handleMoveKey(QKeyEvent* event) {
 }
 
 bool TextInputWidget::handleEditKey(QKeyEvent* event) {
+  // Copy, cut and paste have other keys than those with a letter.
   if (event->matches(QKeySequence::Undo)) {
     undo();
   } else if (event->matches(QKeySequence::Redo)) {
@@ -158,8 +178,6 @@ bool TextInputWidget::handleEditKey(QKeyEvent* event) {
     cut();
   } else if (event->matches(QKeySequence::Paste)) {
     paste();
-  } else if (event->matches(QKeySequence::SelectAll)) {
-    selectAll();
   } else if (event->matches(QKeySequence::Delete)) {
     deleteTo(nextCharacter(store_, caret_));
   } else if (event->key() == Qt::Key_Backspace && !(event->modifiers() & ~Qt::ShiftModifier)) {

@@ -146,6 +146,7 @@ private:
   void applyChange(const TextChange& change);
   // Code has changed the text behind the first `kept` code units.
   void setByCode(std::size_t kept);
+  bool performKeyEquivalent(const QKeyEvent* event);
   bool handleMoveKey(QKeyEvent* event);
   bool handleEditKey(QKeyEvent* event);
   bool isEditKey(QKeyEvent* event) const;

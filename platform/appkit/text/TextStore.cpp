@@ -101,59 +101,68 @@ void TextStore::replace(std::size_t position, std::size_t length, QStringView re
   length = std::min(length, length_ - position);
   if (length == 0 && replacement.isEmpty()) return;
 
-  // What goes before may be one line with the new text, or its CR one line end with a new LF.
-  Block first = blockAt(position);
-  if (position == first.start && hasPrevious(first)) {
-    const Block before = previous(first);
-    if (isContinued(before) || at(before.end() - 1) == u'\r') first = before;
-  }
+  const Block first = firstChanged(position);
   Block last = blockAt(position + length);
   QString joined = text(first.start, position - first.start);
   joined += replacement;
   joined += text(position + length, last.end() - position - length);
-  // A line that goes on takes a short rest in, so that many small changes leave no crumbs.
-  if (isContinued(last) && hasNext(last)) {
-    const Block behind = next(last);
-    if (std::size_t(joined.size()) % longestBlock + behind.length <= longestBlock) {
-      joined += text(behind.start, behind.length);
-      last = behind;
-    }
-  }
+  takeShortRest(joined, last);
 
-  std::vector<Page> changed;
-  Page& head = changed.emplace_back();
-  Page& firstPage = pages_[first.page];
-  std::size_t headLength = 0;
-  for (std::size_t i = 0; i < first.index; ++i) {
-    head.pieces.push_back(firstPage.pieces[i]);
-    head.rows += firstPage.pieces[i].rows;
-    headLength += firstPage.pieces[i].length;
-  }
-  head.text = firstPage.text.left(qsizetype(headLength));
-
-  const bool isEndOfText = !hasNext(last);
-  addBlocks(changed, joined, isEndOfText);
-
-  const Page& lastPage = pages_[last.page];
-  std::size_t at = 0;
-  for (std::size_t i = 0; i < lastPage.pieces.size(); ++i) {
-    const Piece& piece = lastPage.pieces[i];
-    if (i > last.index) {
-      addBlock(changed, QStringView(lastPage.text).mid(qsizetype(at), piece.length), piece.ending);
-      Page& page = changed.back();
-      page.rows += piece.rows;
-      page.rows -= page.pieces.back().rows;
-      page.pieces.back().rows = piece.rows;
-    }
-    at += piece.length;
-  }
-
+  std::vector<Page> changed{pageBefore(first)};
+  addBlocks(changed, joined, !hasNext(last));
+  addBlocksBehind(changed, last);
   std::erase_if(changed, [](const Page& page) { return page.pieces.empty(); });
   const auto begin = pages_.begin() + std::ptrdiff_t(first.page);
   const auto end = pages_.begin() + std::ptrdiff_t(last.page) + 1;
   const auto after = pages_.erase(begin, end);
   pages_.insert(after, std::make_move_iterator(changed.begin()), std::make_move_iterator(changed.end()));
   length_ = length_ - length + std::size_t(replacement.size());
+}
+
+// What goes before may be one line with the new text, or its CR one line end with a new LF.
+TextStore::Block TextStore::firstChanged(std::size_t position) const {
+  const Block at = blockAt(position);
+  if (position != at.start || !hasPrevious(at)) return at;
+  const Block before = previous(at);
+  return isContinued(before) || this->at(before.end() - 1) == u'\r' ? before : at;
+}
+
+// So that many small changes leave no crumbs.
+void TextStore::takeShortRest(QString& joined, Block& last) const {
+  if (!isContinued(last) || !hasNext(last)) return;
+  const Block behind = next(last);
+  if (std::size_t(joined.size()) % longestBlock + behind.length > longestBlock) return;
+  joined += text(behind.start, behind.length);
+  last = behind;
+}
+
+TextStore::Page TextStore::pageBefore(const Block& block) const {
+  const Page& page = pages_[block.page];
+  Page before;
+  std::size_t length = 0;
+  for (std::size_t i = 0; i < block.index; ++i) {
+    before.pieces.push_back(page.pieces[i]);
+    before.rows += page.pieces[i].rows;
+    length += page.pieces[i].length;
+  }
+  before.text = page.text.left(qsizetype(length));
+  return before;
+}
+
+void TextStore::addBlocksBehind(std::vector<Page>& pages, const Block& block) const {
+  const Page& from = pages_[block.page];
+  std::size_t at = 0;
+  for (std::size_t i = 0; i < from.pieces.size(); ++i) {
+    const Piece& piece = from.pieces[i];
+    if (i > block.index) {
+      addBlock(pages, QStringView(from.text).mid(qsizetype(at), piece.length), piece.ending);
+      Page& page = pages.back();
+      page.rows += piece.rows;
+      page.rows -= page.pieces.back().rows;
+      page.pieces.back().rows = piece.rows;
+    }
+    at += piece.length;
+  }
 }
 
 bool TextStore::set(std::string_view utf8) {

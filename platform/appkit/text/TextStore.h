@@ -89,6 +89,14 @@ private:
   bool isContinued(const Block& block) const { return block.ending == 0; }
   std::uint32_t estimatedRows(std::size_t length) const;
   std::size_t endingAt(QStringView text, std::size_t position) const;
+  // The first block that a change at `position` makes anew.
+  Block firstChanged(std::size_t position) const;
+  // A line that goes on behind `last` takes a short rest into `joined`; `last` is then that rest.
+  void takeShortRest(QString& joined, Block& last) const;
+  // What the page of `block` holds before it.
+  Page pageBefore(const Block& block) const;
+  // Adds what the page of `block` holds behind it, with the rows that it has.
+  void addBlocksBehind(std::vector<Page>& pages, const Block& block) const;
   // Cuts `text` into blocks and adds them to `pages`.
   void addBlocks(std::vector<Page>& pages, QStringView text, bool isEndOfText) const;
   void addBlock(std::vector<Page>& pages, QStringView block, std::size_t ending) const;
