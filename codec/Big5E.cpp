@@ -1,6 +1,7 @@
 #include "codec/Big5E.h"
 
 #include "codec/Big5ETable.h"
+#include "codec/Utf8Characters.h"
 #include "platform/foundation/Immortal.h"
 
 #include <array>
@@ -9,17 +10,6 @@
 
 namespace tarn {
 namespace {
-
-// All characters of the table lie between U+00A7 and U+FFE5, and so take two or three bytes of UTF-8.
-void appendUtf8(std::string& text, char16_t character) {
-  if (character < 0x800) {
-    text += static_cast<char>(0xC0 | character >> 6);
-  } else {
-    text += static_cast<char>(0xE0 | character >> 12);
-    text += static_cast<char>(0x80 | (character >> 6 & 0x3F));
-  }
-  text += static_cast<char>(0x80 | (character & 0x3F));
-}
 
 // The pair of each character, lead byte first; 0 where there is none.
 struct PairsByCharacter {
@@ -54,7 +44,7 @@ std::optional<std::string> big5EToText(std::string_view bytes) {
     const auto column = static_cast<std::size_t>(trail - big5EFirstTrail);
     const char16_t character = big5ETable[row * big5EColumns + column];
     if (character == 0) return std::nullopt;
-    appendUtf8(text, character);
+    appendCharacter(text, character);
   }
   return text;
 }
@@ -63,22 +53,16 @@ std::optional<std::string> textToBig5E(std::string_view text) {
   const auto& pairs = immortal<PairsByCharacter>().pairs;
   std::string bytes;
   bytes.reserve(text.size());
-  for (std::size_t i = 0; i < text.size();) {
-    const auto byteAt = [&](std::size_t offset) { return static_cast<unsigned>(text[i + offset]) & 0xFFU; };
-    const unsigned lead = byteAt(0);
-    if (lead < 0x80) {
-      bytes += text[i++];
+  for (std::size_t at = 0; at < text.size();) {
+    const char16_t character = takeCharacter(text, at);
+    if (character < 0x80) {
+      bytes += static_cast<char>(character);
       continue;
     }
-    if (lead >= 0xF0) return std::nullopt;
-    const bool isShort = lead < 0xE0;
-    const unsigned character = isShort ? (lead & 0x1F) << 6 | (byteAt(1) & 0x3F)
-                                       : (lead & 0x0F) << 12 | (byteAt(1) & 0x3F) << 6 | (byteAt(2) & 0x3F);
     const std::uint16_t pair = pairs[character];
     if (pair == 0) return std::nullopt;
     bytes += static_cast<char>(pair >> 8);
     bytes += static_cast<char>(pair & 0xFF);
-    i += isShort ? 2 : 3;
   }
   return bytes;
 }

@@ -1,27 +1,29 @@
 #pragma once
 
 #include "codec/CharsetEnum.h"
-#include "platform/foundation/CharsetConverter.h"
 
 #include <array>
 #include <cstddef>
+#include <string_view>
 
 namespace tarn {
 
 // A character set of iconv, and where iconv departs from what the set means.
 struct Conversion {
-  SystemCharset system;
+  // Its name there; none where the set isn't iconv's matter.
+  const char* system = nullptr;
   // ASCII that switches between the parts of the set, and so stands for no character.
   std::string_view shiftCodes;
   // Characters that iconv writes although they read back as others.
   std::array<std::string_view, 2> misread;
   // Text in ASCII, the shift codes aside, is the same bytes.
   bool extendsAscii = true;
+  // iconv writes some characters as a letter and its mark, which may read back as another one.
+  bool composes = false;
 };
 
 struct CharsetRow {
   std::string_view name;
-  // Those without a name there are not iconv's matter.
   Conversion conversion;
 };
 
@@ -30,11 +32,20 @@ inline constexpr std::string_view overline = "\u203E";
 inline constexpr std::string_view wonSign = "\u20A9";
 
 constexpr Conversion extended(const char* name) {
-  return {{name, {}}, {}, {}, true};
+  return {name, {}, {}, true};
+}
+
+constexpr Conversion composing(const char* name) {
+  return {name, {}, {}, true, true};
+}
+
+// Switched to and from by escape sequences.
+constexpr Conversion shifting(std::string_view shiftCodes) {
+  return {nullptr, shiftCodes, {}, true};
 }
 
 constexpr Conversion unicode(const char* name) {
-  return {{name, {}}, {}, {}, false};
+  return {name, {}, {}, false};
 }
 
 // In the order of CharsetEnum, whose names these are.
@@ -50,15 +61,14 @@ inline constexpr auto charsetTable = std::to_array<CharsetRow>({
     {"GBK", extended("GBK")},
     {"GB18030", extended("GB18030")},
     {"EUC_CN", extended("EUC-CN")},
-    // DEL is refused on reading.
-    {"ISO_2022_CN", {{"ISO-2022-CN", "\x7F"}, "\x0E\x0F\x1B", {}}},
+    {"ISO_2022_CN", shifting("\x0E\x0F\x1B")},
     {"big5", extended("BIG5")},
     {"big5_E", {}},
     {"big5_HKSCS_1999", extended("BIG5-HKSCS")},
-    {"EUC_JP", {{"EUC-JP", {}}, {}, {yenSign, overline}}},
-    {"ISO_2022_JP", {{"ISO-2022-JP", {}}, "\x1B", {}}},
-    {"EUC_KR", {{"EUC-KR", {}}, {}, {wonSign}}},
-    {"ISO_2022_KR", {{"ISO-2022-KR", {}}, "\x0E\x0F\x1B", {}}},
+    {"EUC_JP", {"EUC-JP", {}, {yenSign, overline}}},
+    {"ISO_2022_JP", shifting("\x1B")},
+    {"EUC_KR", {"EUC-KR", {}, {wonSign}}},
+    {"ISO_2022_KR", shifting("\x0E\x0F\x1B")},
     {"EUC_TW", extended("EUC-TW")},
     {"iso_8859_1", extended("ISO-8859-1")},
     {"iso_8859_2", extended("ISO-8859-2")},
@@ -77,14 +87,14 @@ inline constexpr auto charsetTable = std::to_array<CharsetRow>({
     {"iso_8859_16", extended("ISO-8859-16")},
     {"Arabic", extended("CP1256")},
     {"Greek", extended("CP1253")},
-    {"Hebrew", extended("CP1255")},
+    {"Hebrew", composing("CP1255")},
     {"Latin2", extended("CP1250")},
     {"Latin5", extended("CP1254")},
     {"Cyrillic", extended("CP1251")},
     {"BalticRim", extended("CP1257")},
-    {"Vietnamese", extended("CP1258")},
-    // 0x5C is the backslash, which iconv refuses on writing, and reads as the won sign.
-    {"KoreanJohab", {{"JOHAB", "\\"}, {}, {wonSign}}},
+    {"Vietnamese", composing("CP1258")},
+    // 0x5C is the backslash, where iconv has the won sign.
+    {"KoreanJohab", {"JOHAB", {}, {wonSign}}},
     {"KOI8_R", extended("KOI8-R")},
     {"KOI8_U", extended("KOI8-U")},
 });

@@ -2,6 +2,10 @@
 
 #include "codec/Big5E.h"
 #include "codec/CharsetTable.h"
+#include "codec/Iso2022.h"
+#include "codec/Utf8Characters.h"
+#include "platform/foundation/CharsetConverter.h"
+#include "platform/foundation/Immortal.h"
 #include "platform/foundation/Utf8.h"
 
 #include <algorithm>
@@ -29,6 +33,10 @@ constexpr MarkedCharset markedUtf16 = {
 constexpr MarkedCharset markedUtf32 = {
     {"\0\0\xFE\xFF", 4}, CharsetEnum::utf32BigEndian, {"\xFF\xFE\0\0", 4}, CharsetEnum::utf32LittleEndian};
 
+bool isIso2022(CharsetEnum charset) {
+  return !conversionOf(charset).shiftCodes.empty();
+}
+
 bool containsAnyOf(std::string_view bytes, std::string_view codes) {
   return !codes.empty() && bytes.find_first_of(codes) != std::string_view::npos;
 }
@@ -37,14 +45,51 @@ bool isPlain(std::string_view bytes, const Conversion& conversion) {
   return conversion.extendsAscii && isAscii(bytes) && !containsAnyOf(bytes, conversion.shiftCodes);
 }
 
+std::string withEachReplaced(std::string_view text, std::string_view from, std::string_view to) {
+  std::string replaced;
+  replaced.reserve(text.size());
+  std::size_t at = 0;
+  for (std::size_t next = text.find(from); next != std::string_view::npos; next = text.find(from, at)) {
+    replaced.append(text, at, next - at).append(to);
+    at = next + from.size();
+  }
+  return replaced.append(text, at);
+}
+
+// iconv reads a letter and its mark as one presentation form; here each byte is a character, as it is typed.
+class HebrewCharacters final {
+public:
+  HebrewCharacters() {
+    for (std::size_t byte = 0; byte < characters_.size(); ++byte) {
+      const char single = static_cast<char>(byte);
+      const auto text = convertToUtf8({&single, 1}, conversionOf(CharsetEnum::Hebrew).system);
+      std::size_t at = 0;
+      characters_[byte] = text ? takeCharacter(*text, at) : noCharacter;
+    }
+  }
+
+  std::optional<std::string> text(std::string_view bytes) const {
+    std::string text;
+    text.reserve(2 * bytes.size());
+    for (const char byte : bytes) {
+      const char16_t character = characters_[static_cast<unsigned char>(byte)];
+      if (character == noCharacter) return std::nullopt;
+      appendCharacter(text, character);
+    }
+    return text;
+  }
+
+private:
+  std::array<char16_t, 256> characters_{};
+};
+
 std::optional<std::string> decode(std::string_view bytes, CharsetEnum charset) {
   const Conversion& conversion = conversionOf(charset);
   if (isPlain(bytes, conversion)) return std::string(bytes);
+  if (isIso2022(charset)) return iso2022ToText(bytes, charset);
+  if (charset == CharsetEnum::Hebrew) return immortal<HebrewCharacters>().text(bytes);
   auto text = convertToUtf8(bytes, conversion.system);
-  if (!text || charset != CharsetEnum::KoreanJohab) return text;
-  for (std::size_t at = text->find(wonSign); at != std::string::npos; at = text->find(wonSign, at + 1)) {
-    text->replace(at, wonSign.size(), 1, '\\');
-  }
+  if (text && charset == CharsetEnum::KoreanJohab) return withEachReplaced(*text, wonSign, "\\");
   return text;
 }
 
@@ -80,11 +125,20 @@ std::optional<Bytes> asBytes(const std::optional<std::string>& chars) {
   return Bytes(*chars);
 }
 
+std::optional<std::string> written(std::string_view text, CharsetEnum charset) {
+  const Conversion& conversion = conversionOf(charset);
+  if (isIso2022(charset)) return textToIso2022(text, charset);
+  if (charset != CharsetEnum::KoreanJohab) return convertFromUtf8(text, conversion.system);
+  return convertFromUtf8(withEachReplaced(text, "\\", wonSign), conversion.system);
+}
+
 std::optional<Bytes> encode(std::string_view text, CharsetEnum charset) {
   const Conversion& conversion = conversionOf(charset);
   if (isPlain(text, conversion)) return Bytes(text);
   if (!isWritable(text, charset)) return std::nullopt;
-  return asBytes(convertFromUtf8(text, conversion.system));
+  const auto bytes = written(text, charset);
+  if (bytes && conversion.composes && decode(*bytes, charset) != text) return std::nullopt;
+  return asBytes(bytes);
 }
 
 // In the order of the platform that most machines have, little-endian, with the mark that says so.
@@ -133,6 +187,11 @@ std::optional<Bytes> textToBytes(std::string_view text, CharsetEnum charset) {
 bool isPlainAscii(std::string_view bytes, CharsetEnum charset) {
   if (charset == CharsetEnum::utf16 || charset == CharsetEnum::utf32) return bytes.empty();
   return isPlain(bytes, conversionOf(charset));
+}
+
+CharsetEnum charsetBehindMark(CharsetEnum charset) {
+  if (charset == CharsetEnum::utf16) return markedUtf16.little;
+  return charset == CharsetEnum::utf32 ? markedUtf32.little : charset;
 }
 
 }  // namespace tarn

@@ -29,11 +29,11 @@ public:
 
   bool converts(std::string_view to, std::string_view from) const { return to_ == to && from_ == from; }
 
-  std::optional<std::string> convert(std::string_view input, std::string_view passingCharacters) {
+  std::optional<std::string> convert(std::string_view input) {
     std::string output;
     if (input.empty()) return output;
     if (!isOpen()) return std::nullopt;
-    if (convertAll(input, passingCharacters, output)) return output;
+    if (convertAll(input, output)) return output;
     iconv(descriptor_, nullptr, nullptr, nullptr, nullptr);
     return std::nullopt;
   }
@@ -41,17 +41,14 @@ public:
 private:
   bool isOpen() const { return reinterpret_cast<std::uintptr_t>(descriptor_) != static_cast<std::uintptr_t>(-1); }
 
-  bool convertAll(std::string_view input, std::string_view passingCharacters, std::string& output) {
+  bool convertAll(std::string_view input, std::string& output) {
     // iconv takes its input through a pointer to characters that it doesn't change.
     char* in = const_cast<char*>(input.data());
     std::size_t inLeft = input.size();
     while (inLeft > 0) {
       const std::size_t result = step(&in, &inLeft, output);
-      if (result == 0 || (result == failed && errno == E2BIG)) continue;
       // A positive count tells of characters that were replaced by similar ones.
-      if (result != failed || errno != EILSEQ || passingCharacters.find(*in) == std::string_view::npos) return false;
-      output += *in++;
-      --inLeft;
+      if (result != 0 && (result != failed || errno != E2BIG)) return false;
     }
     return closeShiftState(output);
   }
@@ -94,12 +91,12 @@ Converter& converter(const char* to, const char* from) {
 
 }  // namespace
 
-std::optional<std::string> convertToUtf8(std::string_view bytes, const SystemCharset& charset) {
-  return converter(utf8Name, charset.name).convert(bytes, charset.passingCharacters);
+std::optional<std::string> convertToUtf8(std::string_view bytes, const char* charset) {
+  return converter(utf8Name, charset).convert(bytes);
 }
 
-std::optional<std::string> convertFromUtf8(std::string_view text, const SystemCharset& charset) {
-  return converter(charset.name, utf8Name).convert(text, charset.passingCharacters);
+std::optional<std::string> convertFromUtf8(std::string_view text, const char* charset) {
+  return converter(charset, utf8Name).convert(text);
 }
 
 }  // namespace tarn

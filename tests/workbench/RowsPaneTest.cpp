@@ -160,7 +160,7 @@ TEST_P(RowsPaneOfColumn, TakesWhatIsTypedInItsCellsAndItsEditor) {
 // Each of these rows would be other bytes if its text were read again.
 TEST_P(RowsPaneOfColumn, CommitsNothingWhereNothingWasChanged) {
   outlets.popValueDataCharset.selectItemWithTitle("ISO_2022_JP");
-  showColumn({"C:\\temp"_bytes, "{\"a\":\"x\\ny\"}"_bytes, "\x1B(Busual?"_bytes, "\\Bqw=="_bytes});
+  showColumn({"C:\\temp"_bytes, "{\"a\":\"x\\ny\"}"_bytes, "\x1B(Jusual?\x1B(B"_bytes, "\\Bqw=="_bytes});
   const std::string before = bytes(column);
   const std::string nothing = "; End; type x; Backspace; ";
   for (const std::string row : {"0", "1", "2", "3"}) {

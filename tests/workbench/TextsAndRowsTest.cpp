@@ -67,7 +67,7 @@ TEST(TypedText, ReadsAStringAsItStandsAndKeepsWhatWasTypedOverAChangeOfForm) {
       outcome(stringFromText("中", formNamed("KOI8_R"))).starts_with("! Can not encode the value to Value Data,"));
   EXPECT_EQ(outcome(stringFromText("x", formNamed("Base64"))),
             "! Can not decode Base64 Value Data, Please Check your Base64 Value Data if is available.");
-  const char* const unusual = "\x1B(Bkey";
+  const char* const unusual = "\x1B(Jkey\x1B(B";
   // clang-format off
   // The text shown, its form and the new one, the value; the text in the new form, and whether it is what was shown.
   const std::vector<std::tuple<const char*, const char*, const char*, const char*, std::optional<std::string>, bool>> cases{
@@ -140,7 +140,7 @@ TEST(RowsToSave, FindTheRowsWhoseBytesWouldChangeAndWhy) {
   EXPECT_EQ(changes(rows, "utf8", "utf8+"), (Strings{"2\xABm", "4{\"a\n\"}e", "5C:\tempe", "9\\servere"}));
   EXPECT_EQ(changes(rows, "utf8", "utf8"), Strings{"2\xABm"});
   EXPECT_EQ(changes(rows, "Base64", "Base64+"), Strings());
-  EXPECT_EQ(changes({"\x1B(Bkey"_bytes, "key"_bytes}, "ISO_2022_JP", "ISO_2022_JP+"), Strings{"0keyx"});
+  EXPECT_EQ(changes({"\x1B(Jkey\x1B(B"_bytes, "key"_bytes}, "ISO_2022_JP", "ISO_2022_JP+"), Strings{"0keyx"});
   EXPECT_EQ(changes({"\xE9"_bytes}, "iso_8859_1", "utf8"), Strings{"0éx"});
 }
 
