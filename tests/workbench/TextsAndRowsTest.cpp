@@ -1,4 +1,5 @@
 #include "workbench/save/RowsToSave.h"
+#include "workbench/text/SearchPattern.h"
 #include "workbench/text/TypedText.h"
 #include "workbench/value/DoubleClicks.h"
 #include "workbench/value/ValueRows.h"
@@ -7,6 +8,8 @@
 
 namespace tarn::test {
 namespace {
+
+using namespace std::string_literals;
 
 // The form of this name; with a "+" behind it what is typed holds escapes.
 TextForm formNamed(std::string_view name) {
@@ -43,7 +46,7 @@ TEST(TypedText, ReadsAKeyAsTheFormSays) {
   EXPECT_EQ(keyTextTranslated("\\B/w==", false), "/w==");
 }
 
-TEST(TypedText, MakesAPatternOfASearchText) {
+TEST(SearchPattern, HoldsWhatIsTypedForTheServerAsTypedAndAllElseLiterally) {
   using enum Match;
   // clang-format off
   const std::vector<std::tuple<const char*, const char*, Match, std::string>> cases{
@@ -55,6 +58,10 @@ TEST(TypedText, MakesAPatternOfASearchText) {
       {"ok*\\Bqw=*x", "utf8", part, "! Can not decode base64 part of the Search Key '\\Bqw='"},
       {"a*中", "iso_8859_1", part, "! Can not encode the Search Key to charset 'iso_8859_1'"},
       {"qw==*", "Base64", whole, "! Can not encode the Search Key from Base64"},
+      // Signs of a pattern within characters and Base64; and the byte order mark, which only a key's beginning has.
+      {"功[能]?\\功", "big5", whole, "\xA5\\\\[\xAF\xE0]?\xA5\\\\"}, {"\\B/1t4XQ==", "utf8", whole, "\xFF\\[x]"}, {"Klw/Ww==", "Base64", part, "*\\*\\\\\\?\\[*"},
+      {"字?\\[*a", "utf16", whole, "\xFF\xFEW\\[?\0\\[\0*a\0"s}, {"*字", "utf16", whole, "*W\\["}, {"字", "utf16", part, "*W\\[*"}, {"字", "utf32", part, "*W\\[\0\0*"s},
+      {"日?本\\*?", "ISO_2022_JP", whole, "\x1B$BF|\x1B(B?\x1B$BK\\\\\x1B(B\\*?"}, {"輲", "ISO_2022_CN", whole, "\x1B$\\*H\x1BNZx"},
       {"\\B*", "Base64", part, "! Can not decode base64 part of the Search Key '\\B*'"}};
   // clang-format on
   for (const auto& [text, form, match, expected] : cases)

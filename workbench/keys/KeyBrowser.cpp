@@ -3,6 +3,7 @@
 #include "platform/foundation/DisposeInBackground.h"
 #include "platform/foundation/NSAlert.h"
 #include "workbench/StatusTexts.h"
+#include "workbench/text/SearchPattern.h"
 #include "workbench/text/TypedText.h"
 
 #include <charconv>

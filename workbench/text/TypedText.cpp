@@ -1,29 +1,15 @@
 #include "workbench/text/TypedText.h"
 
 #include "codec/EscapeForms.h"
-#include "codec/TextCodec.h"
-#include "platform/foundation/Base64.h"
 #include "platform/foundation/NSLocalizedString.h"
-#include "platform/foundation/SplitText.h"
 #include "platform/foundation/Utf8.h"
+#include "workbench/text/MarkedBase64.h"
 
 #include <utility>
 
 namespace tarn {
 
 namespace {
-
-bool isMarked(std::string_view text) {
-  return text.starts_with(base64Marker);
-}
-
-std::string markedBase64(std::string_view bytes) {
-  return std::string(base64Marker) + base64Encode(bytes);
-}
-
-std::optional<Bytes> bytesOfMarked(std::string_view text) {
-  return base64Decode(text.substr(base64Marker.size()));
-}
 
 // No marker and no escapes.
 std::optional<Bytes> bytesOfPlain(std::string_view text, TextForm form) {
@@ -32,30 +18,6 @@ std::optional<Bytes> bytesOfPlain(std::string_view text, TextForm form) {
 
 bool holdsBackslash(std::string_view text) {
   return text.find('\\') != std::string_view::npos;
-}
-
-BytesOrAlert searchedBytes(std::string_view part, TextForm form) {
-  if (isMarked(part)) {
-    const std::string alert = localizedString("Can not decode base64 part of the Search Key '{0}'");
-    return {bytesOfMarked(part), replacingPlaceholder(alert, "{0}", part)};
-  }
-  const std::string alert = form.isBase64 ? localizedString("Can not encode the Search Key from Base64")
-                                          : localizedString("Can not encode the Search Key to charset '{0}'");
-  return {bytesOfPlain(part, form), replacingPlaceholder(alert, "{0}", form.name())};
-}
-
-// The parts of the text with a star between them.
-BytesOrAlert joinedParts(std::string_view text, TextForm form) {
-  Bytes pattern;
-  bool first = true;
-  for (const std::string_view part : splitText(text, "*")) {
-    BytesOrAlert bytes = searchedBytes(part, form);
-    if (!bytes.hasValue()) return bytes;
-    if (!first) pattern.append("*");
-    first = false;
-    pattern.append(bytes.value().view());
-  }
-  return BytesOrAlert(std::move(pattern));
 }
 
 // What follows the first two characters, whatever these are; nothing where there are fewer.
@@ -95,21 +57,6 @@ std::string keyTextTranslated(std::string_view text, bool nowOn) {
   if (nowOn) return escapeControls(text);
   if (isMarked(text)) text.remove_prefix(base64Marker.size());
   return unescapeControls(text);
-}
-
-BytesOrAlert searchPattern(std::string_view typed, TextForm form, Match match) {
-  const std::string text = unescapeControlsForSearch(typed);
-  const bool part = match == Match::part;
-  if (text.empty()) return part ? BytesOrAlert("*"_bytes) : BytesOrAlert();
-
-  BytesOrAlert middle = form.isBase64 ? searchedBytes(text, form) : joinedParts(text, form);
-  if (!middle.hasValue()) return middle;
-
-  Bytes pattern;
-  if (part || text.front() == '*') pattern.append("*");
-  pattern.append(middle.value().view());
-  if (part || text.back() == '*') pattern.append("*");
-  return BytesOrAlert(std::move(pattern));
 }
 
 std::string rowText(std::string_view bytes, TextForm form) {

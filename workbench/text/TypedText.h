@@ -21,12 +21,6 @@ BytesOrAlert keyFromText(std::string_view text, TextForm form);
 // The form's text after the escapes were switched on or off, so that it keeps its meaning.
 std::string keyTextTranslated(std::string_view text, bool nowOn);
 
-// How much of a key the search text stands for.
-enum class Match { part, whole };
-// The glob, as bytes, that the server is asked for. Neither bytes nor an alert for an empty text that has to be a whole
-// key: no key is found.
-BytesOrAlert searchPattern(std::string_view text, TextForm form, Match match);
-
 // --- Rows of a list, set, hash or sorted set
 
 // A row's text, which holds no escapes.
