@@ -219,7 +219,9 @@ TEST_F(RequestsTest, OfASaveAreNoneWhileSomethingIsMissing) {
     outlets().txtTTL.setStringValue(ttl);
     EXPECT_EQ(run("save"), ttl == std::string("-") ? "!Please Enter the TTL." : bad) << ttl;
   }
-  EXPECT_EQ(run("ttl 9223372036854775807; save"), "set k  EX 9223372036854775807|type k|ttl k|get k|!Saved.");
+  outlets().chkTranslate.setState(true);
+  EXPECT_EQ(run("ttl 9223372036854775807; name \\B; save; name k; save"),
+            "set k  EX 9223372036854775807|type k|ttl k|get k|!Please Enter the Key.|!Saved.");
   EXPECT_EQ(list(), "k* a b c");
 }
 

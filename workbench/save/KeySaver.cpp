@@ -40,12 +40,16 @@ std::string noRowsText(ValueType type) {
   return localizedString("SortedSet Can Not be Empty. If you want to remove this sortedSet click 'Delete'.");
 }
 
+std::string noKeyText() {
+  return localizedString("Please Enter the Key.");
+}
+
 // What is wrong with the head of the form, in this order: a type that can be saved, a key, a TTL.
 std::optional<std::string> alertOfHead(bool hasType, std::string_view key, std::string_view ttl) {
   if (!hasType) {
     return localizedString("To Create a Key-Value Data, you need click 'New' and Choose A Value Type First.");
   }
-  if (key.empty()) return localizedString("Please Enter the Key.");
+  if (key.empty()) return noKeyText();
   if (ttl.empty() || ttl == "-") return localizedString("Please Enter the TTL.");
   if (!ttlFromText(ttl)) {
     return localizedString("TTL must be -1 or >0. -1 is eternal, >0 is the specified expire time in seconds.");
@@ -138,6 +142,8 @@ bool KeySaver::takeHead(Job& job) const {
   if (alert) return refuseWith(*std::move(alert));
   std::optional<Bytes> key = form_.keyDataFromForm();
   if (!key) return false;
+  // The marker alone stands for no bytes.
+  if (key->empty()) return refuseWith(noKeyText());
   job.database = tab_.queue.database();
   job.type = *tab_.type;
   job.ttl = *ttlFromText(ttl);
