@@ -43,10 +43,13 @@ public:
   // Nothing when the value is absent, or isn't of this type.
   std::optional<std::string> stringForKey(std::string_view key) const { return valueForKey<std::string>(key); }
   std::optional<std::int64_t> integerForKey(std::string_view key) const { return valueForKey<std::int64_t>(key); }
-  std::optional<NSUUID> uuidForKey(std::string_view key) const;
+  std::optional<NSUUID> uuidForKey(std::string_view key) const {
+    const auto text = stringForKey(key);
+    return text ? NSUUID::fromString(*text) : std::nullopt;
+  }
 
   // `key` is an attribute of the entity, and the value of its type, or absent.
-  void setValueForKey(const std::string& key, NSManagedValue value);
+  void setValueForKey(const std::string& key, const NSManagedValue& value);
 
   // The first required attribute that has no value of its type, if any.
   std::optional<std::string> missingRequiredKey() const;

@@ -2,20 +2,7 @@
 
 #include "platform/foundation/LocalizableText.h"
 
-#include <algorithm>
-
 namespace tarn {
-
-namespace {
-
-// Named by us, since a table may call it by the name of its key. No attribute has this name.
-constexpr const char* rowNumber = "row number";
-
-}  // namespace
-
-const NSEntityDescription& NSManagedObjectContext::entityForName(std::string_view name) const {
-  return *std::ranges::find_if(model_, [name](const auto& entity) { return entity.name == name; });
-}
 
 std::shared_ptr<NSManagedObject> NSManagedObjectContext::insertNewObjectForEntityForName(std::string_view name) {
   return objects_.emplace_back(std::make_shared<NSManagedObject>(entityForName(name)));
@@ -24,12 +11,13 @@ std::shared_ptr<NSManagedObject> NSManagedObjectContext::insertNewObjectForEntit
 std::optional<NSManagedObjectContext::Objects> NSManagedObjectContext::executeFetchRequest(
     std::string_view entityName) {
   const NSEntityDescription& entity = entityForName(entityName);
-  const std::string select = std::string("SELECT rowid AS '") + rowNumber + "', * FROM " + entity.name;
-  auto rows = store_ ? store_->run(select + " ORDER BY rowid") : std::nullopt;
+  // Named by us, since a table may call it by the name of its key. No attribute has this name.
+  const std::string select = std::string("SELECT rowid AS 'row number', * FROM ") + entity.name + " ORDER BY rowid";
+  auto rows = store_ ? store_->run(select) : std::nullopt;
   if (!rows) return std::nullopt;
   Objects fetched;
   for (NSManagedValues& row : *rows) {
-    const auto rowId = std::get<std::int64_t>(row.extract(rowNumber).mapped());
+    const auto rowId = std::get<std::int64_t>(row.extract("row number").mapped());
     const auto known = std::ranges::find_if(
         objects_, [&](const auto& object) { return &object->entity_ == &entity && object->rowId_ == rowId; });
     const bool isNew = known == objects_.end();
@@ -73,9 +61,8 @@ bool NSManagedObjectContext::write(const NSManagedObject& object, std::optional<
   const std::string table = object.entity_.name;
   if (object.isDeleted_) return !rowId || store_->run("DELETE FROM " + table + " WHERE rowid = ?", {*rowId});
   // A new one has no number, which no row has.
-  std::vector<NSManagedValue> known(1);
-  if (rowId) known.front() = *rowId;
-  auto rows = store_->run("SELECT rowid FROM " + table + " WHERE rowid = ?", known);
+  const NSManagedValue known = rowId ? NSManagedValue(*rowId) : NSManagedValue();
+  auto rows = store_->run("SELECT rowid FROM " + table + " WHERE rowid = ?", {known});
   // New, or removed by another running program while it was changed here: the change wins.
   const bool isNew = rows && rows->empty();
   if (isNew) rows = store_->run("INSERT INTO " + table + " DEFAULT VALUES RETURNING rowid");
@@ -84,8 +71,8 @@ bool NSManagedObjectContext::write(const NSManagedObject& object, std::optional<
   rowId = std::get<std::int64_t>(row);
   return std::ranges::all_of(object.values_, [&](const auto& keyAndValue) {
     const auto& [key, value] = keyAndValue;
-    const bool isToBeWritten = isNew || object.changed_.contains(key);
-    return !isToBeWritten || store_->run("UPDATE " + table + " SET " + key + " = ? WHERE rowid = ?", {value, row});
+    if (!isNew && !object.changed_.contains(key)) return true;
+    return store_->run("UPDATE " + table + " SET " + key + " = ? WHERE rowid = ?", {value, row}).has_value();
   });
 }
 

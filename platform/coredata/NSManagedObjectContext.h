@@ -2,6 +2,7 @@
 
 #include "platform/coredata/SqliteFile.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tarn {
@@ -45,7 +46,9 @@ public:
 private:
   friend class NSPersistentContainer;
 
-  const NSEntityDescription& entityForName(std::string_view name) const;
+  const NSEntityDescription& entityForName(std::string_view name) const {
+    return *std::ranges::find_if(model_, [name](const auto& entity) { return entity.name == name; });
+  }
   // Within a transaction. The row of the object, none if it is deleted; false on failure.
   bool write(const NSManagedObject& object, std::optional<std::int64_t>& rowId);
 

@@ -102,8 +102,7 @@ std::optional<std::string> prepare(SqliteFile& store, NSManagedObjectModel model
   if (found != "ok") return "the file is damaged: " + found;
   const auto tables = store.run("SELECT 1 FROM sqlite_schema");
   if (!tables) return store.error();
-  auto fault = tables->empty() ? std::nullopt : checkTables(store, model);
-  if (fault) return fault;
+  if (auto fault = tables->empty() ? std::nullopt : checkTables(store, model)) return fault;
   // With the journal deleted at each end of a transaction, and its folder written through, no moment of a crash loses
   // what was saved before.
   if (!store.run("PRAGMA journal_mode = DELETE") || !store.run("PRAGMA synchronous = EXTRA")) return store.error();

@@ -5,8 +5,6 @@
 namespace tarn {
 namespace {
 
-constexpr int busyMilliseconds = 5000;
-
 bool bind(sqlite3_stmt* statement, int position, const NSManagedValue& value) {
   int result = sqlite3_bind_null(statement, position);
   if (const auto* number = std::get_if<std::int64_t>(&value)) result = sqlite3_bind_int64(statement, position, *number);
@@ -29,6 +27,7 @@ SqliteFile::SqliteFile(const std::string& file) : connection_(nullptr, sqlite3_c
   sqlite3* opened = nullptr;
   sqlite3_open_v2(file.c_str(), &opened, SQLITE_OPEN_READWRITE, nullptr);
   connection_.reset(opened);
+  constexpr int busyMilliseconds = 5000;
   sqlite3_busy_timeout(opened, busyMilliseconds);
 }
 

@@ -15,9 +15,8 @@ class SqliteFile final {
 public:
   explicit SqliteFile(const std::string& file);
 
-  // Runs one statement, the arguments in the place of its `?`. All rows of the answer by the names of the columns,
-  // where what is neither a whole number nor a text is absent; nothing on failure. Waits 5 seconds for another program
-  // that holds the file.
+  // Runs one statement with the arguments for its `?`. Its rows by the names of the columns, absent what is neither a
+  // whole number nor a text; nothing on failure. Waits 5 seconds for another program that holds the file.
   std::optional<std::vector<NSManagedValues>> run(const std::string& sql,
                                                   const std::vector<NSManagedValue>& arguments = {});
 
