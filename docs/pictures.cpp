@@ -118,7 +118,7 @@ private:
   static void save(const NSView& view, const std::string& name) { save(*view.widget(), name); }
   static void save(QWidget& widget, const std::string& name) {
     settle();
-    if (!takePicture(widget, name + ".png")) throw std::runtime_error("no picture " + name);
+    if (!widget.grab().save(QString::fromStdString(name + ".png"))) throw std::runtime_error("no picture " + name);
   }
 
   RedisServer redis_{{"--databases", "2"}};

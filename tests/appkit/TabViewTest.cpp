@@ -4,8 +4,6 @@
 #include "platform/appkit/tabs/TabViewWidget.h"
 #include "tests/appkit/Steps.h"
 
-#include <cmath>
-
 namespace tarn::test {
 namespace {
 
@@ -29,7 +27,6 @@ struct PageController final : NSViewController {
   NSView pageView;
 };
 
-// One whose label may be cut to nothing.
 struct ShrinkingItem final : NSTabViewItem {
   double sizeOfLabel(bool computeMin) const override { return computeMin ? 0 : NSTabViewItem::sizeOfLabel(false); }
 };
@@ -93,19 +90,16 @@ TEST_F(TabView, SelectsTheFirstAddedWhatIsClickedAndWhatTakesARemovedOnesPlace) 
 }
 
 TEST_F(TabView, KeepsEachViewsStateAndPaintsNothingWhenAllAreRemovedAndAddedAgain) {
-  run({{"add one; add two; select two; edit two", "", "one[two*]"}});
+  run({{"add one; add two; add three; select two; edit two", "", "one[two*]three"}});
   page("two").setSelection(1, 2);
   page("one").painted = page("two").painted = page("two").hidden = 0;
   removeAllAndAddAllBut("");
   tabs.selectTabViewItemAtIndex(1);
   EXPECT_EQ(page("one").painted + page("two").painted, 0);
-  run({{"", "", "one[two*]"}});
+  run({{"", "", "one[two*]three"}});
   EXPECT_EQ(page("one").painted + page("two").hidden, 0);
   EXPECT_EQ(page("two").selectedText(), "wo");
-}
-
-TEST_F(TabView, LetsAViewAndItsControllerGoInTheirOwnAction) {
-  run({{"add one; add two; add three; select two; edit two", "", "one[two*]three"}});
+  // A view and its controller may go in their own action.
   const QPointer<QWidget> closed = &page("two");
   QObject::connect(&page("two"), &QLineEdit::returnPressed, [&] {
     removeAllAndAddAllBut("two");
@@ -116,7 +110,7 @@ TEST_F(TabView, LetsAViewAndItsControllerGoInTheirOwnAction) {
   EXPECT_EQ(closed, nullptr);
 }
 
-TEST_F(TabView, NarrowsManyTabsAndScrollsWhenThatIsNotEnough) {
+TEST_F(TabView, NarrowsManyTabsScrollsWhenThatIsNotEnoughAndShowsTextsAsTheyAre) {
   for (int count = 1; count <= 40; ++count) {
     tabs.addTabViewItem(item("a connection of a long name " + std::to_string(count)));
     settle();
@@ -124,32 +118,12 @@ TEST_F(TabView, NarrowsManyTabsAndScrollsWhenThatIsNotEnough) {
   }
   tabs.selectTabViewItemAtIndex(39);
   settle();
-  EXPECT_TRUE(bar.rect().intersects(bar.tabRect(39)));
+  EXPECT_TRUE(bar.rect().intersects(bar.tabRect(39)) && bar.width() <= widget.width());
   EXPECT_GE(bar.tabRect(39).width(), 24);
-  EXPECT_LE(bar.width(), widget.width());
-}
-
-TEST_F(TabView, ShowsItsTextsAsTheyAreInWhiteOnAFillThatCarriesThem) {
-  const auto linear = [](double c) { return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4); };
-  run({{"add W; add V", "", "[W]V"}});
-  for (const bool dark : {false, true}) {
-    useDarkPalette(dark);
-    settle();
-    const QImage picture = bar.grab().toImage();
-    const auto fill = [&](int tab) {
-      return picture.pixelColor(bar.tabRect(tab).left() + 5, bar.tabRect(tab).center().y());
-    };
-    EXPECT_NE(fill(0), fill(1));
-    for (const QColor& color : {fill(0), fill(1)}) {
-      EXPECT_LE(0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF()),
-                0.1834);
-    }
-  }
-  useDarkPalette(false);
-  item("W")->setLabel("Q&A");
-  item("W")->setToolTip("<b> & so on");
-  EXPECT_EQ(bar.tabText(0), "Q&&A");
-  EXPECT_TRUE(toolTipOf(bar, bar.tabRect(0).center()).contains(QStringLiteral("&lt;b&gt; &amp; so on")));
+  tabs.tabViewItems()[39]->setLabel("Q&A");
+  tabs.tabViewItems()[39]->setToolTip("<b> & so on");
+  EXPECT_EQ(bar.tabText(39), "Q&&A");
+  EXPECT_TRUE(toolTipOf(bar, bar.tabRect(39).center()).contains(QStringLiteral("&lt;b&gt; &amp; so on")));
 }
 
 }  // namespace tarn::test

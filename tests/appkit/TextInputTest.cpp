@@ -4,8 +4,7 @@
 #include "platform/appkit/text/DisplayText.h"
 #include "platform/appkit/text/LabelWidget.h"
 #include "platform/appkit/text/TextViewWidget.h"
-#include "tests/appkit/ExactTexts.h"
-#include "tests/appkit/TableFixture.h"
+#include "tests/appkit/Steps.h"
 
 #include <QClipboard>
 #include <QDrag>
@@ -25,9 +24,8 @@ private:
   void setPrimarySelection(const QString& text) const override { primary.setText(text); }
 };
 
-// A field and a text view below a table, whose first cell opens. They say in `log` what they ask ("...?") and what they
-// say to their delegates.
-class TextInput : public TableFixture, protected NSTextViewDelegate {
+// A field and a text view, which say in `log` what they ask ("...?") and what they say to their delegates.
+class TextInput : public Steps, protected NSTextFieldDelegate, protected NSTextViewDelegate {
 protected:
   struct Asking final : NSFormatter {
     explicit Asking(TextInput& test) : asked(test) {}
@@ -35,9 +33,9 @@ protected:
     TextInput& asked;
   };
   TextInput() {
-    for (QWidget* child : std::initializer_list<QWidget*>{fieldWidget, textWidget})
-      window.layout()->addWidget(child);
-    test::show(window, {420, 500});
+    show(*fieldWidget);
+    window.layout()->addWidget(textWidget);
+    settle();
     field.setTag(7);
     field.setDelegate(this);
     field.setAction([this] { log.add("action"); });
@@ -80,10 +78,10 @@ protected:
     return !refuses;
   }
   void controlTextDidEndEditing(const TextEdit& edit) override {
-    if (edit.table) return TableFixture::controlTextDidEndEditing(edit);
-    EXPECT_EQ(edit.field, &field);
+    EXPECT_TRUE(edit.field == &field && !edit.table);
     log.add("end " + std::to_string(edit.tag) + " " + edit.text);
   }
+  void controlTextDidBeginEditing(int tag) override { log.add("begin " + std::to_string(tag)); }
   void textDidEndEditing(NSTextView&) override { log.add("ended"); }
   bool shouldChangeTextInRanges(NSTextView&, const std::vector<NSRange>& ranges,
                                 const std::vector<std::string>& texts) override {
@@ -116,16 +114,14 @@ protected:
     return toUtf8(marked) + (input->isEdited() ? "*" : "");
   }
   // The point of a position in the first line.
-  QPoint at(const std::string& position) override {
+  QPoint at(const std::string& position) {
     const QString before = input->text(0, std::stoul(position));
     return input->contentsRect().topLeft() + QPoint(4 + input->fontMetrics().horizontalAdvance(before), 8);
   }
 
   // Opens the menu, and chooses that item; without a title it says what can be chosen.
   void useMenu(const std::string& title) {
-    QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(5, 5), input->mapToGlobal(QPoint(5, 5)));
-    QApplication::sendEvent(input, &event);
-    auto& menu = dynamic_cast<QMenu&>(*openPopUp());
+    QMenu& menu = openMenu(*input, QPoint(5, 5));
     std::string enabled;
     for (QAction* action : menu.actions()) {
       if (action->isEnabled() && !action->isSeparator()) enabled += toUtf8(action->text()) + ".";
@@ -141,9 +137,7 @@ protected:
     dragged.setText(pasted);
     dragged.setHtml("<b>no</b>");
     QDragEnterEvent enter(point, Qt::CopyAction | Qt::MoveAction, &dragged, Qt::LeftButton, Qt::NoModifier);
-    const QImage before = input->grab().toImage();
     QApplication::sendEvent(input, &enter);
-    EXPECT_NE(input->grab().toImage(), before);
     QDropEvent event(point, Qt::CopyAction | Qt::MoveAction, &dragged, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(input, &event);
     EXPECT_EQ(event.dropAction(), Qt::CopyAction);
@@ -161,27 +155,18 @@ protected:
 }  // namespace
 
 TEST_F(TextInput, ComesBackAsItWasSetCutPastedAndUndone) {
-  const QString exact = allTreacherousTexts();
-  const std::string utf8 = toUtf8(exact);
+  const std::string utf8 = toUtf8(treacherousTexts);
   LabelWidget label;
   NSTextField(&label).setStringValue(utf8);
   EXPECT_EQ(NSTextField(&label).stringValue(), utf8);
-  field.setStringValue(utf8);
-  text.setString(utf8);
-  texts[{0, 0}] = utf8;
-  fill(1);
-  open(0, 0);
-  for (TextInputWidget* widget : std::initializer_list<TextInputWidget*>{&editor(), fieldWidget, textWidget}) {
-    const auto get = [&] {
-      return widget == fieldWidget  ? field.stringValue()
-             : widget == textWidget ? text.string()
-                                    : cell(0, 0).stringValue();
-    };
-    EXPECT_EQ(get(), utf8);
+  for (TextInputWidget* widget : std::initializer_list<TextInputWidget*>{fieldWidget, textWidget}) {
+    const auto get = [&] { return widget == fieldWidget ? field.stringValue() : text.string(); };
+    input = widget;
+    set(utf8);
     widget->setFocus();
     keys("Ctrl+A Ctrl+X");
     EXPECT_EQ(get(), "");
-    EXPECT_EQ(QGuiApplication::clipboard()->text(), exact);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), treacherousTexts);
     keys("Ctrl+V");
     EXPECT_EQ(get(), utf8);
     // Every character that the caret passes over goes by Backspace, and comes back.
@@ -258,9 +243,7 @@ TEST_F(TextInput, EachWayInIsAskedAbout) {
     // The view knows only the desktop's own primary selection, and there is none.
     if (way != "middle 0") run({{"text |1; " + way, "0+0>" + plain + "?", plain + "|1*"}});
   }
-}
-
-TEST_F(TextInput, TextThatTheOneAskedHasSetWinsOverTheAnswer) {
+  // The text that the one asked has set wins over the answer.
   for (const bool answered : {false, true}) {
     textWidget->setShouldChange([&](auto...) { return text.setString("set"), answered; });
     run({{"text a|; key Return Ctrl+Z", "", "set|"}});
@@ -285,8 +268,7 @@ TEST_F(TextInput, FieldKeepsTheCaretInSight) {
   field.setFormatter(nullptr);
   start(fieldWidget, std::string(20 << 20, 'w') + "|");
   type("x");
-  EXPECT_FALSE(fieldWidget->grab().isNull());
-  EXPECT_TRUE(fieldWidget->rect().contains(caret()));
+  EXPECT_TRUE(!fieldWidget->grab().isNull() && fieldWidget->rect().contains(caret()));
   start(fieldWidget, "|" + std::string(1100, 'w') + std::string(1100, 'i'));
   keys("Home");
   const int home = caret().x();
@@ -299,18 +281,15 @@ TEST_F(TextInput, FieldKeepsTheCaretInSight) {
 }
 
 TEST_F(TextInput, MayBeTakenAwayByTheOneItAsksOrNotifies) {
+  const auto typeInto = [](TextInputWidget* gone) { gone->show(), gone->setFocus(), keys("'a Return"); };
   for (const auto notifies : {&TextInputWidget::editingBegan, &TextInputWidget::editingEnded}) {
     auto* gone = new TextFieldWidget(&window);
     QObject::connect(gone, notifies, &window, [gone] { delete gone; });
-    gone->show();
-    gone->setFocus();
-    keys("'a Return");
+    typeInto(gone);
   }
   auto* gone = new TextViewWidget(&window);
   gone->setShouldChange([gone](auto...) { return delete gone, true; });
-  gone->show();
-  gone->setFocus();
-  keys("'a");
+  typeInto(gone);
   EXPECT_EQ(log.take(), "");
 }
 

@@ -102,10 +102,22 @@ TEST_F(Sponsoring, AButtonPaysTheProductOfItsNumberAndTheLastWindowAloneSaysWhat
     click(*button);
   EXPECT_EQ(store.payments, (Texts{"tarn_sponsor1", "tarn_sponsor2", "tarn_sponsor5"}));
   using enum SKPaymentTransaction::State;
-  SKPaymentQueue::defaultQueue().updateTransactions(
-      {{"1", purchasing}, {"2", purchased}, {"3", failed}, {"4", restored}, {"5", deferred}});
+  SKPaymentQueue& queue = SKPaymentQueue::defaultQueue();
+  queue.updateTransactions({{"1", purchasing}, {"2", purchased}, {"3", failed}, {"4", restored}, {"5", deferred}});
   EXPECT_EQ(store.finished, (Texts{"2", "3", "4"}));
-  open();
+  // Opens the window anew before the one that is open has its turn.
+  struct : SKPaymentTransactionObserver {
+    void paymentQueueUpdatedTransactions(const std::vector<SKPaymentTransaction>&) override {
+      AppDelegate::shared()->clickedSponsor();
+    }
+  } reopening;
+  SponsorVC& second = AppDelegate::shared()->sponsorWC()->content();
+  queue.removeTransactionObserver(&second);
+  queue.addTransactionObserver(&reopening);
+  queue.addTransactionObserver(&second);
+  queue.updateTransactions({{"6", purchased}});
+  queue.removeTransactionObserver(&reopening);
+  EXPECT_EQ(store.finished, (Texts{"2", "3", "4"}));
   first(SKError{"It is too late."});
   store.answer(SKError{"The shop is closed."});
   settle();

@@ -189,12 +189,12 @@ public:
     QContextMenuEvent event(QContextMenuEvent::Mouse, centre, cells.mapToGlobal(centre));
     QApplication::sendEvent(&cells, &event);
     settle();
-    clickItem(openPopUp(), item);
+    clickItem(QApplication::activePopupWidget(), item);
   }
   // The same in the main menu.
   void chooseInMainMenu(const std::string& menu, const std::string& item) {
     clickItem(content_->window().widget()->findChild<QMenuBar*>(), menu);
-    clickItem(openPopUp(), item);
+    clickItem(QApplication::activePopupWidget(), item);
   }
 
   // In the first favourite's tab. Keys are given in ascending order: a search has none.

@@ -1,7 +1,5 @@
 #include "tests/support/widgets/Hand.h"
 
-#include "platform/appkit/NSPopUpButton.h"
-#include "platform/appkit/NSTableView.h"
 #include "platform/foundation/NSOperationQueue.h"
 
 #include <QAbstractItemView>
@@ -9,7 +7,6 @@
 #include <QComboBox>
 #include <QElapsedTimer>
 #include <QKeySequence>
-#include <QStringList>
 #include <QStyle>
 #include <QTest>
 #include <QTimer>
@@ -41,9 +38,8 @@ void click(const NSView& view) {
 }
 
 void doubleClick(QWidget& widget, std::optional<QPoint> at) {
-  const QPoint point = at.value_or(widget.rect().center());
-  QTest::mouseClick(&widget, Qt::LeftButton, {}, point);
-  QTest::mouseDClick(&widget, Qt::LeftButton, {}, point);
+  QTest::mouseClick(&widget, Qt::LeftButton, {}, at.value_or(widget.rect().center()));
+  QTest::mouseDClick(&widget, Qt::LeftButton, {}, at.value_or(widget.rect().center()));
   settle();
 }
 
@@ -66,23 +62,17 @@ void keys(const char* script) {
   }
 }
 
-void choose(QWidget& popUp, int index) {
-  auto& box = dynamic_cast<QComboBox&>(popUp);
+void choose(NSPopUpButton& popUp, const std::string& title) {
+  auto& box = dynamic_cast<QComboBox&>(*popUp.widget());
   // The list ignores a release that comes sooner than a double click after the press that opened it.
   const int interval = QApplication::doubleClickInterval();
   QApplication::setDoubleClickInterval(0);
-  click(popUp);
+  click(box);
   QApplication::setDoubleClickInterval(interval);
-  if (!box.view()->isVisible()) throw std::runtime_error("the pop-up's list didn't open");
-  const QModelIndex item = box.model()->index(index, box.modelColumn());
+  const QModelIndex item = box.model()->index(box.findText(QString::fromStdString(title)), box.modelColumn());
+  if (!item.isValid() || !box.view()->isVisible()) throw std::runtime_error("no open list with " + title);
   box.view()->scrollTo(item);
   click(*box.view()->viewport(), box.view()->visualRect(item).center());
-}
-
-void choose(NSPopUpButton& popUp, const std::string& title) {
-  const int index = dynamic_cast<QComboBox&>(*popUp.widget()).findText(QString::fromStdString(title));
-  if (index < 0) throw std::runtime_error("the pop-up has no " + title);
-  choose(*popUp.widget(), index);
 }
 
 int itemCount(const NSView& popUp) {
@@ -124,10 +114,6 @@ void show(QWidget& widget, QSize size) {
   settle();
 }
 
-QWidget* openPopUp() {
-  return QApplication::activePopupWidget();
-}
-
 void whenModal(std::function<void(QWidget& modal)> action) {
   auto* timer = new QTimer(QApplication::instance());
   QObject::connect(timer, &QTimer::timeout, [timer, action = std::move(action)] {
@@ -138,10 +124,6 @@ void whenModal(std::function<void(QWidget& modal)> action) {
     action(*modal);
   });
   timer->start(1);
-}
-
-bool takePicture(QWidget& widget, const std::string& file) {
-  return widget.grab().save(QString::fromStdString(file));
 }
 
 void useDarkPalette(bool dark) {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "platform/appkit/NSPopUpButton.h"
+#include "platform/appkit/NSTableView.h"
+
 #include <QPoint>
 #include <QString>
 #include <QWidget>
@@ -10,18 +13,12 @@
 #include <string_view>
 #include <vector>
 
-namespace tarn {
-class NSPopUpButton;
-class NSTableView;
-class NSView;
-}  // namespace tarn
-
 namespace tarn::test {
 
 // What a person does at the screen, for tests: the events are those of a real mouse and keyboard, and what they cause
 // (posted blocks, layout, painting) has happened when a call returns.
 
-// A press and a release of the button in the widget's middle, or at `at` in its coordinates.
+// In the widget's middle, or at `at` in its coordinates.
 void click(QWidget& widget, std::optional<QPoint> at = {}, Qt::MouseButton button = Qt::LeftButton,
            Qt::KeyboardModifiers modifiers = {});
 void click(const NSView& view);
@@ -34,7 +31,6 @@ void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
 void keys(const char* script);
 
 // Opens the pop-up's list by a click and chooses the item by another.
-void choose(QWidget& popUp, int index);
 void choose(NSPopUpButton& popUp, const std::string& title);
 // How many items its list has.
 int itemCount(const NSView& popUp);
@@ -49,16 +45,8 @@ bool waitUntil(const std::function<bool()>& done);
 
 // Shows a widget as a window of this size, and waits until it has the keyboard.
 void show(QWidget& widget, QSize size = {});
-
-// The open menu or list; nothing where there is none.
-QWidget* openPopUp();
-
 // Runs once, as soon as a modal window is up: call it before the code that raises one and waits for it.
 void whenModal(std::function<void(QWidget& modal)> action);
-
-// Writes how the widget looks now into a PNG file; false if that failed.
-bool takePicture(QWidget& widget, const std::string& file);
-
 // A dark palette, or the usual light one, for the whole program.
 void useDarkPalette(bool dark);
 
