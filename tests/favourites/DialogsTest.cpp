@@ -123,6 +123,10 @@ TEST_F(ConnectionFormTest, AnOpenFormIsTakenOverAndKeepsNothingWhenItIsLeft) {
     EXPECT_FALSE(content().newConnectionWindowController());
     settle();
   }
+  // Its own name is no other's.
+  openEdit(1);
+  click(form().btnSave);
+  EXPECT_EQ(shown(), "");
   EXPECT_EQ(stored(), "*local other: local|127.0.0.1|1|secret|utf8 other|127.0.0.1|2||utf8");
 
   // A favourite removed behind its form isn't made again.

@@ -122,7 +122,7 @@ private:
     const std::string scanned = "*2\r\n$1\r\n0\r\n";
     // clang-format off
     const std::map<std::string, std::string> values{
-        {"string", "$5\r\nvalue\r\n"}, {"list", two}, {"set", scanned + two}, {"none", ""},
+        {"string", "$5\r\nvalue\r\n"}, {"list", two}, {"set", scanned + "*2\r\n$3\r\nsix\r\n$3\r\nten\r\n"}, {"none", ""},
         {"hash", scanned + "*4\r\n$1\r\nf\r\n$1\r\nv\r\n$1\r\ng\r\n$1\r\nw\r\n"},
         {"zset", "*4\r\n$1\r\nm\r\n$3\r\ninf\r\n$1\r\nn\r\n$5\r\n1e+20\r\n"}};
     // clang-format on
@@ -156,7 +156,7 @@ TEST_F(RequestsTest, FollowEachOtherAsTheyShouldAndLeaveTheFormAsItShouldBe) {
       // Saves.
       {"hold string; open b; save; ttl 60; save", "persist b|set b value|set b value EX 60|!Saved.|!Saved.", "Type: String b 60Second(s) Key Size: 1byte(s) Data Size: 5byte(s)", "a b* c"},
       {"hold list; open b; save; ttl 60; save", "del b|rpush b one two|del b|rpush b one two|expire b 60|!Saved.|!Saved.", "Type: List b 60Second(s) Key Size: 1byte(s) Data Size: 6byte(s) one|two", "a b* c"},
-      {"hold set; open b; save; ttl 60; save", "del b|sadd b one two|del b|sadd b one two|expire b 60|!Saved.|!Saved.", "Type: Set b 60Second(s) Key Size: 1byte(s) Data Size: 6byte(s) one|two", "a b* c"},
+      {"hold set; open b; save; ttl 60; save", "del b|sadd b six ten|del b|sadd b six ten|expire b 60|!Saved.|!Saved.", "Type: Set b 60Second(s) Key Size: 1byte(s) Data Size: 6byte(s) six|ten", "a b* c"},
       {"hold hash; open b; save; ttl 60; save", "del b|hmset b f v g w|del b|hmset b f v g w|expire b 60|!Saved.|!Saved.", "Type: Hash b 60Second(s) Key Size: 1byte(s) Data Size: 4byte(s) v|w", "a b* c"},
       {"hold zset; open b; save; ttl 60; save", "del b|zadd b inf m 1e+20 n|del b|zadd b inf m 1e+20 n|expire b 60|!Saved.|!Saved.", "Type: SortedSet b 60Second(s) Key Size: 1byte(s) Data Size: 10byte(s) inf|1e+20", "a b* c"},
       // Moves and deletes, which keep what is still there.
@@ -164,7 +164,7 @@ TEST_F(RequestsTest, FollowEachOtherAsTheyShouldAndLeaveTheFormAsItShouldBe) {
       {"hold list; open b; reply del -ERR no; delete; name new; save", "del b|del b|" + deletes + "|!ERR no|" + moves + "|!ERR no", "Type: List new -1(Persist) Key Size: 1byte(s) Data Size: 6byte(s) Data Count:2 one|two", "a b* c"},
       {"hold list; open b; reply rpush -ERR no; name new; save", "del b|del new|rpush new one two|" + moves + "|!ERR no", "Type: List new -1(Persist) Key Size: 1byte(s) Data Size: 6byte(s) Data Count:2 one|two", "a c*"},
       // Behind a question another value comes, which is not what is written; it stays where a key goes, and is saved.
-      {"hold list; open b; name new; behind hold hash,open c,db 3; save", "del b|del new|rpush new one two|" + moves + "|!Saved.", "Type: List c -1(Persist) Key Size: 3byte(s) Data Size: 6byte(s) v|w", "a b c*"},
+      {"hold list; open b; name new; behind hold set,open c,db 3; save", "del b|del new|rpush new one two|" + moves + "|!Saved.", "Type: List c -1(Persist) Key Size: 3byte(s) Data Size: 6byte(s) six|ten", "a b c*"},
       {"hold hash; open b; delete; ttl -1; name b; save", "del b|del b|hmset b f v g w|type b|ttl b|hscan b 0 COUNT 1000|" + deletes + "|!Saved.", "Type: Hash b -1(Persist) Key Size: 1byte(s) Data Size: 4byte(s) Data Count:2 v|w", "a c b*"},
       {"hold hash; open b; behind open c; delete; delete", "del b|" + deletes, "Type:   (Persist) Key Size: 0byte(s) Data Size: 0byte(s)", "a c"},
       {"hold hash; open b; behind open c; delete; ttl -1; name again; answer 1001; save", "del b|del again|hmset again f v g w|type again|ttl again|hscan again 0 COUNT 1000|" + deletes + "|!Are you sure to Move old key 'c' to key 'again'?|!Saved.", "Type: Hash again -1(Persist) Key Size: 5byte(s) Data Size: 4byte(s) Data Count:2 v|w", "a again* c"},
