@@ -47,8 +47,16 @@ public:
   }
   ssize_t receive(int descriptor, void* bytes, std::size_t count, int flags) override {
     ++receives;
-    if ((flags & MSG_DONTWAIT) == 0 && beforeReceive) beforeReceive();
+    const bool waits = (flags & MSG_DONTWAIT) == 0;
+    if (waits && ((failing == "slow link" && looks_ < 3) || failing == "dead link")) return errno = EAGAIN, -1;
+    if (waits && beforeReceive) beforeReceive();
     return SocketCalls::receive(descriptor, bytes, count, beforeReceive ? flags | MSG_DONTWAIT : flags);
+  }
+
+  // On a slow link something has left at each look, on a dead one never again.
+  std::size_t sendQueue(int descriptor) override {
+    if (failing == "slow link") return 1000 - ++looks_;
+    return failing == "dead link" ? 1000 : SocketCalls::sendQueue(descriptor);
   }
 
   std::string failing;
@@ -67,6 +75,7 @@ private:
   }
 
   int sends_ = 0;
+  std::size_t looks_ = 0;
 };
 
 TEST_F(ConnectionTest, OpensAuthenticatesAndCloses) {
@@ -190,16 +199,48 @@ TEST_F(ConnectionTest, GoesOnAfterAnInterruptionOrAShortSendAndTellsAFailedOne) 
   TamperedCalls calls;
   calls.failing = "interrupted calls";
   calls.error = EINTR;
-  ScriptedServer peer(answering({"+OK\r\n"}));
+  ScriptedServer peer(answering({"+OK\r\n", "+OK\r\n"}));
   Connection connection(tcpOpener(calls));
   ASSERT_TRUE(connection.connect(address(peer.port()), 0).ok);
   EXPECT_TRUE(connection.execute(RedisCommand::get, {"key"}).ok);
   EXPECT_EQ(peer.received().front(), encodedRequest({"get", "key"}));
+  calls.failing = "slow link";
+  EXPECT_TRUE(connection.execute(RedisCommand::get, {"key"}).ok);
   calls.failing = "send";
   calls.error = EPIPE;
   EXPECT_EQ(connection.execute(RedisCommand::get, {"key"}).message, "Can not connect to server");
   EXPECT_EQ(connection.status(), Status::connected);
   EXPECT_FALSE(connection.isAlive());
+}
+
+// What a user gives up, or the server seems to have lost, mustn't reach it behind what is sent anew.
+TEST_F(ConnectionTest, TakesBackWhatHasNotLeftYetWhenItCloses) {
+  constexpr std::size_t size = 1'000'000;
+  for (const bool isDead : {false, true}) {
+    SCOPED_TRACE(isDead);
+    std::atomic<bool> reads = false;
+    std::atomic<bool> isRead = false;
+    ScriptedServer peer([&](Peer& client, int) {
+      waitUntil([&] { return reads.load(); });
+      client.readRequest();
+      isRead = true;
+    });
+    TamperedCalls calls;
+    Connection connection(tcpOpener(calls));
+    ASSERT_TRUE(connection.connect(address(peer.port()), 0).ok);
+    if (isDead) calls.failing = "dead link";
+    std::thread writing([&] {
+      const auto result = connection.execute(RedisCommand::set, {"key", std::string(size, 'x')});
+      EXPECT_EQ(result.message, "Can not connect to server");
+    });
+    // A look whether the server is there, and the wait for its reply.
+    waitUntil([&] { return calls.receives >= 2; });
+    if (!isDead) connection.close();
+    writing.join();
+    reads = true;
+    waitUntil([&] { return isRead.load(); });
+    EXPECT_LT(peer.received().front().size(), size);
+  }
 }
 
 // Bytes that wait, and a look whether the peer is there, which leaves them; then a reply that the system gives up to
@@ -248,7 +289,7 @@ TEST_F(ConnectionTest, IsSharedByThreadsAndClosesCleanlyUnderThem) {
   const auto client = connectedItem(server.port(), {}, calls);
   NSOperationQueue& queue = client->operationQueue();
   const auto readsItsOwn = [client](const Bytes& name) {
-    EXPECT_TRUE(client->setValue(name, name, -1));
+    EXPECT_TRUE(client->execute(RedisCommand::set, {name.view(), name.view()}).ok);
     for (int i = 0; i < 300; ++i)
       EXPECT_EQ(client->getValue(name).second, name);
   };

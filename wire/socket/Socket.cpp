@@ -11,6 +11,7 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
+#include <utility>
 
 namespace tarn {
 
@@ -22,6 +23,11 @@ std::shared_ptr<Socket> Socket::create(int family, SocketCalls& calls) {
 Socket::Socket(int descriptor, SocketCalls& calls) : descriptor_(descriptor), calls_(calls) {}
 
 Socket::~Socket() {
+  // What hasn't left yet mustn't reach the server behind what a later connection sends.
+  if (calls_.sendQueue(descriptor_) > 0) {
+    const linger dropsTheRest{.l_onoff = 1, .l_linger = 0};
+    ::setsockopt(descriptor_, SOL_SOCKET, SO_LINGER, &dropsTheRest, sizeof dropsTheRest);
+  }
   ::close(descriptor_);
 }
 
@@ -95,11 +101,27 @@ bool Socket::isAlive() {
 bool Socket::sendAll(std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t count = calls_.send(descriptor_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-    if (count == -1 && errno == EINTR) continue;
+    if (count == -1 && mayTryAgain()) continue;
     if (count <= 0) return false;
     bytes.remove_prefix(static_cast<std::size_t>(count));
+    sent_ += static_cast<std::size_t>(count);
+    queued_ = calls_.sendQueue(descriptor_);
   }
   return true;
+}
+
+// After a call that failed: it was interrupted, or waited in vain for a peer to which what was sent is still on its
+// way, however slow the way is.
+bool Socket::mayTryAgain() {
+  if (errno == EINTR) return true;
+  if (errno != EAGAIN && errno != EWOULDBLOCK) return false;
+  const std::size_t before = std::exchange(queued_, calls_.sendQueue(descriptor_));
+  return queued_ < before;
+}
+
+ByteStream::Traffic Socket::traffic() const {
+  const std::uint64_t sent = sent_;
+  return {.sent = sent - std::min<std::uint64_t>(sent, calls_.sendQueue(descriptor_)), .received = received_};
 }
 
 char* Socket::window() {
@@ -111,8 +133,10 @@ std::size_t Socket::receiveWith(int flags, char* destination, std::size_t count)
   ssize_t received = -1;
   do {
     received = calls_.receive(descriptor_, destination, count, flags);
-  } while (received == -1 && errno == EINTR);
-  return received > 0 ? static_cast<std::size_t>(received) : 0;
+  } while (received == -1 && mayTryAgain());
+  if (received <= 0) return 0;
+  if ((flags & MSG_PEEK) == 0) received_ += static_cast<std::size_t>(received);
+  return static_cast<std::size_t>(received);
 }
 
 std::string_view Socket::peek() {

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string_view>
 
@@ -31,7 +32,8 @@ public:
 
   // Probes an idle peer after 15 seconds, then 3 times every 5 seconds. Failures only go to the log.
   void setKeepAlive();
-  // How long one send or receive waits for the peer. Failures only go to the log.
+  // How long one send or receive waits for the peer, anew while what was sent before still leaves. Failures only go to
+  // the log.
   void setSocketTimeout(long seconds, long microseconds);
 
   bool isAlive() override;
@@ -41,16 +43,22 @@ public:
   std::size_t receive(char* destination, std::size_t count) override;
   void shutDown() override;
   bool wasShutDown() const override { return shutDown_; }
+  Traffic traffic() const override;
 
 private:
   char* window();
   std::size_t receiveWith(int flags, char* destination, std::size_t count);
+  bool mayTryAgain();
   void setOption(int level, int option, const void* value, socklen_t length, const char* failure);
 
   const int descriptor_;
   SocketCalls& calls_;
   std::atomic<bool> shutDown_ = false;
   std::unique_ptr<char[]> window_;
+  // What waited to be sent at the last look.
+  std::size_t queued_ = 0;
+  std::atomic<std::uint64_t> sent_ = 0;
+  std::atomic<std::uint64_t> received_ = 0;
 };
 
 }  // namespace tarn

@@ -3,6 +3,8 @@
 #include "platform/foundation/Immortal.h"
 
 #include <fcntl.h>
+#include <linux/sockios.h>
+#include <sys/ioctl.h>
 
 #include <array>
 
@@ -50,6 +52,11 @@ ssize_t SocketCalls::send(int descriptor, const void* bytes, std::size_t count, 
 
 ssize_t SocketCalls::receive(int descriptor, void* bytes, std::size_t count, int flags) {
   return ::recv(descriptor, bytes, count, flags);
+}
+
+std::size_t SocketCalls::sendQueue(int descriptor) {
+  int bytes = 0;
+  return ::ioctl(descriptor, SIOCOUTQ, &bytes) == 0 && bytes > 0 ? static_cast<std::size_t>(bytes) : 0;
 }
 
 SocketCalls& SocketCalls::system() {

@@ -27,6 +27,8 @@ public:
   virtual int setOption(int descriptor, int level, int option, const void* value, socklen_t length);
   virtual ssize_t send(int descriptor, const void* bytes, std::size_t count, int flags);
   virtual ssize_t receive(int descriptor, void* bytes, std::size_t count, int flags);
+  // How many bytes wait to be sent, or for the peer to say that it has them; 0 where the system doesn't say.
+  virtual std::size_t sendQueue(int descriptor);
 
   static SocketCalls& system();
 };

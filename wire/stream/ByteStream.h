@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 namespace tarn {
@@ -8,11 +9,18 @@ namespace tarn {
 // What carries the bytes between a connection and its server. Held by std::shared_ptr: by the connection, and by each
 // call that works on it, so that closing takes nothing away from under a call.
 //
-// Any thread may call shutDown() and wasShutDown(); all else belongs to the thread that holds the connection's lock.
+// Any thread may call shutDown(), wasShutDown() and traffic(); all else belongs to the thread that holds the
+// connection's lock.
 class ByteStream {
 public:
   // How many bytes peek() looks at, at most.
   static constexpr std::size_t windowSize = std::size_t{128} * 1024;
+
+  // Bytes since the stream was opened: those that have left for the server, and those taken off.
+  struct Traffic {
+    std::uint64_t sent = 0;
+    std::uint64_t received = 0;
+  };
 
   ByteStream() = default;
   ByteStream(const ByteStream&) = delete;
@@ -39,6 +47,8 @@ public:
   // Ends the connection: a call that waits on it fails, and so does every later one.
   virtual void shutDown() = 0;
   virtual bool wasShutDown() const = 0;
+
+  virtual Traffic traffic() const = 0;
 };
 
 }  // namespace tarn
