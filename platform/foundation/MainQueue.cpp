@@ -9,6 +9,10 @@ void MainQueue::addOperationWithBlock(Block block) {
     const MutexLock lock(mutex_);
     blocks_.push_back(std::move(block));
   }
+  wake();
+}
+
+void MainQueue::wake() {
   const MutexLock lock(wakeMutex_);
   if (wake_) wake_();
 }

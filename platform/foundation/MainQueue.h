@@ -4,6 +4,7 @@
 
 #include <deque>
 #include <functional>
+#include <utility>
 
 namespace tarn {
 
@@ -12,6 +13,22 @@ namespace tarn {
 class MainQueue final {
 public:
   using Block = std::function<void()>;
+
+  // While one lives no block runs; what waits, or is posted meanwhile, runs afterwards. Main thread.
+  class Hold final {
+  public:
+    explicit Hold(MainQueue& queue) : queue_(queue), wasRunning_(std::exchange(queue.running_, true)) {}
+    Hold(const Hold&) = delete;
+    Hold& operator=(const Hold&) = delete;
+    ~Hold() {
+      queue_.running_ = wasRunning_;
+      queue_.wake();
+    }
+
+  private:
+    MainQueue& queue_;
+    const bool wasRunning_;
+  };
 
   MainQueue() = default;
   MainQueue(const MainQueue&) = delete;
@@ -29,6 +46,8 @@ public:
   void setWaker(std::function<void()> wake);
 
 private:
+  void wake();
+
   Mutex mutex_;
   std::deque<Block> blocks_ GUARDED_BY(mutex_);
   Mutex wakeMutex_;

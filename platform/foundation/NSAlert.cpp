@@ -36,10 +36,8 @@ NSAlert::Presenter NSAlert::setPresenter(Presenter presenter) {
   return std::exchange(immortal<Presenter>(), std::move(presenter));
 }
 
-void showAlert(std::string message) {
-  NSAlert alert;
-  alert.setMessageText(std::move(message));
-  alert.runModal();
+void showAlert(std::string message, std::string informative) {
+  askUser(std::move(message), std::move(informative), {});
 }
 
 void postAlert(std::string message) {

@@ -44,8 +44,8 @@ private:
   std::vector<std::string> buttonTitles_;
 };
 
-// The usual alert: one message, one button.
-void showAlert(std::string message);
+// The usual alert: one message, perhaps more to say under it, and one button.
+void showAlert(std::string message, std::string informative = {});
 
 // The same, later, on the main queue. Any thread.
 void postAlert(std::string message);

@@ -68,6 +68,9 @@ public:
   void scrollRowToVisible(int row);
 
   TableCells& cells() { return cells_; }
+  // Row and column of the open cell are -1 while there is none.
+  int openRow() const { return editor_.row(); }
+  int openColumn() const { return editor_.column(); }
   // What the cell shows, in sight or not, without making it.
   std::string textAt(int row, int column);
 
