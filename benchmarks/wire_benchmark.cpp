@@ -188,7 +188,7 @@ int run(int argc, char** argv) {
          require(keys.size() >= keyCount, "scanKeys");
        }},
       {"lrangeAll of 1,000,000 items of 20 bytes", 1, 1, 31, "ms", 1000, 1.45,
-       [](ServerItem& server) { require(server.lrangeAll("list"_bytes).size() == itemCount, "lrangeAll"); }},
+       [](ServerItem& server) { require(server.lrangeAll("list"_bytes)->size() == itemCount, "lrangeAll"); }},
       {"console line LRANGE of 1,000,000 items of 20 bytes", 1, 1, 21, "ms", 1000, 3,
        [](ServerItem& server) {
          require(server.executeConsoleCommand("lrange list 0 -1").size() > std::size_t{20} * itemCount, "lrange");

@@ -65,7 +65,7 @@ std::vector<Bytes> rowsOf(int port, const char* key) {
   server.setServerIp("127.0.0.1");
   server.setServerPort(port);
   if (!server.connectToServer().ok) throw std::runtime_error("no connection");
-  return server.lrangeAll(Bytes(key));
+  return server.lrangeAll(Bytes(key)).value();
 }
 
 }  // namespace

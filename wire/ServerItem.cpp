@@ -50,6 +50,11 @@ void ServerItem::closeConnection() {
   setTimer(nullptr);
 }
 
+void ServerItem::giveUp() {
+  closeConnection();
+  postToMainQueue(weak_from_this(), [](ServerItem& self) { self.showRowAndStatus(); });
+}
+
 void ServerItem::startLivenessTimer() {
   if (life_ == Life::transient) return;
   setTimer(NSTimer::scheduledTimerWithTimeInterval(refreshInterval, true, [weak = weak_from_this()] {
@@ -65,15 +70,19 @@ void ServerItem::setTimer(std::shared_ptr<NSTimer> timer) {
   if (timer) timer->invalidate();
 }
 
-void ServerItem::showServerError(std::string message) {
-  NSOperationQueue::mainQueue().addOperationWithBlock([weak = weak_from_this(), message = std::move(message)] {
-    const auto self = weak.lock();
-    if (ServerItemHost* const host = self ? self->host() : nullptr) {
-      host->reloadServerRow(self);
-      host->showStatusInTab(self);
-    }
-    showAlert(message);
-  });
+void ServerItem::showServerError(std::string message, std::string informative) {
+  NSOperationQueue::mainQueue().addOperationWithBlock(
+      [weak = weak_from_this(), message = std::move(message), informative = std::move(informative)] {
+        if (const auto self = weak.lock()) self->showRowAndStatus();
+        showAlert(message, informative);
+      });
+}
+
+void ServerItem::showRowAndStatus() {
+  ServerItemHost* const host = this->host();
+  if (host == nullptr) return;
+  host->reloadServerRow(shared_from_this());
+  host->showStatusInTab(shared_from_this());
 }
 
 std::shared_ptr<const ServerItem::Databases> ServerItem::dbs() const {

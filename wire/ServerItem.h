@@ -85,11 +85,19 @@ public:
   // databases, no timer. A connect under way fails, and leaves the status as set here.
   void closeConnection();
 
+  // Main queue. The user waits no longer for what goes on: the connection is closed, and its tab and row show it.
+  void giveUp();
+
+  // The traffic of the present connection. Waits for nothing.
+  ByteStream::Traffic traffic() const { return connection().traffic(); }
+
   // True while there is a connection that the peer hasn't closed; takes nothing from the stream.
   bool isAlive() { return connection().isAlive(); }
 
   // Tree row, status label and one alert for a failed command. Any thread; it happens on the main queue, later.
-  void showServerError(std::string message) override;
+  void showServerError(std::string message) override { showServerError(std::move(message), {}); }
+  // The same, with more to say under the message.
+  void showServerError(std::string message, std::string informative);
 
   // --- Databases and their key counts -----------------------------------------------------------------------------
 
@@ -113,6 +121,14 @@ public:
   // Empty if there was nothing to send. Follows no redirect. A lost connection is made anew, on the same database. A
   // line that moves the connection to another one carries currentDbIdx along, and the tab with it.
   std::string executeConsoleCommand(std::string_view line);
+  // The two halves of it. Any thread may call the first, which shows nothing of where the connection stands then;
+  // `movedDatabase` says that the second has that to show.
+  struct ConsoleReply {
+    std::string text;
+    bool movedDatabase = false;
+  };
+  ConsoleReply replyToConsoleLine(std::string_view line);
+  void showSelectedDatabase();
   // True for a line that may move the connection to another database, and so may run with no block of the queue only.
   static bool mayMoveDatabase(std::string_view line);
 
@@ -133,12 +149,13 @@ private:
   ServerItemHost* host() const;
 
   void setTimer(std::shared_ptr<NSTimer> timer);
+  void showRowAndStatus();
 
   void replaceDbs(int count, Epoch began);
   void infoFromServer();
 
-  void showDatabaseUnless(int database);
-  void renewConnection(Epoch began, int database);
+  bool standsElsewhere(int database) const;
+  bool renewConnection(Epoch began, int database);
   void reconnectInBackground(Epoch began, int database);
 
   const Life life_;

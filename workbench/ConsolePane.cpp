@@ -82,12 +82,15 @@ void ConsolePane::runTypedLine() {
 // The line acts on the database that the tab shows. Without a connection nothing is selected, since the line makes a
 // new one.
 std::string ConsolePane::reply(const std::string& command) {
-  std::string result;
+  ServerItem::ConsoleReply reply;
   const int database = tab_.queue.database();
+  const std::string awaited = replacingPlaceholder(localizedString("Waiting for the server's reply to '{0}'."), "{0}",
+                                                   consoleCommandWord(command));
   const bool isSent = tab_.queue.performInDatabase(
-      database, [&](ServerItem& server) { result = server.executeConsoleCommand(command); },
-      {.runsAlone = ServerItem::mayMoveDatabase(command), .connects = true});
-  if (isSent) return result;
+      database, [&](ServerItem& server) { reply = server.replyToConsoleLine(command); },
+      {.awaited = awaited, .runsAlone = ServerItem::mayMoveDatabase(command), .connects = true});
+  if (reply.movedDatabase) tab_.queue.server()->showSelectedDatabase();
+  if (isSent) return std::move(reply.text);
   return replacingPlaceholder(localizedString("(Err) Not sent, since db{0} can not be selected."), "{0}",
                               std::to_string(database));
 }

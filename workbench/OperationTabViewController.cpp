@@ -66,6 +66,11 @@ OperationTabViewController::OperationTabViewController() : d_(std::make_shared<P
   outlets.popValueDataCharset.setAction([this] { changeValueDataCharset(); });
   outlets.chkTranslate.setAction([this] { translateSlash(); });
   d_->browser.setKeySelected([loader = &d_->loader](const Bytes& key, int row) { loader->selectKey(key, row); });
+  d_->saver.setFormSaved([d = d_.get()] {
+    // A load that still runs may bring what the server held before.
+    d->loader.dropRunningLoads();
+    d->tab.unseen.reset();
+  });
   d_->loader.setRowsShown([d = d_.get()] { d->resizePanesLater(); });
   outlets.chkTranslate.setState(false);
 }
@@ -207,6 +212,7 @@ void OperationTabViewController::newKeyTypeChosen(ValueType type) {
   tab.loadedKey.reset();
   d_->panes.show(type);
   tab.isNew = true;
+  tab.unseen.reset();
   resetFormForNewKey();
 }
 
@@ -225,6 +231,10 @@ void OperationTabViewController::doResizeLater() {
 void OperationTabViewController::changeKeyDataCharset() {
   d_->tab.outlets.labKey.setStringValue(keyLabelText(d_->tab.outlets.popKeyDataCharset.titleOfSelectedItem()));
   resetFormForNewKey();
+  if (!d_->tab.isNew) {
+    d_->panes.string().empty();
+    d_->tab.unseen.emplace();
+  }
   search();
 }
 

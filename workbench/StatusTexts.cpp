@@ -22,6 +22,11 @@ std::string dealingQueueText(std::size_t operationCount) {
   return localizedString("Dealing Queue:") + std::to_string(operationCount);
 }
 
+std::string trafficText(std::uint64_t sentBytes, std::uint64_t receivedBytes) {
+  return replacingPlaceholders(localizedString("Sent: {0} byte(s). Received: {1} byte(s)."), std::to_string(sentBytes),
+                               std::to_string(receivedBytes));
+}
+
 std::string unknownTypeText() {
   return localizedString("Type:");
 }

@@ -3,6 +3,7 @@
 #include "wire/stream/ConnectionStatus.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -12,6 +13,8 @@ namespace tarn {
 
 std::string serverStatusText(ConnectionStatus status);
 std::string dealingQueueText(std::size_t operationCount);
+// How far work that is waited for has come.
+std::string trafficText(std::uint64_t sentBytes, std::uint64_t receivedBytes);
 
 // The type of the value: nothing known; a type, or the server's word while it is handled; a word that no pane shows.
 std::string unknownTypeText();

@@ -1,7 +1,9 @@
 #include "workbench/TabQueue.h"
 
-#include "platform/appkit/NSApplication.h"
+#include "platform/appkit/WaitPanel.h"
 #include "workbench/StatusTexts.h"
+
+#include <algorithm>
 
 namespace tarn {
 
@@ -22,23 +24,31 @@ void TabQueue::addInDatabase(int database, Work work) {
   server_->operationQueue().addOperationWithBlock(run);
 }
 
-bool TabQueue::performInDatabase(int database, const std::function<void(ServerItem& server)>& work, WorkTraits traits) {
+bool TabQueue::performInDatabase(int database, const std::function<void(ServerItem& server)>& work,
+                                 const WorkTraits& traits) {
   const std::shared_ptr<ServerItem> server = server_;
   if (!server) return false;
-  const WaitCursor cursor;
   bool isDone = false;
   const auto isThere = [&] { return server->currentDbIdx() == database || (traits.connects && !server->isAlive()); };
-  if (!traits.runsAlone) {
-    server->operationQueue().performBesideOperations([&] {
-      isDone = isThere();
+  const auto perform = [&] {
+    if (!traits.runsAlone) {
+      server->operationQueue().performBesideOperations([&] {
+        isDone = isThere();
+        if (isDone) work(*server);
+      });
+    }
+    if (isDone) return;
+    server->operationQueue().performAsBarrier([&] {
+      isDone = isThere() || server->selectDb(database);
       if (isDone) work(*server);
     });
-  }
-  if (isDone) return true;
-  server->operationQueue().performAsBarrier([&] {
-    isDone = isThere() || server->selectDb(database);
-    if (isDone) work(*server);
-  });
+  };
+  const auto progress = [server = server.get(), before = server->traffic()] {
+    const ByteStream::Traffic now = server->traffic();
+    return trafficText(now.sent - std::min(before.sent, now.sent),
+                       now.received - std::min(before.received, now.received));
+  };
+  performAwaited(perform, {traits.awaited, progress, [&server] { server->giveUp(); }});
   return isDone;
 }
 

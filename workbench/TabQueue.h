@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 #include <utility>
 
 namespace tarn {
@@ -27,6 +28,8 @@ private:
 
 // What sets some work that is done at once apart.
 struct WorkTraits {
+  // What is awaited, for the user.
+  std::string awaited;
   // It may choose another database: no block of the queue may find itself in another one than it began in.
   bool runsAlone = false;
   // It makes a lost connection anew, which selects the database by itself.
@@ -62,10 +65,10 @@ public:
   // The same for the database that was shown when the work was asked for.
   void addInDatabase(int database, Work work);
 
-  // Does such work here and now, between the queue's blocks, and under a wait cursor; no SELECT of theirs comes
-  // between. Where the wire stands elsewhere, SELECT is sent first, when the running blocks have ended; if that fails,
-  // or without a server, the work is dropped, and the answer is false.
-  bool performInDatabase(int database, const std::function<void(ServerItem& server)>& work, WorkTraits traits = {});
+  // Does such work now, between the queue's blocks, on a thread of its own which is waited for: see performAwaited. No
+  // SELECT of theirs comes between. Where the wire stands elsewhere, SELECT is sent first, when the running blocks have
+  // ended; if that fails, or without a server, the work is dropped, and the answer is false.
+  bool performInDatabase(int database, const std::function<void(ServerItem& server)>& work, const WorkTraits& traits);
 
   // Queues a SELECT of this database, behind the running blocks and before all others. Then, on the main queue, `ended`
   // is called with whether the server took it. The queue label follows. Without a server nothing happens.

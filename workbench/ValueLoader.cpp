@@ -13,7 +13,7 @@ namespace tarn {
 
 namespace {
 
-std::vector<Bytes> replyOf(ServerItem& server, const Bytes& key, ValueType type) {
+std::optional<std::vector<Bytes>> replyOf(ServerItem& server, const Bytes& key, ValueType type) {
   switch (type) {
     case ValueType::string:
       break;
@@ -26,7 +26,7 @@ std::vector<Bytes> replyOf(ServerItem& server, const Bytes& key, ValueType type)
     case ValueType::sortedSet:
       return server.zrangeAll(key);
   }
-  return {};
+  return std::nullopt;
 }
 
 }  // namespace
@@ -59,6 +59,8 @@ void ValueLoader::selectKey(const Bytes& key, int row) {
   dropRunningLoads();
   tab_.isNew = false;
   tab_.type.reset();
+  // What is typed from now on is no new name for the key that was shown before.
+  tab_.loadedKey.reset();
   form_.blank("", "");
   form_.showType(unknownTypeText());
   panes_.string().empty();
@@ -73,6 +75,7 @@ void ValueLoader::loadValue(const Bytes& key, int row) {
   logLine("loadValueForCurrentKey begin");
   if (key.empty()) return;
   tab_.outlets.chkTranslate.setState(true);
+  tab_.unseen.emplace();
   const int number = ++newestLoad_;
   tab_.queue.addInShownDatabase([this, number, key, row](ServerItem& server, const TabPoster& tab) {
     load(server, Stages(*this, tab, number), key, row);
@@ -102,13 +105,15 @@ void ValueLoader::load(ServerItem& server, const Stages& stages, const Bytes& ke
 
 void ValueLoader::loadString(ServerItem& server, const Stages& stages, const Bytes& key) {
   auto [found, value] = server.getValue(key);
-  if (!found) return stages.post([](ValueLoader& loader) { loader.showNoString(); });
+  if (!found) return stages.post([](ValueLoader& loader) { loader.showNoValue(); });
   stages.post(
       [key, value = std::move(value)](ValueLoader& loader) mutable { loader.showStringValue(key, std::move(value)); });
 }
 
 void ValueLoader::loadRows(ServerItem& server, const Stages& stages, const Bytes& key, ValueType type) {
-  stages.post([key, type, rows = loadedRows(type, replyOf(server, key, type))](ValueLoader& loader) mutable {
+  std::optional<std::vector<Bytes>> reply = replyOf(server, key, type);
+  if (!reply) return stages.post([](ValueLoader& loader) { loader.showNoValue(); });
+  stages.post([key, type, rows = loadedRows(type, *std::move(reply))](ValueLoader& loader) mutable {
     loader.showRows(key, type, std::move(rows));
   });
 }
@@ -158,19 +163,22 @@ void ValueLoader::showStringValue(const Bytes& key, Bytes value) {
   showValueKey(key);
   form_.showDataSize(dataSizeText(value.size()));
   panes_.string().showValue(std::move(value));
+  tab_.unseen.reset();
   tab_.queue.updateDealingQueueLabel();
   logLine("string get success main operation finished");
 }
 
-void ValueLoader::showNoString() {
+void ValueLoader::showNoValue() {
   form_.showDataSize(noDataSizeText());
-  panes_.string().empty();
+  if (!panes_.rowsOf(tab_.type)) panes_.string().empty();
   tab_.queue.updateDealingQueueLabel();
 }
 
 void ValueLoader::showRows(const Bytes& key, ValueType type, LoadedRows rows) {
   showValueKey(key);
   const bool isComplete = rows.isComplete;
+  tab_.unseen.reset();
+  if (!isComplete) tab_.unseen.emplace(rows.scores.size());
   const std::string size = dataSizeText(rows.bytes, rows.count);
   RowsPane& pane = *panes_.rowsOf(type);
   pane.setRows(std::move(rows));

@@ -22,7 +22,7 @@ public:
 
   // Blanks the form and loads the key of this row of tableKeys.
   void selectKey(const Bytes& key, int row);
-  // What running loads still bring is dropped.
+  // What running loads still bring is dropped. A value that a load would have brought stays unseen.
   void dropRunningLoads() { ++newestLoad_; }
 
 private:
@@ -42,7 +42,7 @@ private:
   void showBlankForm();
   void showKeyTtl(const std::string& ttl, const Bytes& key, int row);
   void showStringValue(const Bytes& key, Bytes value);
-  void showNoString();
+  void showNoValue();
   void showRows(const Bytes& key, ValueType type, LoadedRows rows);
   void showValueKey(const Bytes& key);
   void showStringPane();

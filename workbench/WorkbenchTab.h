@@ -5,6 +5,7 @@
 #include "workbench/text/TextForm.h"
 #include "workbench/value/ValueType.h"
 
+#include <cstddef>
 #include <optional>
 
 namespace tarn {
@@ -20,6 +21,14 @@ struct WorkbenchTab {
   bool isNew = false;
   // The key whose value the form shows.
   std::optional<Bytes> loadedKey;
+
+  // A value that a save would replace without its being on show whole: its load still runs, or has failed, or the form
+  // was emptied.
+  struct Unseen {
+    // How many rows the server says it has, if that is known.
+    std::optional<std::size_t> rows;
+  };
+  std::optional<Unseen> unseen;
 
   // How keys and values are shown and read, as their pop-ups and chkTranslate say now.
   TextForm keyForm() const { return chosenForm(outlets.popKeyDataCharset); }

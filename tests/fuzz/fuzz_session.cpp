@@ -7,6 +7,7 @@
 #include "tests/fuzz/Fuzz.h"
 #include "tests/wire/MemoryCalls.h"
 #include "wire/ServerItem.h"
+#include "wire/command/KeyWriting.h"
 #include "wire/socket/TcpConnect.h"
 
 #include <fcntl.h>
@@ -66,6 +67,8 @@ private:
 void perform(char step, ServerItem& server) {
   static constexpr const char* lines[] = {"get k", "multi", "exec", "discard", "select 2", "reset", "subscribe k"};
   const Bytes key("k");
+  const std::vector<Bytes> rows{key, key};
+  KeyWriting writing(key, 9);
   // clang-format off
   switch (step) {
     case 'd': server.loadDatabases(); break;
@@ -79,11 +82,8 @@ void perform(char step, ServerItem& server) {
     case 'm': server.sscanAll(key); break;
     case 'h': server.hscanAll(key); break;
     case 'D': server.deleteKey(key); break;
-    case 'G': server.setValue(key, key, 9); break;
-    case 'L': server.pushListItems(key, {key, key}, -1); break;
-    case 'M': server.addSetMembers(key, {key}, 9); break;
-    case 'H': server.setHashFields(key, {key}, {key}, 9); break;
-    case 'Z': server.addSortedSetMembers(key, {"1"}, {key}, 9); break;
+    case 'G': writing.setString(key); server.write(writing); break;
+    case 'L': writing.moveFrom(key); writing.setList(rows); server.write(writing); break;
     case '!': server.closeConnection(); break;
     default: require(isValidUtf8(server.executeConsoleCommand(lines[static_cast<unsigned char>(step) % std::size(lines)])));
   }

@@ -27,8 +27,9 @@ public:
   // Ends the server, as a crash does; `start` brings it up again on the same port, empty.
   void kill();
   void start();
-  // Stops the process: its sockets stay open and nothing answers.
+  // Stops the process: its sockets stay open and nothing answers, until it goes on.
   void freeze() { ::kill(pid_, SIGSTOP); }
+  void thaw() { ::kill(pid_, SIGCONT); }
   std::string password() const;
 
 private:

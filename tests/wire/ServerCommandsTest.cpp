@@ -1,4 +1,5 @@
 #include "tests/wire/WireTest.h"
+#include "wire/command/KeyWriting.h"
 
 #include <algorithm>
 
@@ -21,6 +22,9 @@ std::string shown(const std::vector<Bytes>& list) {
     text += std::string(element.view()) + ",";
   return text + "]";
 }
+std::string shown(const std::optional<std::vector<Bytes>>& found) {
+  return found ? shown(*found) : "nothing";
+}
 
 template <typename Method, typename... Arguments>
 Call on(Method method, Arguments... arguments) {
@@ -36,12 +40,7 @@ std::string scanReply(const std::string& cursor, const Messages& elements) {
 
 TEST_F(ServerCommandsTest, SendWhatIsStatedReadTheRepliesAndShowOneAlertForEachFailure) {
   using S = ServerItem;
-  const std::vector<Bytes> f{"f"_bytes};
-  const std::vector<Bytes> fg{"f"_bytes, "g"_bytes};
-  const std::vector<std::string> score{"1.5"};
-  const std::string ok = "+OK\r\n";
   const Bytes k = "k"_bytes;
-  const Bytes v("\0\xFF"_bytes);
   const std::string zero = "*2\r\n$1\r\n0\r\n$2\r\n\xFF\r\r\n";
   const std::string noCursor = "Can not get scan cursor from server(994)";
   struct Case {
@@ -56,18 +55,10 @@ TEST_F(ServerCommandsTest, SendWhatIsStatedReadTheRepliesAndShowOneAlertForEachF
       {on(&S::getValue, k), {"$2\r\n\xFF\r\r\n"}, "true \xFF\r", "get k"},
       {on(&S::getValue, k), {"_\r\n"}, "true ", "get k"},
       {on(&S::lrangeAll, k), {zero}, "[0,\xFF\r,]", "lrange k 0 -1"},
-      {on(&S::lrangeAll, k), {"-ERR\r\n"}, "[]", "lrange k 0 -1", {"ERR"}},
+      {on(&S::lrangeAll, k), {"*0\r\n"}, "[]", "lrange k 0 -1"},
+      {on(&S::lrangeAll, k), {"-ERR\r\n"}, "nothing", "lrange k 0 -1", {"ERR"}},
       {on(&S::zrangeAll, k), {zero}, "[0,\xFF\r,]", "zrange k 0 -1 withscores"},
       {on(&S::deleteKey, k), {":0\r\n"}, "true", "del k"},
-      {on(&S::setValue, k, v, -1), {":0\r\n", ok}, "true", std::string("persist k|set k \0\xFF", 18)},
-      {on(&S::setValue, k, v, 0), {ok}, "true", std::string("set k \0\xFF EX 0", 13)},
-      {on(&S::setValue, k, v, -1), {"-ERR first\r\n"}, "false", "persist k", {"ERR first"}},
-      {on(&S::addSetMembers, k, f, 5), {":1\r\n", "-ERR second\r\n"}, "false", "sadd k f|expire k 5", {"ERR second"}},
-      {on(&S::pushListItems, k, fg, 0), {":2\r\n", ":1\r\n"}, "true", "rpush k f g|expire k 0"},
-      // What has no partner isn't sent.
-      {on(&S::setHashFields, k, fg, f, -1), {ok}, "true", "hmset k f f"},
-      {on(&S::setHashFields, k, std::vector<Bytes>(), f, -1), {ok}, "true", "hmset k"},
-      {on(&S::addSortedSetMembers, k, score, fg, 9), {":1\r\n", ":1\r\n"}, "true", "zadd k 1.5 f|expire k 9"},
       // Up to the limit.
       {on(&S::scanKeys, k, 100, false), {noCluster, scanReply("17", {}), scanReply("99", {"a", "b"}), scanReply("0", {"c"})}, "[a,b,c,]",
        "cluster nodes|scan 0 MATCH k COUNT 1000|scan 17 MATCH k COUNT 1000|scan 99 MATCH k COUNT 1000"},
@@ -79,9 +70,9 @@ TEST_F(ServerCommandsTest, SendWhatIsStatedReadTheRepliesAndShowOneAlertForEachF
       {on(&S::hscanAll, k), {scanReply("7", {"f", "1"}), scanReply("0", {"f", "1"})}, "[f,1,f,1,]",
        "hscan k 0 COUNT 1000|hscan k 7 COUNT 1000"},
       // With the rest goes what was found before.
-      {on(&S::sscanAll, k), {scanReply("1", {"a"}), "-ERR over\r\n"}, "[]", "sscan k 0 COUNT 1000|sscan k 1 COUNT 1000", {"ERR over"}},
-      {on(&S::sscanAll, k), {scanReply("1", {"a"}), "*0\r\n"}, "[]", "sscan k 0 COUNT 1000|sscan k 1 COUNT 1000", {noCursor}},
-      {on(&S::sscanAll, k), {scanReply("1", {"a"}), "+0\r\n"}, "[]", "sscan k 0 COUNT 1000|sscan k 1 COUNT 1000", {noCursor}},
+      {on(&S::sscanAll, k), {scanReply("1", {"a"}), "-ERR over\r\n"}, "nothing", "sscan k 0 COUNT 1000|sscan k 1 COUNT 1000", {"ERR over"}},
+      {on(&S::sscanAll, k), {scanReply("1", {"a"}), "*0\r\n"}, "nothing", "sscan k 0 COUNT 1000|sscan k 1 COUNT 1000", {noCursor}},
+      {on(&S::sscanAll, k), {scanReply("1", {"a"}), "+0\r\n"}, "nothing", "sscan k 0 COUNT 1000|sscan k 1 COUNT 1000", {noCursor}},
       {on(&S::scanKeys, k, 9, false), {noCluster, scanReply("\xFF", {"b"})}, "[]", "cluster nodes|scan 0 MATCH k COUNT 1000", {noCursor}},
   };
   // clang-format on
@@ -103,11 +94,21 @@ TEST_F(Cluster, IsReadAndWrittenThroughOneOfItsNodes) {
     refresh(*client);
     return client->dbs()->front()->keysCount();
   };
+  // Each key comes from another one, on the same node or not, in the same slot or not.
   std::vector<Bytes> expected;
   for (int i = 0; i < 60; ++i) {
-    expected.emplace_back("key" + std::to_string(i));
-    EXPECT_TRUE(client->setValue(expected.back(), expected.back(), -1));
-    EXPECT_EQ(client->getValue(expected.back()), std::pair(true, expected.back()));
+    const std::string name = "key" + std::to_string(i);
+    const Bytes before(i % 2 == 0 ? "{" + name + "}" : "old" + name);
+    ASSERT_TRUE(client->execute(RedisCommand::sadd, {before.view(), "member"}).ok);
+    expected.emplace_back(name);
+    KeyWriting writing(expected.back(), 60);
+    writing.moveFrom(before);
+    const std::vector<Bytes> items{expected.back()};
+    writing.setList(items);
+    const WriteOutcome outcome = client->write(writing);
+    EXPECT_TRUE(outcome.isWritten && outcome.isOldKeyGone) << outcome.message;
+    EXPECT_EQ(client->lrangeAll(expected.back()), items);
+    EXPECT_EQ(client->keyType(before).second, "none");
   }
   auto keys = client->scanKeys("key*"_bytes, noLimit, false);
   std::sort(keys.begin(), keys.end());

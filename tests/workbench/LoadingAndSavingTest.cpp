@@ -238,6 +238,15 @@ struct Model {
   }
 };
 
+// One field in several rows, with other values.
+bool hasDoubles(const Texts& rows) {
+  std::map<std::string, std::string> values;
+  for (std::size_t i = 0; i < rows.size(); i += 2) {
+    if (values.emplace(rows[i], rows[i + 1]).first->second != rows[i + 1]) return true;
+  }
+  return false;
+}
+
 struct RandomRows {
   std::mt19937 engine;
 
@@ -335,13 +344,17 @@ TEST_F(SavingBytesTest, LoadEditSaveAndReloadFollowTheRules) {
       meant.push_back(isScore ? each.bytes : model.savedAs(each));
     }
     const bool asks = kept != meant;
+    const std::size_t doubles = type == "hash" && hasDoubles(keepsBytes ? kept : meant) ? 1 : 0;
     if (asks) alerts.answerNext(keepsBytes ? keeps : converts);
+    if (doubles > 0) alerts.answerNext(1001);
     const Texts told = save();
-    ASSERT_EQ(told.size(), asks ? 2U : 1U) << ::testing::PrintToString(told);
+    ASSERT_EQ(told.size(), 1U + (asks ? 1 : 0) + doubles) << ::testing::PrintToString(told);
     ASSERT_EQ(told.back(), "Saved.");
     ASSERT_TRUE(holds(type, keepsBytes ? kept : meant));
     // What was converted is so now, though its text is on show as it was.
-    ASSERT_EQ(save().size(), asks && keepsBytes ? 2U : 1U);
+    if (asks && keepsBytes) alerts.answerNext(keeps);
+    if (doubles > 0) alerts.answerNext(1001);
+    ASSERT_EQ(save().size(), 1U + (asks && keepsBytes ? 1 : 0) + doubles);
   }
 }
 

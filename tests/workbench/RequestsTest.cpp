@@ -14,13 +14,13 @@
 namespace tarn::test {
 namespace {
 
-// A server of four databases that takes everything, lists the keys "a", "b" and "c", which are strings of their names
-// or of one type and value, and remembers each request of a tab's own as one line of words.
+// A server of four databases that takes everything, also in transactions, lists the keys "a", "b" and "c", which are
+// strings of their names or of one type and value, and remembers each request of a tab's own as one line of words.
 class RecordingServer final {
 public:
   int port() const { return peer_.port(); }
 
-  // What TYPE says of every key, and the reply to the command that reads its value.
+  // What TYPE says of the keys that there are, and the reply to the command that reads its value.
   void hold(const std::string& type, const std::string& value) {
     const std::lock_guard lock(mutex_);
     usual_["type"] = "+" + type + "\r\n";
@@ -36,6 +36,7 @@ public:
   void allow() {
     const std::lock_guard lock(mutex_);
     special_.clear();
+    keys_ = {"a", "b", "c"};
   }
 
   // All since the last call.
@@ -48,18 +49,47 @@ public:
   std::mutex scans;
 
 private:
-  std::string take(const Texts& words) {
+  // What a connection has queued since MULTI.
+  struct Transaction {
+    bool isOpen = false;
+    bool isRefused = false;
+    std::string replies;
+    int count = 0;
+  };
+
+  std::string take(const Texts& words, Transaction& transaction) {
     const std::lock_guard lock(mutex_);
     const std::string& command = words.front();
     if (!std::set<std::string>{"info", "cluster", "config"}.contains(command)) sent_.push_back(joined(words, " "));
+    const std::string reply = replyTo(words);
+    if (reply.empty() || !transaction.isOpen) {
+      transaction.isOpen = command == "multi" && reply.starts_with('+');
+      return reply;
+    }
+    if (command == "exec") {
+      const Transaction ended = std::exchange(transaction, {});
+      if (!special_.contains(command) && ended.isRefused) return "-EXECABORT discarded\r\n";
+      return special_.contains(command) ? reply : "*" + std::to_string(ended.count) + "\r\n" + ended.replies;
+    }
+    transaction.isRefused = transaction.isRefused || reply.starts_with('-');
+    transaction.replies += reply;
+    ++transaction.count;
+    return reply.starts_with('-') ? reply : "+QUEUED\r\n";
+  }
+
+  std::string replyTo(const Texts& words) {
+    const std::string& command = words.front();
     if (special_.contains(command)) return special_.at(command);
+    if (std::set<std::string>{"set", "rpush", "sadd", "hmset", "zadd"}.contains(command)) keys_.insert(words.at(1));
+    if (command == "type" && !keys_.contains(words.at(1))) return "+none\r\n";
     if (usual_.contains(command)) return usual_.at(command);
     return command == "get" ? "$1\r\n" + words.at(1) + "\r\n" : "+OK\r\n";
   }
 
   void serve(ScriptedServer::Peer& at) {
+    Transaction transaction;
     for (Texts words = at.readRequest(); !words.empty(); words = at.readRequest()) {
-      const std::string reply = take(words);
+      const std::string reply = take(words, transaction);
       if (reply.empty()) return;
       if (words.front() == "scan") const std::lock_guard wait(scans);
       at.send(reply);
@@ -73,6 +103,7 @@ private:
                                             {"scan", "*2\r\n$1\r\n0\r\n*3\r\n$1\r\na\r\n$1\r\nb\r\n$1\r\nc\r\n"},
                                             {"type", "+string\r\n"},
                                             {"ttl", ":-1\r\n"}};
+  std::set<std::string> keys_{"a", "b", "c"};
   Texts sent_;
   ScriptedServer peer_{[this](ScriptedServer::Peer& at, int) { serve(at); }};
 };
@@ -93,8 +124,8 @@ protected:
     });
     if (separator == ",") return {};
     Texts log = peer.sent();
-    for (const std::string& message : alerts.messages())
-      log.push_back("!" + message);
+    for (const AlertRecorder::Shown& alert : alerts.shown())
+      log.push_back("!" + alert.message + (alert.informative.empty() ? "" : " " + alert.informative));
     alerts.clear();
     return joined(log);
   }
@@ -150,24 +181,25 @@ TEST_F(RequestsTest, FollowEachOtherAsTheyShouldAndLeaveTheFormAsItShouldBe) {
   // Every save under another name asks, every delete too.
   const std::string moves = "!Are you sure to Move old key 'b' to key 'new'?";
   const std::string deletes = "!Are you sure to Delete the kev-value with key:'b'?";
+  const std::string unchanged = " Nothing was changed on the server.";
   // clang-format off
   // Steps; what is sent, and the alerts; the form and the keys then.
   const std::vector<std::array<std::string, 4>> cases{
       // Saves.
-      {"hold string; open b; save; ttl 60; save", "persist b|set b value|set b value EX 60|!Saved.|!Saved.", "Type: String b 60Second(s) Key Size: 1byte(s) Data Size: 5byte(s)", "a b* c"},
-      {"hold list; open b; save; ttl 60; save", "del b|rpush b one two|del b|rpush b one two|expire b 60|!Saved.|!Saved.", "Type: List b 60Second(s) Key Size: 1byte(s) Data Size: 6byte(s) one|two", "a b* c"},
-      {"hold set; open b; save; ttl 60; save", "del b|sadd b six ten|del b|sadd b six ten|expire b 60|!Saved.|!Saved.", "Type: Set b 60Second(s) Key Size: 1byte(s) Data Size: 6byte(s) six|ten", "a b* c"},
-      {"hold hash; open b; save; ttl 60; save", "del b|hmset b f v g w|del b|hmset b f v g w|expire b 60|!Saved.|!Saved.", "Type: Hash b 60Second(s) Key Size: 1byte(s) Data Size: 4byte(s) v|w", "a b* c"},
-      {"hold zset; open b; save; ttl 60; save", "del b|zadd b inf m 1e+20 n|del b|zadd b inf m 1e+20 n|expire b 60|!Saved.|!Saved.", "Type: SortedSet b 60Second(s) Key Size: 1byte(s) Data Size: 10byte(s) inf|1e+20", "a b* c"},
+      {"hold string; open b; save; ttl 60; save", "multi|persist b|set b value|exec|multi|set b value EX 60|exec|!Saved.|!Saved.", "Type: String b 60Second(s) Key Size: 1byte(s) Data Size: 5byte(s)", "a b* c"},
+      {"hold list; open b; save; ttl 60; save", "multi|del b|rpush b one two|exec|multi|del b|rpush b one two|expire b 60|exec|!Saved.|!Saved.", "Type: List b 60Second(s) Key Size: 1byte(s) Data Size: 6byte(s) one|two", "a b* c"},
+      {"hold set; open b; save; ttl 60; save", "multi|del b|sadd b six ten|exec|multi|del b|sadd b six ten|expire b 60|exec|!Saved.|!Saved.", "Type: Set b 60Second(s) Key Size: 1byte(s) Data Size: 6byte(s) six|ten", "a b* c"},
+      {"hold hash; open b; save; ttl 60; save", "multi|del b|hmset b f v g w|exec|multi|del b|hmset b f v g w|expire b 60|exec|!Saved.|!Saved.", "Type: Hash b 60Second(s) Key Size: 1byte(s) Data Size: 4byte(s) v|w", "a b* c"},
+      {"hold zset; open b; save; ttl 60; save", "multi|del b|zadd b inf m 1e+20 n|exec|multi|del b|zadd b inf m 1e+20 n|expire b 60|exec|!Saved.|!Saved.", "Type: SortedSet b 60Second(s) Key Size: 1byte(s) Data Size: 10byte(s) inf|1e+20", "a b* c"},
       // Moves and deletes, which keep what is still there.
       {"hold list; open b; db 3; reply select -ERR no; delete", "select 3|" + deletes + "|!ERR no", "Type: List b -1(Persist) Key Size: 1byte(s) Data Size: 6byte(s) Data Count:2 one|two", "a b* c"},
-      {"hold list; open b; reply del -ERR no; delete; name new; save", "del b|del b|" + deletes + "|!ERR no|" + moves + "|!ERR no", "Type: List new -1(Persist) Key Size: 1byte(s) Data Size: 6byte(s) Data Count:2 one|two", "a b* c"},
-      {"hold list; open b; reply rpush -ERR no; name new; save", "del b|del new|rpush new one two|" + moves + "|!ERR no", "Type: List new -1(Persist) Key Size: 1byte(s) Data Size: 6byte(s) Data Count:2 one|two", "a c*"},
+      {"hold list; open b; reply del -ERR no; delete; name new; save", "del b|type new|multi|del b|del new|rpush new one two|exec|" + deletes + "|!ERR no|" + moves + "|!ERR no" + unchanged, "Type: List new -1(Persist) Key Size: 1byte(s) Data Size: 6byte(s) Data Count:2 one|two", "a b* c"},
+      {"hold list; open b; reply rpush -ERR no; name new; save", "type new|multi|del b|del new|rpush new one two|exec|" + moves + "|!ERR no" + unchanged, "Type: List new -1(Persist) Key Size: 1byte(s) Data Size: 6byte(s) Data Count:2 one|two", "a b* c"},
       // Behind a question another value comes, which is not what is written; it stays where a key goes, and is saved.
-      {"hold list; open b; name new; behind hold set,open c,db 3; save", "del b|del new|rpush new one two|" + moves + "|!Saved.", "Type: List c -1(Persist) Key Size: 3byte(s) Data Size: 6byte(s) six|ten", "a b c*"},
-      {"hold hash; open b; delete; ttl -1; name b; save", "del b|del b|hmset b f v g w|type b|ttl b|hscan b 0 COUNT 1000|" + deletes + "|!Saved.", "Type: Hash b -1(Persist) Key Size: 1byte(s) Data Size: 4byte(s) Data Count:2 v|w", "a c b*"},
+      {"hold list; open b; name new; behind hold set,open c,db 3; save", "type new|multi|del b|del new|rpush new one two|exec|" + moves + "|!Saved.", "Type: List c -1(Persist) Key Size: 3byte(s) Data Size: 6byte(s) six|ten", "a b c*"},
+      {"hold hash; open b; delete; ttl -1; name b; save", "del b|multi|del b|hmset b f v g w|exec|type b|ttl b|hscan b 0 COUNT 1000|" + deletes + "|!Saved.", "Type: Hash b -1(Persist) Key Size: 1byte(s) Data Size: 4byte(s) Data Count:2 v|w", "a c b*"},
       {"hold hash; open b; behind open c; delete; delete", "del b|" + deletes, "Type:   (Persist) Key Size: 0byte(s) Data Size: 0byte(s)", "a c"},
-      {"hold hash; open b; behind open c; delete; ttl -1; name again; answer 1001; save", "del b|del again|hmset again f v g w|type again|ttl again|hscan again 0 COUNT 1000|" + deletes + "|!Are you sure to Move old key 'c' to key 'again'?|!Saved.", "Type: Hash again -1(Persist) Key Size: 5byte(s) Data Size: 4byte(s) Data Count:2 v|w", "a again* c"},
+      {"hold hash; open b; behind open c; delete; ttl -1; name again; answer 1001; save", "del b|type again|multi|del again|hmset again f v g w|exec|type again|ttl again|hscan again 0 COUNT 1000|" + deletes + "|!Are you sure to Move old key 'c' to key 'again'?|!Saved.", "Type: Hash again -1(Persist) Key Size: 5byte(s) Data Size: 4byte(s) Data Count:2 v|w", "a again* c"},
       // Loads.
       {"hold string; db 2; search; search; key b; db 3; reply select -ERR no; key a", "select 2|scan 0 MATCH * COUNT 1000|scan 0 MATCH * COUNT 1000|type b|ttl b|get b|select 3|!ERR no", "Type:   Key Size: Data Size:", "a* b c"},
       {"whole on; search; search \\B!; whole off", "!Can not decode base64 part of the Search Key '\\B!'", "Type: String a -1(Persist) Key Size: 1byte(s) Data Size: 5byte(s)", ""},
@@ -190,21 +222,38 @@ TEST_F(RequestsTest, FollowEachOtherAsTheyShouldAndLeaveTheFormAsItShouldBe) {
 }
 
 // Refused, or cut off with the connection, on which a new one goes on where the tab is.
-TEST_F(RequestsTest, OfASaveEndWithTheFirstThatFailsAndTheFormStaysToBeSavedAgain) {
+TEST_F(RequestsTest, OfASaveAreTakenWholeOrNotAtAllAndTheFormStaysToBeSavedAgain) {
   run("hold hash; open b; save; ttl 60; save");
   const std::string shown = form();
-  const Texts all{"select 1", "del b", "hmset b f v g w", "expire b 60"};
-  for (const std::string& step : all) {
-    for (const char* reply : {"-ERR refused\r\n", ""}) {
-      SCOPED_TRACE(step + reply);
-      run("connect; db 1");
-      peer.reply(step.substr(0, step.find(' ')), reply);
-      const std::string log = run("save");
-      EXPECT_TRUE(*reply == '\0' || log.ends_with(step + "|!ERR refused"));
-      EXPECT_EQ(std::ranges::count(log, '!'), 1) << log;
-      EXPECT_EQ(form(), shown);
-      EXPECT_EQ(run("connect; db 1; save; save"), joined(all) + "|del b|hmset b f v g w|expire b 60|!Saved.|!Saved.");
-    }
+  const std::string all = "select 1|multi|del b|hmset b f v g w|expire b 60|exec";
+  const std::string plain = "select 1|multi|del b|hmset b f v g w|expire b 60";
+  const std::string unchanged = " Nothing was changed on the server.";
+  const std::string gone = " The key is no longer on the server. This form still holds its value: save again.";
+  const std::string noTtl = " The value is on the server, but without its time to live: save again.";
+  const std::string refused = "-ERR refused\r\n";
+  const std::string lost = "!Can not connect to server";
+  const auto upTo = [](const std::string& log, const std::string& step) {
+    return log.substr(0, log.find(step) + step.size()) + "|";
+  };
+  // clang-format off
+  // The commands of which each is refused, or where there is none cut off with the connection; what is sent, and told.
+  const std::vector<std::tuple<Texts, std::string, std::string>> cases{
+      {{"select"}, refused, "select 1|!ERR refused"}, {{"select"}, "", "select 1|" + lost},
+      {{"multi"}, "", upTo(all, "multi") + lost + unchanged}, {{"del"}, refused, all + "|!ERR refused" + unchanged},
+      {{"hmset"}, refused, all + "|!ERR refused" + unchanged}, {{"expire"}, refused, all + "|!ERR refused" + unchanged},
+      {{"exec"}, refused, all + "|!ERR refused" + unchanged},
+      {{"multi"}, refused, plain + "|!Saved."}, {{"multi", "del"}, refused, upTo(plain, "del b") + "!ERR refused" + unchanged},
+      {{"multi", "hmset"}, refused, upTo(plain, "g w") + "!ERR refused" + gone},
+      {{"multi", "expire"}, refused, plain + "|!ERR refused" + noTtl}};
+  // clang-format on
+  for (const auto& [commands, reply, log] : cases) {
+    SCOPED_TRACE(joined(commands) + reply);
+    run("connect; db 1");
+    for (const std::string& command : commands)
+      peer.reply(command, reply);
+    EXPECT_EQ(run("save"), log);
+    EXPECT_EQ(form(), shown);
+    EXPECT_EQ(run("connect; db 1; save; save"), all + all.substr(all.find('|')) + "|!Saved.|!Saved.");
   }
 }
 
@@ -221,7 +270,7 @@ TEST_F(RequestsTest, OfASaveAreNoneWhileSomethingIsMissing) {
   }
   outlets().chkTranslate.setState(true);
   EXPECT_EQ(run("ttl 9223372036854775807; name \\B; save; name k; save"),
-            "set k  EX 9223372036854775807|type k|ttl k|get k|!Please Enter the Key.|!Saved.");
+            "type k|multi|set k  EX 9223372036854775807|exec|type k|ttl k|get k|!Please Enter the Key.|!Saved.");
   EXPECT_EQ(list(), "k* a b c");
 }
 

@@ -3,8 +3,11 @@
 #include "wire/connection/Connection.h"
 #include "wire/reply/ReplyResult.h"
 #include "wire/request/Arguments.h"
+#include "wire/request/Command.h"
 #include "wire/request/RedisCommand.h"
 
+#include <optional>
+#include <span>
 #include <string>
 
 namespace tarn {
@@ -17,5 +20,12 @@ bool isRedirect(const ReplyResult& reply);
 // redirect, or with why there is none.
 ReplyResult followRedirects(ReplyResult reply, const Connection& connection, const std::string& password,
                             RedisCommand command, Arguments args);
+
+// The line by which the node hands all commands of a transaction over to one other node; nothing where it doesn't.
+std::optional<std::string> redirectOf(const Connection::Transaction& transaction);
+
+// The same for a transaction, which goes to the other node as a whole.
+Connection::Transaction followRedirects(Connection::Transaction transaction, const Connection& connection,
+                                        const std::string& password, std::span<const Command> commands);
 
 }  // namespace tarn

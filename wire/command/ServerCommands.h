@@ -4,12 +4,14 @@
 #include "wire/connection/Connection.h"
 #include "wire/reply/ReplyResult.h"
 #include "wire/request/Arguments.h"
+#include "wire/request/Command.h"
 #include "wire/request/RedisCommand.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -18,6 +20,17 @@
 namespace tarn {
 
 class ClusterNode;
+class KeyWriting;
+
+// What became of a value that was to be written.
+struct WriteOutcome {
+  bool isWritten = false;
+  // The value's old key, if it had another, is on the server no more.
+  bool isOldKeyGone = false;
+  // Texts for the user: why something failed, and what the server holds now.
+  std::string message;
+  std::string whatIsLeft;
+};
 
 // The commands by which the client reads and writes the keys of a server, over one connection to it. Each sends one
 // request after the other and blocks until the replies are in; each shows its own failure.
@@ -51,25 +64,21 @@ public:
   // The seconds as decimal text, "-1" without expiry, "-2" without key.
   std::pair<bool, std::optional<std::string>> keyTtl(const Bytes& key);
   std::pair<bool, Bytes> getValue(const Bytes& key);
-  std::vector<Bytes> lrangeAll(const Bytes& key);
+  // Each of these is nothing where it failed, even if some were found by then.
+  std::optional<std::vector<Bytes>> lrangeAll(const Bytes& key);
   // Member, score, member, score.
-  std::vector<Bytes> zrangeAll(const Bytes& key);
-
-  std::vector<Bytes> sscanAll(const Bytes& key);
+  std::optional<std::vector<Bytes>> zrangeAll(const Bytes& key);
+  std::optional<std::vector<Bytes>> sscanAll(const Bytes& key);
   // Field, value, field, value.
-  std::vector<Bytes> hscanAll(const Bytes& key);
+  std::optional<std::vector<Bytes>> hscanAll(const Bytes& key);
+
   // At most `limit` keys that match the glob; in a cluster those of all masters unless `singleNode`.
   std::vector<Bytes> scanKeys(const Bytes& match, std::int64_t limit, bool singleNode);
 
-  // A ttl below 0 means no expiry.
   bool deleteKey(const Bytes& key);
-  bool setValue(const Bytes& key, const Bytes& value, std::int64_t ttl);
-  bool addSetMembers(const Bytes& key, const std::vector<Bytes>& members, std::int64_t ttl);
-  bool pushListItems(const Bytes& key, const std::vector<Bytes>& items, std::int64_t ttl);
-  bool setHashFields(const Bytes& key, const std::vector<Bytes>& fields, const std::vector<Bytes>& values,
-                     std::int64_t ttl);
-  bool addSortedSetMembers(const Bytes& key, const std::vector<std::string>& scores, const std::vector<Bytes>& members,
-                           std::int64_t ttl);
+  // Writes a value whole, or leaves the server as it was, but where its commands can't be run as one; what is left then
+  // the outcome says. Shows nothing.
+  WriteOutcome write(const KeyWriting& writing);
 
 protected:
   explicit ServerCommands(StreamOpener opener) : connection_(std::move(opener)) {}
@@ -80,10 +89,14 @@ protected:
   const Connection& connection() const { return connection_; }
 
 private:
-  std::vector<Bytes> listOf(RedisCommand command, Arguments args);
-  bool writeThenExpire(RedisCommand command, const std::vector<std::string_view>& args, std::int64_t ttl);
-  std::vector<Bytes> scanToTheEnd(RedisCommand command, std::vector<std::string_view> args, std::size_t cursorAt,
-                                  std::int64_t limit);
+  using Found = std::optional<std::vector<Bytes>>;
+
+  Found listOf(RedisCommand command, Arguments args);
+  Connection::Transaction executeTransaction(std::span<const Command> commands);
+  WriteOutcome writeOneByOne(const KeyWriting& writing);
+  WriteOutcome writeThenDelete(const KeyWriting& writing);
+  Found scanToTheEnd(RedisCommand command, std::vector<std::string_view> args, std::size_t cursorAt,
+                     std::int64_t limit);
   std::vector<Bytes> scanMasters(std::string_view nodes, const Bytes& match, std::int64_t limit);
 
   Connection connection_;

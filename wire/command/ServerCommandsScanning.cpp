@@ -54,7 +54,8 @@ std::vector<Bytes> ServerCommands::scanKeys(const Bytes& match, std::int64_t lim
     const auto text = nodes.text();
     return text ? scanMasters(*text, match, limit) : std::vector<Bytes>();
   }
-  return scanToTheEnd(RedisCommand::scan, {"0", "MATCH", match.view(), "COUNT", "1000"}, 0, limit);
+  return scanToTheEnd(RedisCommand::scan, {"0", "MATCH", match.view(), "COUNT", "1000"}, 0, limit)
+      .value_or(std::vector<Bytes>());
 }
 
 std::vector<Bytes> ServerCommands::scanMasters(std::string_view nodes, const Bytes& match, std::int64_t limit) {
@@ -74,31 +75,31 @@ std::vector<Bytes> ServerCommands::scanMasters(std::string_view nodes, const Byt
   return isWanted ? keys : std::vector<Bytes>();
 }
 
-std::vector<Bytes> ServerCommands::sscanAll(const Bytes& key) {
+ServerCommands::Found ServerCommands::sscanAll(const Bytes& key) {
   return scanToTheEnd(RedisCommand::sscan, {key.view(), "0", "COUNT", "1000"}, 1, noLimit);
 }
 
-std::vector<Bytes> ServerCommands::hscanAll(const Bytes& key) {
+ServerCommands::Found ServerCommands::hscanAll(const Bytes& key) {
   return scanToTheEnd(RedisCommand::hscan, {key.view(), "0", "COUNT", "1000"}, 1, noLimit);
 }
 
 // Sends the command with one cursor after the other, put at `cursorAt` of the arguments, until the server says "0" or
 // `limit` elements are found.
-std::vector<Bytes> ServerCommands::scanToTheEnd(RedisCommand command, std::vector<std::string_view> args,
-                                                std::size_t cursorAt, std::int64_t limit) {
+ServerCommands::Found ServerCommands::scanToTheEnd(RedisCommand command, std::vector<std::string_view> args,
+                                                   std::size_t cursorAt, std::int64_t limit) {
   std::vector<Bytes> found;
   std::optional<Bytes> cursor;
   for (;;) {
     if (cursor) args[cursorAt] = cursor->view();
     ReplyResult reply = executeAndShowFailure(command, args);
-    if (!reply.ok) return {};
+    if (!reply.ok) return std::nullopt;
     if (reply.list && reply.list->size() > 1) {
       appendUpTo(limit, found, reply.list->begin() + 1, reply.list->end());
     }
     cursor = cursorOf(reply);
     if (!cursor) {
       postAlert(localizedString("Can not get scan cursor from server(994)"));
-      return {};
+      return std::nullopt;
     }
     if (isFull(found, limit) || *cursor == "0"_bytes) break;
   }

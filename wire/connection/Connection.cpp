@@ -6,7 +6,6 @@
 #include "wire/reply/ConsoleReplyReader.h"
 #include "wire/reply/ReplyReader.h"
 #include "wire/request/RequestEncoder.h"
-#include "wire/stream/ByteStream.h"
 
 #include <utility>
 
@@ -110,14 +109,80 @@ ReplyResult Connection::requestAndReply(RedisCommand command, Arguments args, st
     lose(began);
     return ReplyResult::failure(localizedString("Can not connect to server"));
   }
-  if (!stream->sendAll(request.view())) {
-    dropStream();
-    return ReplyResult::failure(localizedString("Can not connect to server"));
-  }
-  ReplyReader reader(*stream);
+  if (!send(*stream, request.view())) return ReplyResult::failure(localizedString("Can not connect to server"));
+  return readReply(*stream, began);
+}
+
+bool Connection::send(ByteStream& stream, std::string_view request) {
+  const bool isSent = stream.sendAll(request);
+  if (!isSent) dropStream();
+  return isSent;
+}
+
+ReplyResult Connection::readReply(ByteStream& stream, std::optional<Epoch> began) {
+  ReplyReader reader(stream);
   ReplyResult result = reader.readReply();
   if (reader.lostConnection()) lose(began);
   return result;
+}
+
+Connection::Transaction Connection::executeTransaction(std::span<const Command> commands,
+                                                       const CompleteTransaction& complete) {
+  const MutexLock lock(commandMutex_);
+  Transaction transaction = runTransaction(commands);
+  return complete ? complete(std::move(transaction)) : transaction;
+}
+
+Connection::Transaction Connection::runTransaction(std::span<const Command> commands) {
+  using End = Transaction::End;
+  const auto ended = [](End end, std::string failure) {
+    return Transaction{.end = end, .failure = std::move(failure), .replies = {}};
+  };
+  if (hasOpenTransaction()) {
+    return ended(End::refused,
+                 localizedString("A transaction is open in the console. End it with EXEC or DISCARD first."));
+  }
+  ReplyResult begun = requestAndReply(RedisCommand::multi, {}, std::nullopt);
+  if (!begun.ok) return ended(begun.type ? End::notTaken : End::refused, std::move(begun.message));
+
+  const auto stream = this->stream();
+  Bytes requests = encodeRequests(commands);
+  requests.append(encodeRequest(RedisCommand::exec, {}).view());
+  // Without its end the server discards what came of it.
+  if (!stream || !send(*stream, requests.view())) {
+    return ended(End::refused, localizedString("Can not connect to server"));
+  }
+  Transaction transaction;
+  for (std::size_t i = 0; i < commands.size(); ++i) {
+    ReplyResult reply = readReply(*stream, std::nullopt);
+    if (!reply.ok && !reply.type) {
+      lose(std::nullopt);
+      return ended(End::unknown, std::move(reply.message));
+    }
+    transaction.replies.push_back(std::move(reply));
+  }
+  readExecution(*stream, transaction);
+  return transaction;
+}
+
+void Connection::readExecution(ByteStream& stream, Transaction& transaction) {
+  ReplyReader reader(stream);
+  ReplyReader::Replies executed = reader.readReplies();
+  if (reader.lostConnection()) {
+    lose(std::nullopt);
+  } else if (executed.whole.ok && executed.elements.size() == transaction.replies.size()) {
+    transaction.end = Transaction::End::run;
+    transaction.replies = std::move(executed.elements);
+    return;
+  } else if (!executed.whole.ok) {
+    transaction.end = Transaction::End::refused;
+  }
+  transaction.failure = executed.whole.ok ? localizedString("Server reply: Error") : std::move(executed.whole.message);
+}
+
+ByteStream::Traffic Connection::traffic() const {
+  const auto stream = this->stream();
+  return stream ? stream->traffic() : ByteStream::Traffic();
 }
 
 bool Connection::select(int index) {

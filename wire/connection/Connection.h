@@ -4,7 +4,9 @@
 #include "wire/connection/ServerSession.h"
 #include "wire/reply/ReplyResult.h"
 #include "wire/request/Arguments.h"
+#include "wire/request/Command.h"
 #include "wire/request/RedisCommand.h"
+#include "wire/stream/ByteStream.h"
 #include "wire/stream/ConnectionStatus.h"
 #include "wire/stream/ServerAddress.h"
 #include "wire/stream/StreamOpener.h"
@@ -13,14 +15,13 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 namespace tarn {
-
-class ByteStream;
 
 // The one connection to a server, opened and closed as often as its owner likes: what carries its bytes, its status,
 // and what the server keeps of it. It knows what goes over the wire and nothing of who shows it.
@@ -61,6 +62,26 @@ public:
     std::string failure;
   };
 
+  // How commands ended that the server was to run all or none of.
+  struct Transaction {
+    enum class End {
+      // The server takes no transaction; nothing else was sent.
+      notTaken,
+      // None of them has run, and none will.
+      refused,
+      // All have run, each to its own end.
+      run,
+      // The connection was lost before the answer came: all have run, or none.
+      unknown,
+    };
+
+    End end = End::unknown;
+    // Why they haven't run, or aren't known to have.
+    std::string failure;
+    // To each command in turn: how it ran, or what the server said when it was to be queued.
+    std::vector<ReplyResult> replies;
+  };
+
   explicit Connection(StreamOpener opener) : opener_(std::move(opener)) {}
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
@@ -95,6 +116,15 @@ public:
   using Complete = std::function<ReplyResult(ReplyResult reply)>;
   ReplyResult execute(RedisCommand command, Arguments args, const Complete& complete = {});
 
+  // Has the server run the commands one behind the other, with nothing between and whole or not at all, whatever
+  // becomes of the connection meanwhile. MULTI goes first and alone, since a server that refuses it would run what
+  // follows; all else is sent at once. `complete` as with execute().
+  using CompleteTransaction = std::function<Transaction(Transaction transaction)>;
+  Transaction executeTransaction(std::span<const Command> commands, const CompleteTransaction& complete = {});
+
+  // The traffic of the present connection. Waits for nothing.
+  ByteStream::Traffic traffic() const;
+
   // Sends a console line, of at least one word, and reads its reply. Where that fails the status follows, unless
   // close() has run since `began`.
   LineReply executeLine(const std::vector<std::string>& words, Epoch began);
@@ -102,6 +132,10 @@ public:
 private:
   Outcome open(const ServerAddress& address, Epoch began) REQUIRES(commandMutex_);
   ReplyResult requestAndReply(RedisCommand command, Arguments args, std::optional<Epoch> began) REQUIRES(commandMutex_);
+  Transaction runTransaction(std::span<const Command> commands) REQUIRES(commandMutex_);
+  void readExecution(ByteStream& stream, Transaction& transaction) REQUIRES(commandMutex_);
+  bool send(ByteStream& stream, std::string_view request) REQUIRES(commandMutex_);
+  ReplyResult readReply(ByteStream& stream, std::optional<Epoch> began) REQUIRES(commandMutex_);
   bool select(int index) REQUIRES(commandMutex_);
   std::shared_ptr<ByteStream> sendLine(const std::vector<std::string>& words) REQUIRES(commandMutex_);
   bool followLine(const std::vector<std::string>& words, ReplyType type, std::string_view text) REQUIRES(commandMutex_);

@@ -50,10 +50,31 @@ ReplyResult ReplyReader::lost(std::string message) {
 
 ReplyResult ReplyReader::readReply() {
   const auto type = scanner_.type(0);
-  if (!type) return lost(replyFailureMessage(scanner_.failure()));
-  if (isBulk(*type)) return processBulkItem(*type);
-  if (isAggregate(*type)) return processMultiBulkItem(*type);
-  return *type == ReplyType::REDIS_ERR ? processUnknownItem() : processLineItem(*type);
+  return type ? processItem(*type) : lost(replyFailureMessage(scanner_.failure()));
+}
+
+ReplyReader::Replies ReplyReader::readReplies() {
+  const auto type = scanner_.type(0);
+  if (!type) return {lost(replyFailureMessage(scanner_.failure())), {}};
+  if (*type != ReplyType::REDIS_REPLY_ARRAY) return {processItem(*type), {}};
+  const auto count = scanner_.count();
+  if (!count) return {lost(replyFailureMessage(scanner_.failure())), {}};
+  Replies replies;
+  for (std::int64_t i = 0; i < *count; ++i) {
+    replies.elements.push_back(readReply());
+    if (lost_) return {std::move(replies.elements.back()), {}};
+  }
+  // A missing array is no outcome.
+  if (*count < 0) return {ReplyResult::failure(localizedString("Server reply: Error")), {}};
+  replies.whole.ok = true;
+  replies.whole.type = type;
+  return replies;
+}
+
+ReplyResult ReplyReader::processItem(ReplyType type) {
+  if (isBulk(type)) return processBulkItem(type);
+  if (isAggregate(type)) return processMultiBulkItem(type);
+  return type == ReplyType::REDIS_ERR ? processUnknownItem() : processLineItem(type);
 }
 
 ReplyResult ReplyReader::processLineItem(ReplyType type) {

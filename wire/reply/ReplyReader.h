@@ -16,12 +16,20 @@ public:
 
   ReplyResult readReply();
 
-  // After readReply: the stream broke off or fell out of step, and the connection is of no more use.
+  // An array of which each element is a reply of its own, also an error; of another reply there is `whole` alone.
+  struct Replies {
+    ReplyResult whole;
+    std::vector<ReplyResult> elements;
+  };
+  Replies readReplies();
+
+  // After either: the stream broke off or fell out of step, and the connection is of no more use.
   bool lostConnection() const { return lost_; }
 
 private:
   ReplyResult lost(std::string message);
 
+  ReplyResult processItem(ReplyType type);
   ReplyResult processLineItem(ReplyType type);
   ReplyResult processBulkItem(ReplyType type);
   ReplyResult processMultiBulkItem(ReplyType type);

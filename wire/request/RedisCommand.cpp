@@ -9,8 +9,8 @@ namespace {
 
 // In the order of RedisCommand.
 constexpr std::string_view commandNames[] = {
-    "AUTH", "config", "scan",   "select", "type",  "ttl",   "get",    "del",  "set", "expire", "persist",
-    "sadd", "sscan",  "lrange", "rpush",  "hscan", "hmset", "zrange", "zadd", "",    "info",   "",
+    "AUTH",  "config", "scan",  "select", "type",  "ttl",    "get",  "del",   "set",  "expire", "persist", "sadd",
+    "sscan", "lrange", "rpush", "hscan",  "hmset", "zrange", "zadd", "multi", "exec", "",       "info",    "",
 };
 constexpr std::size_t indexOf(RedisCommand command) {
   return static_cast<std::size_t>(command);

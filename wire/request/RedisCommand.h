@@ -26,6 +26,8 @@ enum class RedisCommand : std::uint8_t {
   hmset,
   zrange,
   zadd,
+  multi,
+  exec,
   raw,  // the arguments are the whole command
   info,
   clusterNodes,  // "cluster" "nodes", whatever the arguments

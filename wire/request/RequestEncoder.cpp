@@ -25,33 +25,61 @@ char* putHeader(char* out, char mark, std::size_t number) {
   return std::copy(lineEnd.begin(), lineEnd.end(), out);
 }
 
-// `word(i)` is the word at i. The size is known before the first byte is put, so the request is made in one block.
-template <typename Word>
-Bytes encode(std::size_t count, const Word& word) {
+// How many words there are, and the one at each place, as they are sent.
+std::size_t wordCount(RedisCommand command, Arguments args) {
+  if (command == RedisCommand::clusterNodes) return 2;
+  return args.size() + (command == RedisCommand::raw ? 0 : 1);
+}
+
+std::string_view wordAt(std::size_t index, RedisCommand command, Arguments args) {
+  if (command == RedisCommand::clusterNodes) return index == 0 ? "cluster" : "nodes";
+  if (command == RedisCommand::raw) return args[index];
+  return index == 0 ? commandName(command) : args[index - 1];
+}
+
+// The size is known before the first byte is put, so that requests are made in one block.
+std::size_t sizeOf(RedisCommand command, Arguments args) {
   constexpr std::size_t headerSize = 1 + lineEnd.size();
+  const std::size_t count = wordCount(command, args);
   std::size_t size = headerSize + digitsOf(count);
   for (std::size_t i = 0; i < count; ++i) {
-    const std::size_t length = word(i).size();
+    const std::size_t length = wordAt(i, command, args).size();
     size += headerSize + digitsOf(length) + length + lineEnd.size();
   }
-  Bytes request;
-  request.resize(size);
-  char* out = putHeader(request.data(), '*', count);
+  return size;
+}
+
+char* putRequest(char* out, RedisCommand command, Arguments args) {
+  const std::size_t count = wordCount(command, args);
+  out = putHeader(out, '*', count);
   for (std::size_t i = 0; i < count; ++i) {
-    const std::string_view bytes = word(i);
+    const std::string_view bytes = wordAt(i, command, args);
     out = putHeader(out, '$', bytes.size());
     out = std::copy(bytes.begin(), bytes.end(), out);
     out = std::copy(lineEnd.begin(), lineEnd.end(), out);
   }
-  return request;
+  return out;
 }
 
 }  // namespace
 
 Bytes encodeRequest(RedisCommand command, Arguments args) {
-  if (command == RedisCommand::clusterNodes) return encodeRequest(RedisCommand::raw, {"cluster", "nodes"});
-  if (command == RedisCommand::raw) return encode(args.size(), [&](std::size_t i) { return args[i]; });
-  return encode(args.size() + 1, [&](std::size_t i) { return i == 0 ? commandName(command) : args[i - 1]; });
+  Bytes request;
+  request.resize(sizeOf(command, args));
+  putRequest(request.data(), command, args);
+  return request;
+}
+
+Bytes encodeRequests(std::span<const Command> commands) {
+  std::size_t size = 0;
+  for (const Command& command : commands)
+    size += sizeOf(command.name, command.words);
+  Bytes requests;
+  requests.resize(size);
+  char* out = requests.data();
+  for (const Command& command : commands)
+    out = putRequest(out, command.name, command.words);
+  return requests;
 }
 
 }  // namespace tarn

@@ -84,9 +84,9 @@ void KeyBrowser::removeKey(const Bytes& key) {
 }
 
 void KeyBrowser::showSavedKey(const Bytes& key, std::size_t position) {
-  keys_.insert(key, position);
+  const std::size_t row = keys_.insert(key, position);
   tab_.outlets.tableKeys.reloadData();
-  if (position < keys_.size()) tab_.outlets.tableKeys.selectRow(static_cast<int>(position));
+  tab_.outlets.tableKeys.selectRow(static_cast<int>(row));
 }
 
 int KeyBrowser::numberOfRowsInTableView(const NSTableView&) {

@@ -31,7 +31,7 @@ public:
   // Where a save of this key's value under any name is to show it: see KeyList.
   std::size_t positionOfSavedKey(const std::optional<Bytes>& oldKey) const { return keys_.positionOfSavedKey(oldKey); }
   void removeKey(const Bytes& key);
-  // Lists a key that was saved, if it isn't listed yet, and selects the row at this position.
+  // Lists a key that was saved, at this position if it isn't listed yet, and selects its row.
   void showSavedKey(const Bytes& key, std::size_t position);
 
   int numberOfRowsInTableView(const NSTableView& table) override;

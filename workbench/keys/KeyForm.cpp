@@ -6,6 +6,7 @@
 #include "workbench/text/TypedText.h"
 
 #include <memory>
+#include <utility>
 
 namespace tarn {
 
@@ -52,9 +53,15 @@ void KeyForm::showKey(const Bytes& key) {
   shownKey_ = key;
 }
 
+void KeyForm::takeAsShown(const Bytes& key) {
+  shownKey_ = key;
+  typedOverKey_.reset();
+}
+
 void KeyForm::emptyKey() {
   tab_.outlets.txtKey.setStringValue("");
   shownKey_.reset();
+  typedOverKey_.reset();
 }
 
 void KeyForm::translateKey() {
@@ -77,7 +84,7 @@ void KeyForm::showKeySize(const Bytes& key) {
 }
 
 void KeyForm::controlTextDidBeginEditing(int tag) {
-  if (tag == keyTag) shownKey_.reset();
+  if (tag == keyTag && shownKey_) typedOverKey_ = std::exchange(shownKey_, std::nullopt);
   if (tag == ttlTag) tab_.outlets.txtTTL.setToolTip("");
 }
 

@@ -18,6 +18,11 @@ public:
   // else what the text stands for. Nothing, after an alert, where it stands for no bytes.
   std::optional<Bytes> keyDataFromForm() const;
 
+  // True where the user has changed the key's text since it was shown, or since the form was emptied.
+  bool isKeyTyped() const { return !shownKey_; }
+  // The key that was shown last, also if the user has typed over it; nothing in a form that was emptied.
+  const std::optional<Bytes>& lastShownKey() const { return shownKey_ ? shownKey_ : typedOverKey_; }
+
   // As typed, or as last shown.
   std::string ttlText() const { return tab_.outlets.txtTTL.stringValue(); }
 
@@ -28,6 +33,8 @@ public:
 
   // Switches the escapes on and shows the key.
   void showKey(const Bytes& key);
+  // The text stands for the very bytes of this key, as if they had been shown.
+  void takeAsShown(const Bytes& key);
   // Rewrites the key's text after a click on chkTranslate, so that it keeps its meaning.
   void translateKey();
 
@@ -48,6 +55,8 @@ private:
   WorkbenchTab& tab_;
   // What the text of txtKey was made from, until the user changes it.
   std::optional<Bytes> shownKey_;
+  // What it was made from before that.
+  std::optional<Bytes> typedOverKey_;
 };
 
 }  // namespace tarn

@@ -13,9 +13,12 @@ void KeyList::remove(const Bytes& key) {
   if (const auto found = std::ranges::find(keys_, key); found != keys_.end()) keys_.erase(found);
 }
 
-void KeyList::insert(const Bytes& key, std::size_t position) {
-  if (std::ranges::find(keys_, key) != keys_.end()) return;
-  keys_.insert(keys_.begin() + static_cast<std::ptrdiff_t>(std::min(position, keys_.size())), key);
+std::size_t KeyList::insert(const Bytes& key, std::size_t position) {
+  auto at = std::ranges::find(keys_, key);
+  if (at == keys_.end()) {
+    at = keys_.insert(keys_.begin() + static_cast<std::ptrdiff_t>(std::min(position, keys_.size())), key);
+  }
+  return static_cast<std::size_t>(at - keys_.begin());
 }
 
 }  // namespace tarn

@@ -26,8 +26,8 @@ public:
   // Takes the first entry of this key away, if there is one.
   void remove(const Bytes& key);
 
-  // Puts the key at this position, or at the end of a shorter list, unless the list has it.
-  void insert(const Bytes& key, std::size_t position);
+  // Puts the key at this position, or at the end of a shorter list, unless the list has it. Answers where it stands.
+  std::size_t insert(const Bytes& key, std::size_t position);
 
 private:
   std::vector<Bytes> keys_;

@@ -1,14 +1,17 @@
 #include "workbench/save/KeySaver.h"
 
+#include "platform/appkit/FocusKeeper.h"
 #include "platform/foundation/DecimalNumber.h"
 #include "platform/foundation/NSAlert.h"
 #include "platform/foundation/NSLocalizedString.h"
+#include "wire/command/KeyWriting.h"
 #include "workbench/StatusTexts.h"
 #include "workbench/save/RowsToSave.h"
 #include "workbench/save/SaveQuestions.h"
 
 #include <algorithm>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -59,7 +62,8 @@ std::optional<std::string> alertOfHead(bool hasType, std::string_view key, std::
 
 std::optional<std::string> alertOfRows(ValueType type, const ValueRows& rows) {
   if (rows.rowCount() == 0) return noRowsText(type);
-  if (std::ranges::any_of(rows.scores(), &std::string::empty)) {
+  // A lone sign is the beginning of a number.
+  if (std::ranges::any_of(rows.scores(), [](const std::string& score) { return score.empty() || score == "-"; })) {
     return localizedString("All 'SortedSet Value Score' must be set.");
   }
   return std::nullopt;
@@ -77,11 +81,13 @@ struct KeySaver::Job {
   int database = 0;
   ValueType type = ValueType::string;
   Bytes key;
-  // The key whose value the form shows.
+  // The key that the form showed before the user changed its text, or that its value is from.
   std::optional<Bytes> oldKey;
-  // The form was loaded from another key than it names now.
+  // The form's value isn't from this key, which may exist all the same.
   bool isOtherKey = false;
-  // The old key goes before the new one is written.
+  // The user has given the value of the old key another name.
+  bool isRenamed = false;
+  // The old key goes.
   bool isMove = false;
   // Seconds; -1 is for ever.
   std::int64_t ttl = -1;
@@ -93,19 +99,31 @@ struct KeySaver::Job {
   // All others'.
   std::optional<RowsToSave> rows;
 
-  // True if the server took all of it; what fails is shown by the wire.
-  bool write(ServerItem& server) const;
+  WriteOutcome write(ServerItem& server) const;
   std::size_t dataSize() const;
 };
 
-bool KeySaver::Job::write(ServerItem& server) const {
-  if (type == ValueType::string) return server.setValue(key, value, ttl);
-  if (!server.deleteKey(key)) return false;
-  const std::vector<Bytes>& first = rows->column(0);
-  if (type == ValueType::set) return server.addSetMembers(key, first, ttl);
-  if (type == ValueType::list) return server.pushListItems(key, first, ttl);
-  if (type == ValueType::hash) return server.setHashFields(key, first, rows->column(1), ttl);
-  return server.addSortedSetMembers(key, rows->scores(), first, ttl);
+WriteOutcome KeySaver::Job::write(ServerItem& server) const {
+  KeyWriting writing(key, ttl);
+  if (isMove) writing.moveFrom(*oldKey);
+  switch (type) {
+    case ValueType::string:
+      writing.setString(value);
+      break;
+    case ValueType::set:
+      writing.setSet(rows->column(0));
+      break;
+    case ValueType::list:
+      writing.setList(rows->column(0));
+      break;
+    case ValueType::hash:
+      writing.setHash(rows->column(0), rows->column(1));
+      break;
+    case ValueType::sortedSet:
+      writing.setSortedSet(rows->scores(), rows->column(0));
+      break;
+  }
+  return server.write(writing);
 }
 
 std::size_t KeySaver::Job::dataSize() const {
@@ -118,8 +136,14 @@ KeySaver::KeySaver(WorkbenchTab& tab, KeyBrowser& browser, KeyForm& form, ValueP
     : tab_(tab), browser_(browser), form_(form), panes_(panes) {}
 
 void KeySaver::save() {
+  const FocusKeeper focus(tab_.outlets.txtKey);
   tab_.outlets.txtKey.becomeFirstResponder();
   panes_.commitCells();
+  saveForm();
+  focus.restore();
+}
+
+void KeySaver::saveForm() {
   Job job;
   if (!takeHead(job) || !takeValue(job)) return;
   const int shownString = panes_.string().revision();
@@ -129,9 +153,17 @@ void KeySaver::save() {
   tab_.queue.updateDealingQueueLabel();
   if (!saveKeyValue(job)) {
     tab_.queue.poster().post([this] { tab_.queue.updateDealingQueueLabel(); });
-  } else if (isStringOnForm) {
-    panes_.string().valueWritten(std::move(job.value));
+    return;
   }
+  if (isStringOnForm) panes_.string().valueWritten(std::move(job.value));
+  if (isStringOnForm || (job.rows && job.rows->isOnShow())) takeAsShown(job);
+}
+
+// What the form shows is on the server now, and the value of no other key any more.
+void KeySaver::takeAsShown(const Job& job) {
+  form_.takeAsShown(job.key);
+  tab_.loadedKey = job.key;
+  formSaved_();
 }
 
 // --- What is written -----------------------------------------------------------------------------------------------
@@ -148,8 +180,9 @@ bool KeySaver::takeHead(Job& job) const {
   job.type = *tab_.type;
   job.ttl = *ttlFromText(ttl);
   job.key = *std::move(key);
-  job.oldKey = tab_.loadedKey;
-  job.isOtherKey = job.oldKey && *job.oldKey != job.key && !tab_.isNew;
+  job.oldKey = form_.lastShownKey() ? form_.lastShownKey() : tab_.loadedKey;
+  job.isOtherKey = form_.isKeyTyped() && job.oldKey != job.key;
+  job.isRenamed = job.isOtherKey && job.oldKey && !tab_.isNew;
   job.form = tab_.valueForm();
   return true;
 }
@@ -174,14 +207,17 @@ bool KeySaver::takeRows(Job& job) {
 
 // --- Questions -----------------------------------------------------------------------------------------------------
 
-bool KeySaver::ask(Job& job) const {
-  const bool isValueTaken = job.rows ? askAboutRows(job) : askAboutString(job);
-  return isValueTaken && askAboutKey(job);
+bool KeySaver::ask(Job& job) {
+  return askAboutValue(job) && askAboutDoubles(job) && askAboutName(job) && askAboutExistingKey(job);
+}
+
+bool KeySaver::askAboutValue(Job& job) const {
+  return job.rows ? askAboutRows(job) : askAboutString(job);
 }
 
 bool KeySaver::askAboutString(Job& job) const {
   const StringPane& pane = panes_.string();
-  if (!pane.isOnShow()) {
+  if (tab_.unseen || !pane.isOnShow()) {
     const std::size_t bytes = pane.value().size();
     return askToReplaceHiddenString(bytes > 0 ? std::optional(bytes) : std::nullopt);
   }
@@ -193,35 +229,73 @@ bool KeySaver::askAboutString(Job& job) const {
 }
 
 bool KeySaver::askAboutRows(Job& job) const {
-  const bool isChanged = !job.rows->changes().empty();
-  if (isChanged || job.isOtherKey) job.rows->takeCopy();
-  if (!isChanged) return true;
+  if (tab_.unseen) {
+    job.rows->takeCopy();
+    job.rows->keepBytes();
+    return askToReplaceHiddenRows(tab_.unseen->rows);
+  }
+  if (job.rows->changes().empty()) return true;
+  job.rows->takeCopy();
   const BytesAnswer answer = askAboutChangedRows(job.rows->changes(), job.form);
   if (answer == BytesAnswer::keep) job.rows->keepBytes();
   return answer != BytesAnswer::cancel;
 }
 
-bool KeySaver::askAboutKey(Job& job) const {
-  if (!job.isOtherKey) return true;
+bool KeySaver::askAboutDoubles(Job& job) const {
+  const auto field = job.type == ValueType::hash ? job.rows->doubledField() : std::nullopt;
+  if (!field) return true;
+  job.rows->takeCopy();
+  return askAboutDoubledField(rowText(field->view(), job.form));
+}
+
+bool KeySaver::askAboutName(Job& job) const {
+  if (!job.isRenamed) return true;
+  if (job.rows) job.rows->takeCopy();
   const TextForm form = tab_.keyForm();
   const MoveAnswer answer = askAboutMove(keyText(job.oldKey->view(), form), keyText(job.key.view(), form));
   job.isMove = answer == MoveAnswer::move;
   return answer != MoveAnswer::cancel;
 }
 
+bool KeySaver::askAboutExistingKey(Job& job) {
+  if (!job.isOtherKey) return true;
+  std::pair<bool, std::string> type;
+  tab_.queue.performInDatabase(job.database, [&](ServerItem& server) { type = server.keyType(job.key); },
+                               {.awaited = awaitedText(job)});
+  const auto& [isKnown, word] = type;
+  if (!isKnown || word == "none") return isKnown;
+  if (job.rows) job.rows->takeCopy();
+  const std::optional<ValueType> known = valueTypeOfWord(word);
+  return askToReplaceKey(keyText(job.key.view(), tab_.keyForm()), known ? valueTypeTitle(*known) : word);
+}
+
 // --- Writing -------------------------------------------------------------------------------------------------------
 
 bool KeySaver::saveKeyValue(Job& job) {
-  bool isWritten = false;
-  tab_.queue.performInDatabase(job.database, [&](ServerItem& server) {
-    if (job.isMove && !server.deleteKey(*job.oldKey)) return;
-    const std::size_t keyPosition = browser_.positionOfSavedKey(job.oldKey);
-    if (job.isMove && listShows(job.database)) browser_.removeKey(*job.oldKey);
-    if (job.rows) job.rows->convert();
-    isWritten = job.write(server);
-    if (isWritten) finishSave(job, keyPosition);
-  });
-  return isWritten;
+  const std::shared_ptr<ServerItem> server = tab_.queue.server();
+  if (!server) return false;
+  const std::size_t keyPosition = browser_.positionOfSavedKey(job.oldKey);
+  if (job.rows) job.rows->convert();
+  const ServerItem::Epoch began = server->epoch();
+  WriteOutcome outcome;
+  const bool isTried = tab_.queue.performInDatabase(
+      job.database, [&](ServerItem& server) { outcome = job.write(server); }, {.awaited = awaitedText(job)});
+  if (!isTried) return false;
+  if (outcome.isOldKeyGone && listShows(job.database)) {
+    browser_.removeKey(*job.oldKey);
+    // The next key would look chosen over a form that isn't its own.
+    if (!outcome.isWritten) tab_.outlets.tableKeys.deselectAll();
+  }
+  if (outcome.isWritten) finishSave(job, keyPosition);
+  if (outcome.message.empty()) return outcome.isWritten;
+  if (server->wasClosedSince(began)) outcome.message = localizedString("You gave up waiting for this save.");
+  server->showServerError(std::move(outcome.message), std::move(outcome.whatIsLeft));
+  return outcome.isWritten;
+}
+
+std::string KeySaver::awaitedText(const Job& job) const {
+  return replacingPlaceholder(localizedString("Waiting for the server to save the key '{0}'."), "{0}",
+                              keyText(job.key.view(), tab_.keyForm()));
 }
 
 void KeySaver::finishSave(const Job& job, std::size_t keyPosition) {

@@ -6,20 +6,30 @@
 #include "workbench/value/ValuePanes.h"
 
 #include <cstddef>
+#include <functional>
+#include <string>
+#include <utility>
 
 namespace tarn {
 
-// Writes the form's value to the server: whole, in a short run of commands, in the click and on the main queue. What
-// fails half-way leaves what has been done so far, and the form as it is. Main queue only.
+// Writes the form's value to the server in the click, while the main queue waits: whole or not at all, where the server
+// can. A save that fails leaves the form as it is. Main queue only.
 class KeySaver final {
 public:
   KeySaver(WorkbenchTab& tab, KeyBrowser& browser, KeyForm& form, ValuePanes& panes);
 
-  // Takes what is being typed into the form, checks it, asks what must be asked, and writes.
+  // Called when the server has what the form shows.
+  void setFormSaved(std::function<void()> formSaved) { formSaved_ = std::move(formSaved); }
+
+  // Takes what is being typed into the form, checks it, asks what must be asked, and writes. The
+  // keyboard is then where it was.
   void save();
 
 private:
   struct Job;
+
+  void saveForm();
+  void takeAsShown(const Job& job);
 
   // All are false, after an alert, where there is nothing that can be written.
   bool takeHead(Job& job) const;
@@ -28,20 +38,25 @@ private:
   bool takeRows(Job& job);
 
   // All are false where the answer ends the save.
-  bool ask(Job& job) const;
+  bool ask(Job& job);
+  bool askAboutValue(Job& job) const;
   bool askAboutString(Job& job) const;
   bool askAboutRows(Job& job) const;
-  bool askAboutKey(Job& job) const;
+  bool askAboutDoubles(Job& job) const;
+  bool askAboutName(Job& job) const;
+  bool askAboutExistingKey(Job& job);
 
-  // True if the server took all of it.
+  // True if the value is written.
   bool saveKeyValue(Job& job);
   void finishSave(const Job& job, std::size_t keyPosition);
   bool listShows(int database) const;
+  std::string awaitedText(const Job& job) const;
 
   WorkbenchTab& tab_;
   KeyBrowser& browser_;
   KeyForm& form_;
   ValuePanes& panes_;
+  std::function<void()> formSaved_;
 };
 
 }  // namespace tarn

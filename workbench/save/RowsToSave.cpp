@@ -1,14 +1,18 @@
 #include "workbench/save/RowsToSave.h"
 
+#include <unordered_map>
 #include <utility>
 
 namespace tarn {
 
-namespace {
+RowsToSave::RowsToSave(ValueRows& rows, TextForm form) : rows_(&rows), revision_(rows.revision()) {
+  for (std::size_t column = 0; column < rows.columns().size(); ++column)
+    addChanges(column, form);
+}
 
 // Rows that can't be told to stay from a look at their bytes are converted for it.
-void addChanges(const ValueRows& rows, std::size_t columnIndex, TextForm form, std::vector<ConvertedRow>& changes) {
-  const ValueColumn& column = rows.columns()[columnIndex];
+void RowsToSave::addChanges(std::size_t columnIndex, TextForm form) {
+  const ValueColumn& column = rows_->columns()[columnIndex];
   const std::vector<std::size_t> setRows = column.rowsWithSetText();
   auto nextSet = setRows.begin();
   const bool showsForm = column.form().charset == form.charset && column.form().isBase64 == form.isBase64;
@@ -20,15 +24,8 @@ void addChanges(const ValueRows& rows, std::size_t columnIndex, TextForm form, s
     const std::string text = column.text(row);
     std::optional<Bytes> converted = bytesOfRow(text, form);
     if (!converted || *converted == bytes) continue;
-    changes.push_back({columnIndex, row, *std::move(converted), conversionReason(text, form)});
+    changes_.push_back({columnIndex, row, *std::move(converted), conversionReason(text, form)});
   }
-}
-
-}  // namespace
-
-RowsToSave::RowsToSave(ValueRows& rows, TextForm form) : rows_(&rows), revision_(rows.revision()) {
-  for (std::size_t column = 0; column < rows.columns().size(); ++column)
-    addChanges(rows, column, form, changes_);
 }
 
 const std::vector<Bytes>& RowsToSave::column(std::size_t column) const {
@@ -42,7 +39,32 @@ std::size_t RowsToSave::byteSize() const {
   return size;
 }
 
+// As it is once the changes are made.
+std::vector<std::string_view> RowsToSave::convertedColumn(std::size_t index) const {
+  std::vector<std::string_view> bytes;
+  bytes.reserve(column(index).size());
+  for (const Bytes& row : column(index))
+    bytes.push_back(row.view());
+  for (const ConvertedRow& change : changes_) {
+    if (change.column == index) bytes[change.row] = change.bytes.view();
+  }
+  return bytes;
+}
+
+std::optional<Bytes> RowsToSave::doubledField() const {
+  const std::vector<std::string_view> fields = convertedColumn(0);
+  const std::vector<std::string_view> values = convertedColumn(1);
+  std::unordered_map<std::string_view, std::string_view> valueOf;
+  valueOf.reserve(fields.size());
+  for (std::size_t row = 0; row < fields.size(); ++row) {
+    const auto [found, isNew] = valueOf.emplace(fields[row], values[row]);
+    if (!isNew && found->second != values[row]) return Bytes(fields[row]);
+  }
+  return std::nullopt;
+}
+
 void RowsToSave::takeCopy() {
+  if (copy_) return;
   copy_.emplace();
   for (const ValueColumn& column : rows_->columns())
     copy_->columns.push_back(column.data());
@@ -50,9 +72,9 @@ void RowsToSave::takeCopy() {
 }
 
 void RowsToSave::convert() {
-  const bool isOnShow = rows_->revision() == revision_;
+  const bool isInForm = isOnShow();
   for (ConvertedRow& change : changes_) {
-    if (isOnShow) rows_->setData(change.column, change.row, change.bytes);
+    if (isInForm) rows_->setData(change.column, change.row, change.bytes);
     if (copy_) copy_->columns[change.column][change.row] = std::move(change.bytes);
   }
   changes_.clear();

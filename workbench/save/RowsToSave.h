@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tarn {
@@ -19,7 +20,8 @@ struct ConvertedRow {
 };
 
 // The rows that a save writes: those of the form, or a copy of them, so that they stay what they were while a question
-// is up. Main queue only; the form's rows outlive it.
+// is up. Main queue only, but for the rows themselves, which any thread may read while nobody changes them; the form's
+// rows outlive it.
 class RowsToSave final {
 public:
   RowsToSave(ValueRows& rows, TextForm form);
@@ -31,17 +33,26 @@ public:
   // What the conversion of the rows' text would change: by column, and ascending in it.
   const std::vector<ConvertedRow>& changes() const { return changes_; }
 
+  // A field that several rows would write with other values; the server keeps the last.
+  std::optional<Bytes> doubledField() const;
+
   // Before a question, behind which the form's rows may be replaced.
   void takeCopy();
   void keepBytes() { changes_.clear(); }
   // Makes the changes, in the form too if its rows are still those that were asked about.
   void convert();
 
+  // The form still shows these rows.
+  bool isOnShow() const { return rows_->revision() == revision_; }
+
 private:
   struct Copy {
     std::vector<std::vector<Bytes>> columns;
     std::vector<std::string> scores;
   };
+
+  void addChanges(std::size_t columnIndex, TextForm form);
+  std::vector<std::string_view> convertedColumn(std::size_t column) const;
 
   ValueRows* rows_;
   int revision_;

@@ -36,6 +36,11 @@ std::string reasonLine(const char* text, std::size_t rows) {
   return replacingPlaceholder(localizedString(text), "{0}", std::to_string(rows)) + "\n";
 }
 
+bool askToReplace(std::string message) {
+  return askUser(std::move(message), {}, {localizedString("Cancel"), localizedString("Replace")}) ==
+         NSAlert::secondButtonReturn;
+}
+
 }  // namespace
 
 BytesAnswer askAboutChangedRows(const std::vector<ConvertedRow>& changes, TextForm form) {
@@ -57,12 +62,24 @@ BytesAnswer askAboutChangedString(TextForm form) {
 }
 
 bool askToReplaceHiddenString(std::optional<std::size_t> bytes) {
+  if (!bytes) return askToReplace(localizedString("The value isn't on show. Saving replaces it with the text shown."));
+  return askToReplace(replacingPlaceholder(
+      localizedString("The value isn't on show. Saving replaces its {0} byte(s) with the text shown."), "{0}",
+      std::to_string(*bytes)));
+}
+
+bool askToReplaceHiddenRows(std::optional<std::size_t> rows) {
+  if (!rows) return askToReplace(localizedString("The value isn't on show. Saving replaces it with the rows shown."));
+  return askToReplace(replacingPlaceholder(
+      localizedString("The value isn't on show. Saving replaces its {0} row(s) with the rows shown."), "{0}",
+      std::to_string(*rows)));
+}
+
+bool askAboutDoubledField(std::string_view field) {
   const std::string message =
-      bytes ? replacingPlaceholder(
-                  localizedString("The value isn't on show. Saving replaces its {0} byte(s) with the text shown."),
-                  "{0}", std::to_string(*bytes))
-            : localizedString("The value isn't on show. Saving replaces it with the text shown.");
-  return askUser(message, {}, {localizedString("Cancel"), localizedString("Replace")}) == NSAlert::secondButtonReturn;
+      localizedString("The field '{0}' is there more than once, with different values. Only the last one is kept.");
+  return askUser(replacingPlaceholder(message, "{0}", field), {},
+                 {localizedString("Cancel"), localizedString("Save")}) == NSAlert::secondButtonReturn;
 }
 
 MoveAnswer askAboutMove(std::string_view oldKey, std::string_view newKey) {
@@ -73,6 +90,10 @@ MoveAnswer askAboutMove(std::string_view oldKey, std::string_view newKey) {
               {localizedString("Sure To Move"), localizedString("Not Move But New"), localizedString("Cancel")});
   if (answer == NSAlert::firstButtonReturn) return MoveAnswer::move;
   return answer == NSAlert::secondButtonReturn ? MoveAnswer::keepOld : MoveAnswer::cancel;
+}
+
+bool askToReplaceKey(std::string_view key, std::string_view type) {
+  return askToReplace(replacingPlaceholders(localizedString("There is a key '{0}' ({1}) already."), key, type));
 }
 
 }  // namespace tarn

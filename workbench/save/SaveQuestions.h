@@ -19,10 +19,17 @@ enum class BytesAnswer { keep, convert, cancel };
 BytesAnswer askAboutChangedRows(const std::vector<ConvertedRow>& changes, TextForm form);
 BytesAnswer askAboutChangedString(TextForm form);
 
-// Whether a String that isn't on show may be replaced; its number of bytes, if that is known.
+// Whether a value that isn't on show may be replaced; its number of bytes or rows, if that is known.
 bool askToReplaceHiddenString(std::optional<std::size_t> bytes);
+bool askToReplaceHiddenRows(std::optional<std::size_t> rows);
+
+// Whether a hash may be written of which several rows have one field.
+bool askAboutDoubledField(std::string_view field);
 
 enum class MoveAnswer { move, keepOld, cancel };
 MoveAnswer askAboutMove(std::string_view oldKey, std::string_view newKey);
+
+// Whether a key that exists may be replaced. Its type is told by the title, or else by the server's word.
+bool askToReplaceKey(std::string_view key, std::string_view type);
 
 }  // namespace tarn
