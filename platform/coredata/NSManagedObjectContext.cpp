@@ -61,8 +61,9 @@ bool NSManagedObjectContext::write(const NSManagedObject& object, std::optional<
   const std::string table = object.entity_.name;
   if (object.isDeleted_) return !rowId || store_->run("DELETE FROM " + table + " WHERE rowid = ?", {*rowId});
   // A new one has no number, which no row has.
-  const NSManagedValue known = rowId ? NSManagedValue(*rowId) : NSManagedValue();
-  auto rows = store_->run("SELECT rowid FROM " + table + " WHERE rowid = ?", {known});
+  std::vector<NSManagedValue> known(1);
+  if (rowId) known.front() = *rowId;
+  auto rows = store_->run("SELECT rowid FROM " + table + " WHERE rowid = ?", known);
   // New, or removed by another running program while it was changed here: the change wins.
   const bool isNew = rows && rows->empty();
   if (isNew) rows = store_->run("INSERT INTO " + table + " DEFAULT VALUES RETURNING rowid");
